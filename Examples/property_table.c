@@ -1,0 +1,77 @@
+/* SPDX-License-Identifier: MIT */
+/* Prints properties of a fluid over a row of temperatures at one density.
+ *
+ *   property_table [FLUID [DENSITY_KG_M3 [FIRST_K LAST_K]]]
+ */
+#include "ostrel.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+enum { rows = 7 };
+
+typedef struct column {
+    const char *output;
+    const char *title;
+    const char *unit;
+    double scale; /* shown value = SI value * scale */
+    int decimals;
+} column;
+
+static const column columns[] = {
+    {"t", "T", "K", 1, 2},
+    {"p", "p", "kPa", 1e-3, 3},
+    {"d", "d", "kg/m3", 1, 3},
+    {"u", "u", "kJ/kg", 1e-3, 3},
+    {"s", "s", "kJ/(kg K)", 1e-3, 5},
+    {"cv", "cv", "kJ/(kg K)", 1e-3, 5},
+    {"dp_dt", "dp/dT", "kPa/K", 1e-3, 5},
+    {"dp_dv", "dp/dv", "MPa kg/m3", 1e-6, 4},
+};
+enum { column_count = sizeof columns / sizeof columns[0] };
+
+/* The value, or the end of the program with the library's own words. */
+static double property(const char *fluid, const char *pair, double input1, double input2, const char *output) {
+    char text[256];
+    const double value = ostrel_prop(fluid, pair, &input1, &input2, output, text, strlen(fluid), strlen(pair),
+                                     strlen(output), sizeof text);
+    if (strncmp(text, "No errors", 9) != 0) {
+        int length = (int)sizeof text;
+        while (length > 0 && text[length - 1] == ' ')
+            --length;
+        fprintf(stderr, "%s, \"%s\" from \"%s\": %.*s\n", fluid, output, pair, length, text);
+        exit(1);
+    }
+    return value;
+}
+
+static double constant(const char *fluid, const char *name) {
+    char text[256];
+    return ostrel_info(fluid, name, text, strlen(fluid), strlen(name), sizeof text);
+}
+
+int main(int argc, char **argv) {
+    const char *fluid = argc > 1 ? argv[1] : "toluene";
+    const double density = argc > 2 ? atof(argv[2]) : 5.0;
+    const double first = argc > 4 ? atof(argv[3]) : 400.0;
+    const double last = argc > 4 ? atof(argv[4]) : 700.0;
+
+    property(fluid, "td", first, density, "t"); /* loads the fluid, or says why it cannot */
+    printf("%s   M %.5g kg/kmol   Tc %.6g K   pc %.5g kPa\n\n", fluid, constant(fluid, "m_mol") * 1e3,
+           constant(fluid, "t_crit"), constant(fluid, "p_crit") * 1e-3);
+    for (int c = 0; c < column_count; ++c)
+        printf("%*s", c == 0 ? 7 : 11, columns[c].title);
+    putchar('\n');
+    for (int c = 0; c < column_count; ++c)
+        printf("%*s", c == 0 ? 7 : 11, columns[c].unit);
+    putchar('\n');
+    for (int row = 0; row < rows; ++row) {
+        const double t = first + (last - first) * row / (rows - 1);
+        for (int c = 0; c < column_count; ++c)
+            printf("%*.*f", c == 0 ? 7 : 11, columns[c].decimals,
+                   property(fluid, "td", t, density, columns[c].output) * columns[c].scale);
+        putchar('\n');
+    }
+    return 0;
+}

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// The default host: where the fluid files are, which there are, and the SQLite fluid database.
+#include "Host/fluid_database.h"
+#include "Records/fixed_text.h"
+#include "host.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fnmatch.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Some object of the library, by which the dynamic loader knows its file.
+const int library_marker = 0;
+
+/// The fluid directory of an installed tree, relative to the library's own file; empty if there is none.
+std::string installed_directory() {
+    Dl_info library{};
+    if (dladdr(&library_marker, &library) == 0 || library.dli_fname == nullptr)
+        return {};
+    std::error_code failed;
+    const fs::path file = fs::canonical(library.dli_fname, failed);
+    if (failed)
+        return {};
+    const fs::path directory = (file.parent_path() / OSTREL_INSTALLED_FLUIDS).lexically_normal();
+    return fs::is_directory(directory, failed) ? directory.string() : std::string();
+}
+
+std::string fluid_directory() {
+    const char *const wanted = std::getenv("OSTREL_FLUIDS");
+    std::string directory = wanted != nullptr ? wanted : "";
+    if (directory.empty())
+        directory = installed_directory();
+    if (directory.empty())
+        directory = OSTREL_SOURCE_FLUIDS;
+    if (!directory.ends_with('/'))
+        directory += '/';
+    return directory;
+}
+
+void fluidpath(char *path, const char *, size_t path_len, size_t) {
+    // A directory that does not fit fills the field, so that no file name can follow it.
+    records::fill_text({path, path_len}, {fluid_directory()});
+}
+
+void searchdirectory(const char *directory, const char *pattern, char *names, size_t directory_len, size_t pattern_len,
+                     size_t name_len) {
+    const std::string place(records::trimmed({directory, directory_len}));
+    const std::string_view wanted_field(pattern, pattern_len);
+    const std::string wanted(wanted_field.substr(0, wanted_field.find('\0')));
+    std::vector<std::string> found;
+    std::error_code failed;
+    for (fs::directory_iterator entry(place, failed), end; !failed && entry != end; entry.increment(failed)) {
+        const std::string name = entry->path().filename().string();
+        if (fnmatch(wanted.c_str(), name.c_str(), 0) == 0 && entry->is_regular_file(failed) && !failed)
+            found.push_back(name);
+        failed.clear();
+    }
+    std::sort(found.begin(), found.end());
+    found.resize(std::min(found.size(), host::name_count));
+    for (std::size_t i = 0; i < host::name_count; ++i)
+        records::fill_text({names + i * name_len, name_len}, {i < found.size() ? std::string_view(found[i]) : ""});
+}
+
+int32_t getfluid(const char *location, const char *key, char *lines, int32_t *found, size_t location_len,
+                 size_t key_len, size_t line_len) {
+    *found = 0;
+    const auto text = fluid_database::read(std::string(records::trimmed({location, location_len})),
+                                           std::string(records::trimmed({key, key_len})));
+    if (text && fluid_database::split(*text, {lines, static_cast<std::size_t>(host::line_count) * line_len}, line_len))
+        *found = 1;
+    return *found;
+}
+
+} // namespace
+
+const ostrel_host host::default_routines = {fluidpath, searchdirectory, getfluid};

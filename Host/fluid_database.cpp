@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "Host/fluid_database.h"
+
+#include "Records/fixed_text.h"
+
+#ifdef OSTREL_WITH_SQLITE
+#include <memory>
+#include <sqlite3.h>
+#endif
+
+namespace fluid_database {
+
+#ifdef OSTREL_WITH_SQLITE
+
+std::optional<std::string> read(const std::string &location, const std::string &name) {
+    if (location.empty() || location.find('\0') != std::string::npos)
+        return std::nullopt;
+    sqlite3 *opened = nullptr;
+    const int open_status = sqlite3_open_v2(location.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database(opened, sqlite3_close);
+    if (open_status != SQLITE_OK)
+        return std::nullopt;
+    sqlite3_stmt *prepared = nullptr;
+    const int query_status =
+        sqlite3_prepare_v2(opened, "SELECT text FROM fluid WHERE name = ?1", -1, &prepared, nullptr);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> query(prepared, sqlite3_finalize);
+    if (query_status != SQLITE_OK ||
+        sqlite3_bind_text(prepared, 1, name.data(), static_cast<int>(name.size()), SQLITE_STATIC) != SQLITE_OK ||
+        sqlite3_step(prepared) != SQLITE_ROW)
+        return std::nullopt;
+    const unsigned char *const text = sqlite3_column_text(prepared, 0);
+    if (text == nullptr)
+        return std::nullopt;
+    return std::string(reinterpret_cast<const char *>(text),
+                       static_cast<std::size_t>(sqlite3_column_bytes(prepared, 0)));
+}
+
+#else
+
+std::optional<std::string> read(const std::string &, const std::string &) {
+    return std::nullopt;
+}
+
+#endif
+
+bool split(std::string_view text, std::span<char> entries, std::size_t entry_length) {
+    records::fill_text(entries, {});
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
+        if (line.size() > entry_length || entries.size() < entry_length)
+            return false;
+        records::fill_text(entries.first(entry_length), {line});
+        entries = entries.subspan(entry_length);
+    }
+    return true;
+}
+
+} // namespace fluid_database

@@ -1,0 +1,141 @@
+/* SPDX-License-Identifier: MIT */
+/* Ostrel: thermodynamic properties of one pure fluid at a time from simple equations of state.
+ *
+ * Arguments. Everything goes by reference. A text is a char field without a terminating NUL; its length
+ * follows by value at the end of the argument list, one per text, in the order of the texts. Input texts
+ * may have any length and bytes; trailing blanks do not count. Output texts are blank-padded or
+ * truncated to their length. A null pointer stands for an empty text, or for a NaN where a number is read;
+ * where a number or array is written it receives nothing.
+ * Lifetimes. The library keeps no pointer that it is given, but for the functions of ostrel_use_host.
+ * Errors. An error text says "No errors" on success. Nothing here stops the process or throws.
+ * Threads. One set of state for the whole library and no locks: calls must not overlap.
+ * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
+ * compilers expect of an external procedure: call it as it is, without writing the lengths.
+ */
+#ifndef OSTREL_H
+#define OSTREL_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* One property of a fluid, in SI units: the value, or -8888.8 after a failure.
+ *
+ * fluid       [-] name of a parameter file without its ".osd"; at most 8 characters, or it is read again
+ *             at every request
+ * inputspec   [-] input pair, in either case: "tv" or "td". The pairs "pt", "pv", "pd", "ph", "ps", "pq",
+ *             "ts", "tq", "vh", "vs", "vu", "dh", "ds", "du" and "hs" are known and not served yet
+ * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg,
+ * input2      [SI] second value of the pair: the same units; s in J/(kg K), q (vapor quality) in 1
+ * outputspec  [-] wanted property, in either case: "t" K, "v" m3/kg, "d" kg/m3, "p" Pa, "h" J/kg,
+ *             "s" J/(kg K), "u" J/kg, "cv" J/(kg K), "dp_dt" Pa/K, "dp_dv" Pa kg/m3, "d2p_dt2" Pa/K2,
+ *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2); "eta" Pa s and
+ *             "lambda" W/(m K) are known and not served yet
+ * errmsg      [-] receives "No errors" or the error text; 256 characters hold every text whole, but
+ *             for those that quote a longer output name
+ *
+ * h, u and s are zero at the critical point of the model, or at the reference state of a fluid without
+ * critical data. Inputs are not checked: outside the model's range (v at or below its co-volume, T at or
+ * below 0) the result is what IEEE arithmetic makes of the formula, and a NaN is carried through.
+ * The last state is kept: asking several outputs at one state solves it once. After a failed request
+ * the same request again answers "No errors" with the state before it: look at every error text.
+ */
+double ostrel_prop(const char *fluid, const char *inputspec, const double *input1, const double *input2,
+                   const char *outputspec, char *errmsg, size_t fluid_len, size_t inputspec_len,
+                   size_t outputspec_len, size_t errmsg_len);
+
+/* Reduced temperature and volume of an input pair, for the fluid that is loaded.
+ *
+ * inputspec   [-] input pair as for ostrel_prop
+ * input1      [SI] first value of the pair
+ * input2      [SI] second value of the pair
+ * T           [T_ref] receives the temperature; unchanged if the pair is unknown
+ * v           [v_ref] receives the specific volume; unchanged if the pair is unknown
+ *
+ * Failures are not reported here: they stand in the library's shared error text.
+ */
+void get_tv(const char *inputspec, const double *input1, const double *input2, double *T, double *v,
+            size_t inputspec_len);
+
+/* One constant of a fluid: the value; 0 if the fluid cannot be loaded, -8888.8 for an unknown name.
+ *
+ * fluid       [-] fluid name as for ostrel_prop
+ * name        [-] in either case: "m_mol" molar mass in kg/mol, "t_crit" critical temperature in K,
+ *             "p_crit" critical pressure in Pa; the last two mean nothing for a fluid without critical data
+ * errmsg      [-] receives "No errors" or the error text
+ *
+ * A failed property request just before makes the loading of another fluid here count as failed.
+ */
+double ostrel_info(const char *fluid, const char *name, char *errmsg, size_t fluid_len, size_t name_len,
+                   size_t errmsg_len);
+
+/* The fluids for which there are parameter files.
+ *
+ * count       [-] receives their number, at most 500
+ * names       [-] receives 500 names of names_len characters each; the unused ones are blank
+ * names_len   [-] 256
+ */
+void ostrel_fluids(int32_t *count, char *names, size_t names_len);
+
+/* Version of this interface: 1, 0, 1, 14.
+ *
+ * version     [-] receives four integers
+ */
+void getversion(int32_t version[4]);
+
+/* Writes one line of greeting to standard output, to show that the library is reachable. */
+void ostrel_sub(void);
+
+/* Loads and initialises a fluid from its parameter file in the fluid directory.
+ *
+ * name        [-] fluid name, the file's name without ".osd"; it cannot name another directory
+ *
+ * Failures stand in the library's shared error text, which this does not reset.
+ */
+void read_init_fluiddata(const char *name, size_t name_len);
+
+/* Reads a parameter file; nothing is initialised.
+ *
+ * file        [-] path of the file, with its extension
+ */
+void read_init_fluiddatafile(const char *file, size_t file_len);
+
+/* Reads a fluid's parameters from a fluid database; nothing is initialised.
+ *
+ * location    [-] place of the database as the host's getfluid takes it: with the default host the
+ *             path of an SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL)
+ * name        [-] fluid name, the key in that table
+ */
+void read_init_fluiddatadb(const char *location, const char *name, size_t location_len, size_t name_len);
+
+/* What the library asks of its host. Fields are blank-padded. */
+typedef struct ostrel_host {
+    /* Fills path with the fluid directory, its separator included. key is "Ostrel", path_len 256. */
+    void (*fluidpath)(char *path, const char *key, size_t path_len, size_t key_len);
+    /* Fills names, 500 entries of name_len characters, with the directory's files that match pattern,
+     * which is "*.osd" and a NUL. */
+    void (*searchdirectory)(const char *directory, const char *pattern, char *names, size_t directory_len,
+                            size_t pattern_len, size_t name_len);
+    /* Fills lines, 255 entries of line_len (255) characters, with the fluid's text, one record a line;
+     * answers non-zero and sets *found to non-zero on success. A longer line must be refused: cut, it
+     * would silently shorten its number. */
+    int32_t (*getfluid)(const char *location, const char *key, char *lines, int32_t *found, size_t location_len,
+                        size_t key_len, size_t line_len);
+} ostrel_host;
+
+/* Replaces the host routines from now on; the functions must stay callable until replaced.
+ *
+ * host        [-] the routines, copied; NULL, or a NULL member, stands for the library's own: the
+ *             directory in the environment variable OSTREL_FLUIDS, else the one installed with the
+ *             library, else the source tree's; regular files in the byte order of their names; SQLite
+ */
+void ostrel_use_host(const ostrel_host *host);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: MIT
+#include "Ostrel_Main.h"
+
+#include "Records/record_reader.h"
+#include "Records/record_writer.h"
+#include "Thermodynamics/thermodynamics.h"
+#include "Thermodynamics/transport_properties.h"
+#include "host.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+namespace ostrel {
+
+using gas_properties::gas;
+using gas_properties::gas_constants;
+using records::fill_text;
+using records::fixed_text;
+using records::no_errors;
+using records::same_text;
+using records::trimmed;
+
+records::fixed_text<8> os_fluid;
+records::fixed_text<2> os_inputspec;
+double os_input1 = failure_value;
+double os_input2 = failure_value;
+double T = 0;
+double v = 0;
+
+namespace {
+
+records::error_text &shared_errmsg() {
+    return ideal_specific_heat::errmsg;
+}
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+/// A code or name of one of the tables below.
+struct keyword {
+    std::uint64_t packed;
+    consteval keyword(const char *text) : packed(fixed_text<8>(text).packed()) {}
+};
+
+/// The row of a table whose keyword is the folded text, or null.
+template <class Row, std::size_t rows>
+const Row *find(const Row (&table)[rows], std::string_view text) {
+    const std::uint64_t wanted = tolower_os(text).packed();
+    for (const Row &row : table)
+        if (row.name.packed == wanted)
+            return &row;
+    return nullptr;
+}
+
+// Reductions of the inputs.
+using reduction = double (*)(double value, const gas_constants &g);
+
+double temperature(double t, const gas_constants &g) {
+    return t / g.T_ref;
+}
+double pressure(double p, const gas_constants &g) {
+    return p / g.P_ref;
+}
+double volume(double v, const gas_constants &g) {
+    return v / g.v_ref;
+}
+double density(double d, const gas_constants &g) {
+    return (1.0 / d) / g.v_ref;
+}
+double energy(double h, const gas_constants &g) {
+    return h / (g.P_ref * g.v_ref);
+}
+double entropy(double s, const gas_constants &g) {
+    return s / g.R;
+}
+double quality(double q, const gas_constants &) {
+    return q;
+}
+
+/// Finds reduced (T, v) from the two reduced inputs; null while there is no solver for the pair.
+using solver = void (*)(double in1, double in2, double &T, double &v);
+
+struct input_pair {
+    keyword name;
+    reduction reduce1;
+    reduction reduce2;
+    solver solve;
+};
+
+void take_t_v(double in1, double in2, double &T_found, double &v_found) {
+    T_found = in1;
+    v_found = in2;
+}
+
+constexpr input_pair input_pairs[] = {
+    {"tv", temperature, volume, take_t_v},  {"td", temperature, density, take_t_v},
+    {"pt", pressure, temperature, nullptr}, {"pv", pressure, volume, nullptr},
+    {"pd", pressure, density, nullptr},     {"ph", pressure, energy, nullptr},
+    {"ps", pressure, entropy, nullptr},     {"pq", pressure, quality, nullptr},
+    {"ts", temperature, entropy, nullptr},  {"tq", temperature, quality, nullptr},
+    {"vh", volume, energy, nullptr},        {"vs", volume, entropy, nullptr},
+    {"vu", volume, energy, nullptr},        {"dh", density, energy, nullptr},
+    {"ds", density, entropy, nullptr},      {"du", density, energy, nullptr},
+    {"hs", energy, entropy, nullptr},
+};
+
+// Outputs at the reduced state, scaled back to SI.
+using evaluation = double (*)(double T, double v, const gas_constants &g);
+
+std::array<double, 2> pressure_gradient(double T, double v) {
+    std::array<double, 2> dP{};
+    thermodynamics::dP__dT_dv(T, v, dP);
+    return dP;
+}
+
+std::array<double, 4> pressure_hessian(double T, double v) {
+    std::array<double, 4> d2P{};
+    thermodynamics::d2P__dT2_dv2(T, v, d2P);
+    return d2P;
+}
+
+struct output {
+    keyword name;
+    evaluation evaluate;      ///< null while the quantity is not computed
+    bool any_quality = false; ///< whether it has a meaning between the saturated states
+};
+
+constexpr output outputs[] = {
+    {"t", [](double T, double, const gas_constants &g) { return T * g.T_ref; }, true},
+    {"v", [](double, double v, const gas_constants &g) { return v * g.v_ref; }, true},
+    {"d", [](double, double v, const gas_constants &g) { return 1 / (v * g.v_ref); }, true},
+    {"p", [](double T, double v, const gas_constants &g) { return thermodynamics::P__T_v(T, v) * g.P_ref; }, true},
+    {"h", [](double T, double v, const gas_constants &g) { return thermodynamics::h__T_v(T, v) * g.P_ref * g.v_ref; }},
+    {"s", [](double T, double v, const gas_constants &g) { return thermodynamics::s__T_v(T, v) * g.R; }},
+    {"u", [](double T, double v, const gas_constants &g) { return thermodynamics::e__T_v(T, v) * g.P_ref * g.v_ref; }},
+    {"cv", [](double T, double v, const gas_constants &g) { return thermodynamics::cv__T_v(T, v) * g.R; }},
+    {"dp_dt",
+     [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[0] * g.P_ref / g.T_ref; }},
+    {"dp_dv",
+     [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[1] * g.P_ref / g.v_ref; }},
+    {"d2p_dt2", [](double T, double v,
+                   const gas_constants &g) { return pressure_hessian(T, v)[0] * g.P_ref / (g.T_ref * g.T_ref); }},
+    {"d2p_dv2", [](double T, double v,
+                   const gas_constants &g) { return pressure_hessian(T, v)[3] * g.P_ref / (g.v_ref * g.v_ref); }},
+    {"d2p_dtdv", [](double T, double v,
+                    const gas_constants &g) { return pressure_hessian(T, v)[1] * g.P_ref / (g.T_ref * g.v_ref); }},
+    {"dcv_dt",
+     [](double T, double v, const gas_constants &g) {
+         std::array<double, 2> dcv{};
+         thermodynamics::dcv__dT_dv(T, v, dcv);
+         return dcv[0] * g.R / g.T_ref;
+     }},
+    {"eta", nullptr},
+    {"lambda", nullptr},
+};
+
+struct information {
+    keyword name;
+    double (*value)(const gas_constants &g);
+};
+
+constexpr information informations[] = {
+    {"m_mol", [](const gas_constants &g) { return g.MM / 1000; }},
+    {"t_crit", [](const gas_constants &g) { return g.Tc; }},
+    {"p_crit", [](const gas_constants &g) { return g.Pc; }},
+};
+
+/// Loads the fluid if it is not the one in memory; true if it was. A name of more than eight characters
+/// never is.
+bool loaded_anew(std::string_view fluid) {
+    if (same_text(fluid, os_fluid.padded()))
+        return false;
+    os_fluid = fixed_text<8>(fluid);
+    read_init_fluiddata(fluid);
+    return true;
+}
+
+bool same_state(std::string_view inputspec, double input1, double input2) {
+    return same_text(inputspec, os_inputspec.padded()) && input1 == os_input1 && input2 == os_input2;
+}
+
+/// A code in whose second place stands a quality, which is not that of the saturated vapor.
+bool mixture(std::string_view inputspec, double input2) {
+    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
+}
+
+double failure(std::span<char> errmsg, std::initializer_list<std::string_view> pieces) {
+    fill_text(errmsg, pieces);
+    return failure_value;
+}
+
+} // namespace
+
+fixed_text<8> tolower_os(std::string_view text) {
+    fixed_text<8> result(trimmed(text));
+    for (char &c : result.characters())
+        c = lower(c);
+    return result;
+}
+
+double ostrel_prop(std::string_view fluid, std::string_view inputspec, double input1, double input2,
+                   std::string_view outputspec, std::span<char> errmsg) {
+    shared_errmsg().reset();
+    const bool new_fluid = loaded_anew(fluid);
+    if (!shared_errmsg().clear())
+        return failure(errmsg, {shared_errmsg().padded()});
+
+    const output *const wanted = find(outputs, outputspec);
+    if (new_fluid || !same_state(inputspec, input1, input2)) {
+        // The key is kept even if what follows fails: hosts rely on the same request then being served
+        // from the state before it.
+        os_inputspec = fixed_text<2>(inputspec);
+        os_input1 = input1;
+        os_input2 = input2;
+        if (mixture(inputspec, input2) && (wanted == nullptr || !wanted->any_quality))
+            return failure(errmsg, {"Ostrel error: calculation as function of q, while q /= 1, only available for "
+                                    "P, T, v or d."});
+        double T_found = T;
+        double v_found = v;
+        get_tv(inputspec, input1, input2, T_found, v_found);
+        if (!shared_errmsg().clear())
+            return failure(errmsg, {shared_errmsg().padded()});
+        T = T_found;
+        v = v_found;
+    }
+
+    if (wanted == nullptr || wanted->evaluate == nullptr)
+        return failure(errmsg, {"Ostrel error: calculation of ", outputspec, " not available."});
+    fill_text(errmsg, {no_errors});
+    return wanted->evaluate(T, v, gas);
+}
+
+void get_tv(std::string_view inputspec, double input1, double input2, double &T_found, double &v_found) {
+    const input_pair *const pair = find(input_pairs, inputspec);
+    if (pair == nullptr || pair->solve == nullptr) {
+        shared_errmsg().report({"Ostrel error: calculation as function of ", inputspec, " not available."});
+        return;
+    }
+    pair->solve(pair->reduce1(input1, gas), pair->reduce2(input2, gas), T_found, v_found);
+}
+
+double ostrel_info(std::string_view fluid, std::string_view name, std::span<char> errmsg) {
+    // The shared text is not reset: a message that stands there makes the loading count as failed.
+    if (loaded_anew(fluid) && !shared_errmsg().clear()) {
+        fill_text(errmsg, {shared_errmsg().padded()});
+        return 0.0;
+    }
+    const information *const wanted = find(informations, name);
+    if (wanted == nullptr)
+        return failure(errmsg, {"Ostrel error: no info available for ", trimmed(name), "."});
+    fill_text(errmsg, {no_errors});
+    return wanted->value(gas);
+}
+
+void ostrel_fluids(std::int32_t &count, char *names, std::size_t name_len) {
+    // Six characters: the host's search wants the pattern with its NUL.
+    constexpr std::string_view pattern("*.osd", 6);
+    const std::string directory = host::fluid_directory();
+    const std::span<char> all(names, host::name_count * name_len);
+    fill_text(all, {});
+    host::routines().searchdirectory(directory.data(), pattern.data(), names, directory.size(), pattern.size(),
+                                     name_len);
+    count = 0;
+    const auto entry = [&](std::size_t i) { return all.subspan(i * name_len, name_len); };
+    const auto text = [&](std::size_t i) { return trimmed({entry(i).data(), name_len}); };
+    for (std::size_t i = 0; i < host::name_count; ++i)
+        if (!text(i).empty())
+            ++count;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+        const std::size_t point = text(i).find('.');
+        const std::size_t kept = point == std::string_view::npos ? 0 : point;
+        fill_text(entry(i).subspan(kept), {});
+    }
+}
+
+std::array<std::int32_t, 4> getversion() {
+    return {1, 0, 1, 14};
+}
+
+void ostrel_sub() {
+    std::puts(records::list_directed({"****** Hello from the Ostrel      ******"}).c_str());
+    std::fflush(stdout);
+}
+
+namespace {
+
+void report_failed_open(int status) {
+    shared_errmsg().report({records::list_directed({"IOSTAT returned ", std::int32_t{status}})});
+}
+
+/// Reads all sections of a file. False if a record could not be read: the message is then in place and
+/// nothing may be initialised. A file that does not open leaves a message and counts as read.
+bool read_file(std::string_view path) {
+    records::file_reader file(path);
+    if (file.open_status() != 0) {
+        report_failed_open(file.open_status());
+        return true;
+    }
+    thermodynamics::read_param_thermodynamics(file);
+    transport_properties::read_param_transport_properties(file);
+    if (file.failed())
+        shared_errmsg().report({file.message()});
+    return !file.failed();
+}
+
+} // namespace
+
+void read_init_fluiddata(std::string_view name) {
+    const std::string file_name = std::string(trimmed(name)) + ".osd";
+    const std::string path = host::fluid_directory() + file_name;
+    bool readable = true;
+    if (path.size() > host::path_length)
+        report_failed_open(ENAMETOOLONG);
+    else if (file_name.find('/') != std::string::npos)
+        report_failed_open(ENOENT);
+    else
+        readable = read_file(path);
+    // A failed open goes on with the parameters in memory.
+    if (readable)
+        thermodynamics::init_thermodynamics();
+}
+
+void read_init_fluiddatafile(std::string_view file) {
+    read_file(file);
+}
+
+void read_init_fluiddatadb(std::string_view location, std::string_view name) {
+    const std::vector<char> text = host::fluid_lines(location, name);
+    if (text.empty()) {
+        const std::string message = "Error in Ostrel: error opening fluid " + std::string(trimmed(name));
+        shared_errmsg().report({records::list_directed({message})});
+        return;
+    }
+    std::int32_t index = 0;
+    records::line_reader lines("fluid database, " + std::string(trimmed(name).substr(0, 64)), text.data(), index,
+                               host::line_count, static_cast<std::int32_t>(host::line_length));
+    thermodynamics::read_param_thermodynamicsdb(lines);
+    transport_properties::read_param_transport_propertiesdb(lines);
+    if (lines.failed())
+        shared_errmsg().report({lines.message()});
+}
+
+} // namespace ostrel

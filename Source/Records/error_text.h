@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// The one channel for failures: a text of 256 characters that says "No errors" until something fails.
+#pragma once
+
+#include "Records/fixed_text.h"
+
+namespace records {
+
+inline constexpr std::string_view no_errors = "No errors";
+
+class error_text {
+public:
+    bool clear() const { return text_ == success; }
+    void reset() { text_ = success; }
+    /// Replaces the text; longer messages lose their end.
+    void report(std::initializer_list<std::string_view> pieces) { text_.assign(pieces); }
+    std::string_view padded() const { return text_.padded(); }
+    std::string_view trimmed() const { return text_.trimmed(); }
+
+private:
+    static constexpr fixed_text<256> success{no_errors};
+    fixed_text<256> text_ = success;
+};
+
+} // namespace records

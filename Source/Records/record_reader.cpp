@@ -1,0 +1,391 @@
+// SPDX-License-Identifier: MIT
+#include "Records/record_reader.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace records {
+namespace {
+
+constexpr std::size_t largest_file = std::size_t{16} << 20;
+constexpr std::string_view separators = " \t,/";
+constexpr std::string_view blanks = " \t";
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+std::string lower(std::string_view text) {
+    std::string result(text);
+    for (char &c : result)
+        c = lower(c);
+    return result;
+}
+
+/// Takes the digits at the front of the text off it.
+std::string_view take_digits(std::string_view &text) {
+    std::size_t count = 0;
+    while (count < text.size() && is_digit(text[count]))
+        ++count;
+    const std::string_view digits = text.substr(0, count);
+    text.remove_prefix(count);
+    return digits;
+}
+
+/// Takes a sign off the front; true for a minus.
+bool take_sign(std::string_view &text) {
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
+        text.remove_prefix(1);
+    return negative;
+}
+
+std::optional<std::int32_t> integer_value(std::string_view token) {
+    if (token.starts_with('+')) {
+        token.remove_prefix(1);
+        if (token.starts_with('-'))
+            return std::nullopt;
+    }
+    std::int32_t value = 0;
+    const auto [end, status] = std::from_chars(token.data(), token.data() + token.size(), value);
+    if (status != std::errc{} || end != token.data() + token.size())
+        return std::nullopt;
+    return value;
+}
+
+std::optional<bool> logical_value(std::string_view token) {
+    if (token.starts_with('.'))
+        token.remove_prefix(1);
+    const char letter = token.empty() ? ' ' : lower(token.front());
+    if (letter == 't')
+        return true;
+    if (letter == 'f')
+        return false;
+    return std::nullopt;
+}
+
+/// Infinity and NaN, in any case, without their sign.
+std::optional<double> special_value(std::string_view token) {
+    const std::string name = lower(token);
+    if (name == "inf" || name == "infinity")
+        return std::numeric_limits<double>::infinity();
+    if (name == "nan" || (name.starts_with("nan(") && name.find(')') == name.size() - 1))
+        return std::numeric_limits<double>::quiet_NaN();
+    return std::nullopt;
+}
+
+/// Sign, digits with at most one point, and an exponent whose letter may be missing before its sign.
+std::optional<double> real_value(std::string_view token) {
+    const bool negative = take_sign(token);
+    if (const auto special = special_value(token))
+        return negative ? -*special : *special;
+
+    const std::string_view whole = take_digits(token);
+    std::string_view fraction;
+    if (token.starts_with('.')) {
+        token.remove_prefix(1);
+        fraction = take_digits(token);
+    }
+    if (whole.empty() && fraction.empty())
+        return std::nullopt;
+
+    constexpr std::int64_t exponent_bound = std::int64_t{1} << 40;
+    std::int64_t exponent = 0;
+    if (!token.empty()) {
+        const bool letter = std::string_view("eEdDqQ").find(token.front()) != std::string_view::npos;
+        if (letter)
+            token.remove_prefix(1);
+        else if (token.front() != '+' && token.front() != '-')
+            return std::nullopt;
+        const bool minus = take_sign(token);
+        const std::string_view digits = take_digits(token);
+        if (digits.empty() || !token.empty())
+            return std::nullopt;
+        for (const char digit : digits)
+            exponent = std::min(exponent * 10 + (digit - '0'), exponent_bound);
+        if (minus)
+            exponent = -exponent;
+    }
+
+    // The leading digit's power of ten decides between overflow and underflow without wide arithmetic.
+    std::string digits(whole);
+    digits += fraction;
+    const std::size_t leading = digits.find_first_not_of('0');
+    double value = 0.0;
+    if (leading != std::string::npos) {
+        exponent -= static_cast<std::int64_t>(fraction.size());
+        digits.erase(0, leading);
+        const std::int64_t magnitude = exponent + static_cast<std::int64_t>(digits.size());
+        if (magnitude > std::numeric_limits<double>::max_exponent10 + 2) {
+            value = std::numeric_limits<double>::infinity();
+        } else if (magnitude > std::numeric_limits<double>::min_exponent10 - 20) {
+            digits += 'e';
+            digits += std::to_string(exponent);
+            const auto status = std::from_chars(digits.data(), digits.data() + digits.size(), value).ec;
+            if (status == std::errc::result_out_of_range)
+                value = magnitude > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+        }
+    }
+    return negative ? -value : value;
+}
+
+std::string_view kind_of(const item &wanted) {
+    constexpr std::string_view kinds[] = {"a real", "an integer", "a logical"};
+    return kinds[wanted.variable.index()];
+}
+
+bool store(const item &wanted, std::string_view token) {
+    const auto assign = [](auto *variable, const auto &value) {
+        if (value)
+            *variable = *value;
+        return value.has_value();
+    };
+    if (auto *const *real = std::get_if<double *>(&wanted.variable))
+        return assign(*real, real_value(token));
+    if (auto *const *integer = std::get_if<std::int32_t *>(&wanted.variable))
+        return assign(*integer, integer_value(token));
+    return assign(std::get<bool *>(wanted.variable), logical_value(token));
+}
+
+/// The values of one READ, in order: where one ends, what is null, what repeats.
+class value_scanner {
+public:
+    enum class found { value, null, complete, bad_count, no_record };
+
+    explicit value_scanner(std::string_view record) : rest_(record) {}
+
+    /// Gives the next value's text; `more` supplies the record that follows, or none.
+    template <class NextRecord>
+    found next(std::string_view &token, NextRecord &&more) {
+        if (repeats_left_ > 0) {
+            --repeats_left_;
+            token = repeated_;
+            return token.empty() ? found::null : found::value;
+        }
+        if (complete_)
+            return found::complete;
+        skip_blanks();
+        while (rest_.empty()) {
+            if (!more(rest_))
+                return found::no_record;
+            skip_blanks();
+            // A comma at a record's start is one separator together with the record's end before it.
+            if (rest_.starts_with(',') && !comma_before_) {
+                rest_.remove_prefix(1);
+                skip_blanks();
+            }
+        }
+        if (rest_.starts_with('/')) {
+            complete_ = true;
+            return found::complete;
+        }
+        token = rest_.substr(0, rest_.find_first_of(separators));
+        rest_.remove_prefix(token.size());
+        const bool counted = take_count(token);
+        end_value();
+        if (counted && repeats_left_ < 0) {
+            repeats_left_ = 0;
+            return found::bad_count;
+        }
+        return token.empty() ? found::null : found::value;
+    }
+
+private:
+    void skip_blanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(blanks), rest_.size())); }
+
+    /// Takes the separator behind a value.
+    void end_value() {
+        skip_blanks();
+        comma_before_ = rest_.starts_with(',');
+        if (comma_before_)
+            rest_.remove_prefix(1);
+    }
+
+    /// Takes a repeat count off the token; a count of 0 leaves -1 repeats.
+    bool take_count(std::string_view &token) {
+        std::string_view behind = token;
+        const std::string_view digits = take_digits(behind);
+        if (digits.empty() || !behind.starts_with('*'))
+            return false;
+        std::int64_t count = 0;
+        for (const char digit : digits)
+            count = std::min<std::int64_t>(count * 10 + (digit - '0'), std::int64_t{longest_list} + 1);
+        repeats_left_ = count - 1;
+        token = repeated_ = behind.substr(1);
+        return true;
+    }
+
+    std::string_view rest_;
+    std::string_view repeated_;
+    std::int64_t repeats_left_ = 0;
+    bool comma_before_ = false;
+    bool complete_ = false;
+};
+
+/// At most `room` bytes of the text, with anything that does not print replaced.
+std::string printable(std::string_view text, std::size_t room) {
+    std::string result(text.substr(0, room));
+    for (char &c : result)
+        if (c < ' ' || c > '~')
+            c = '?';
+    if (text.size() > room)
+        result += "...";
+    return result;
+}
+
+} // namespace
+
+bool record_reader::fail(std::string_view wanted, std::string_view found) {
+    message_ = "Ostrel error: " + source_ + ", record " + std::to_string(record_number_) + ": expected " +
+               std::string(wanted) + ", found " + std::string(found) + ".";
+    return false;
+}
+
+bool record_reader::limit_count(std::string_view field, std::int64_t count, std::int64_t limit) {
+    if (!failed() && count > limit)
+        fail(std::string(field) + " of at most " + std::to_string(limit), std::to_string(count));
+    return !failed();
+}
+
+bool record_reader::skip(std::string_view what) {
+    if (failed())
+        return false;
+    ++record_number_;
+    return step() || fail(what, "the end of the file");
+}
+
+bool record_reader::read_name(std::string_view field, fixed_text<32> &name) {
+    if (failed())
+        return false;
+    ++record_number_;
+    std::string_view record;
+    if (!next_record(record))
+        return fail(std::string(field) + " (a text)", "the end of the file");
+    name = fixed_text<32>(record);
+    return true;
+}
+
+bool record_reader::read(std::span<const item> items) {
+    if (failed())
+        return false;
+    const auto describe = [&](const item &wanted) {
+        std::string text(wanted.field);
+        if (wanted.element > 0)
+            text += "(" + std::to_string(wanted.element) + ")";
+        return text + " (" + std::string(kind_of(wanted)) + ")";
+    };
+    ++record_number_;
+    std::string_view record;
+    if (!next_record(record))
+        return fail(items.empty() ? "an empty list" : describe(items.front()), "the end of the file");
+
+    const auto more = [&](std::string_view &next) {
+        if (!continues() || !next_record(next))
+            return false;
+        ++record_number_;
+        return true;
+    };
+    value_scanner values(record);
+    for (const item &wanted : items) {
+        std::string_view token;
+        switch (values.next(token, more)) {
+        case value_scanner::found::value:
+            if (!store(wanted, token))
+                return fail(describe(wanted), '"' + printable(token, 40) + '"');
+            break;
+        case value_scanner::found::null:
+            break;
+        case value_scanner::found::complete:
+            return true;
+        case value_scanner::found::bad_count:
+            return fail(describe(wanted), "a repeat count of 0");
+        case value_scanner::found::no_record:
+            return fail(describe(wanted), continues() ? "the end of the file" : "the end of the line");
+        }
+    }
+    return true;
+}
+
+namespace {
+
+/// The file's own name, or as much of it as leaves room for the rest of a message.
+std::string short_name(std::string_view path) {
+    const std::string_view name = path.substr(path.find_last_of('/') + 1);
+    return "file " + printable(name, 64);
+}
+
+} // namespace
+
+file_reader::file_reader(std::string_view path) : record_reader(short_name(trimmed(path))) {
+    const std::string name(trimmed(path));
+    if (name.find('\0') != std::string::npos) {
+        open_status_ = ENOENT;
+        return;
+    }
+    // A pipe or socket would wait for a writer; nothing that reads fluids may hang.
+    std::error_code ignored;
+    const auto type = std::filesystem::status(name, ignored).type();
+    if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::socket) {
+        open_status_ = ENXIO;
+        return;
+    }
+    errno = 0;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(name.c_str(), "rb"),
+                                                                [](std::FILE *f) { return std::fclose(f); });
+    if (!file) {
+        open_status_ = errno != 0 ? errno : ENOENT;
+        return;
+    }
+    // A directory opens like a file and has no records.
+    char block[8192];
+    std::size_t count = 0;
+    while ((count = std::fread(block, 1, sizeof block, file.get())) > 0) {
+        text_.append(block, count);
+        if (text_.size() > largest_file) {
+            text_.clear();
+            open_status_ = EFBIG;
+            return;
+        }
+    }
+}
+
+bool file_reader::next_record(std::string_view &record) {
+    if (position_ >= text_.size())
+        return false;
+    const std::size_t end = std::min(text_.find('\n', position_), text_.size());
+    record = std::string_view(text_).substr(position_, end - position_);
+    if (record.ends_with('\r'))
+        record.remove_suffix(1);
+    position_ = end + 1;
+    return true;
+}
+
+bool file_reader::step() {
+    std::string_view ignored;
+    return next_record(ignored);
+}
+
+bool line_reader::next_record(std::string_view &record) {
+    ++index_;
+    if (index_ < 1 || index_ > count_ || length_ < 0)
+        return false;
+    record = {lines_ + static_cast<std::size_t>(index_ - 1) * static_cast<std::size_t>(length_),
+              static_cast<std::size_t>(length_)};
+    return true;
+}
+
+bool line_reader::step() {
+    ++index_;
+    return true;
+}
+
+} // namespace records

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// List-directed reading of parameter records.
+//
+// A READ takes one record, gets typed values from it and drops its rest, so that comments may stand
+// behind the values. Values end at a blank, tab, comma, slash or the record's end; `3*0.5` repeats,
+// `2*` and `,,` are null values that keep what the variable had, a slash ends the READ.
+// In a file, missing values are sought on the following records; in an array of lines they are an error.
+// The first failure is kept as a message and turns every later READ into nothing, so that a section
+// is read straight through and asked once. Items before the failing one are stored, later ones kept.
+// Reference: ISO/IEC 1539-1, list-directed input.
+#pragma once
+
+#include "Records/fixed_text.h"
+#include "visibility.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace records OSTREL_VISIBLE {
+
+/// The longest list a count may announce: far above any real section, far below what could hurt.
+inline constexpr std::int32_t longest_list = 10000;
+
+/// One wanted value: its name for messages and the variable that receives it.
+struct item {
+    std::string_view field;
+    std::variant<double *, std::int32_t *, bool *> variable;
+    int element = 0; ///< 1-based position in a list, 0 for a single value
+
+    item(std::string_view name, double &target, int position = 0) : field(name), variable(&target), element(position) {}
+    item(std::string_view name, std::int32_t &target, int position = 0)
+        : field(name), variable(&target), element(position) {}
+    item(std::string_view name, bool &target) : field(name), variable(&target) {}
+};
+
+class record_reader {
+public:
+    record_reader(const record_reader &) = delete;
+    record_reader &operator=(const record_reader &) = delete;
+    virtual ~record_reader() = default;
+
+    /// Steps over one record, whatever it holds. Each of these answers whether all has gone well so far.
+    bool skip(std::string_view what);
+    /// Takes the first 32 bytes of the next record as they are.
+    bool read_name(std::string_view field, fixed_text<32> &name);
+    /// One READ of single values.
+    bool read(std::initializer_list<item> items) { return read(std::span(items.begin(), items.size())); }
+    bool read(std::span<const item> items);
+    /// One READ of a list.
+    template <class Value>
+    bool read_list(std::string_view field, std::span<Value> values) {
+        std::vector<item> items;
+        items.reserve(values.size());
+        for (Value &value : values)
+            items.emplace_back(field, value, static_cast<int>(items.size()) + 1);
+        return read(items);
+    }
+    /// Refuses a count above `limit`; call it after the count was read and before anything is allocated.
+    bool limit_count(std::string_view field, std::int64_t count, std::int64_t limit = longest_list);
+
+    bool failed() const { return !message_.empty(); }
+    /// What went wrong, in a sentence of at most 256 characters that starts with the source's name.
+    std::string_view message() const { return message_; }
+    /// 1-based number of the record used last.
+    std::int64_t record_number() const { return record_number_; }
+
+protected:
+    explicit record_reader(std::string source) : source_(std::move(source)) {}
+    /// Gives the next record without its line end; false when there is none.
+    virtual bool next_record(std::string_view &record) = 0;
+    /// Steps over the next record, where that can fail.
+    virtual bool step() = 0;
+    /// Whether a READ may go on in the record that follows.
+    virtual bool continues() const = 0;
+
+    std::int64_t record_number_ = 0;
+
+private:
+    bool fail(std::string_view wanted, std::string_view found);
+
+    std::string source_;
+    std::string message_;
+};
+
+/// Reads a sequential file: the whole of it is taken into memory and the file closed at once.
+class file_reader final : public record_reader {
+public:
+    /// Opens an existing file for reading; trailing blanks of the path do not count.
+    explicit file_reader(std::string_view path);
+    /// 0, or errno's code of the failed open.
+    int open_status() const { return open_status_; }
+
+private:
+    bool next_record(std::string_view &record) override;
+    bool step() override;
+    bool continues() const override { return true; }
+
+    int open_status_ = 0;
+    std::string text_;
+    std::size_t position_ = 0;
+};
+
+/// Reads an array of `count` lines of `length` characters from the line behind `index`, which it advances.
+class line_reader final : public record_reader {
+public:
+    line_reader(std::string source, const char *lines, std::int32_t &index, std::int32_t count, std::int32_t length)
+        : record_reader(std::move(source)), lines_(lines), index_(index), count_(count), length_(length) {}
+
+private:
+    bool next_record(std::string_view &record) override;
+    bool step() override;
+    bool continues() const override { return false; }
+
+    const char *lines_;
+    std::int32_t &index_;
+    std::int32_t count_;
+    std::int32_t length_;
+};
+
+} // namespace OSTREL_VISIBLE

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Module ideal_Z_gas: the ideal gas with a constant compressibility factor, gas_type 8.
+//
+// Equation   P v = Z Rgas T
+// Given      reduced T [T_ref], v [v_ref]; Z_const in one record of the file
+// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
+// Valid      every fluid, near the state whose compressibility factor Z is. A fluid with critical data
+//            gets Zc = Z and T_ref = Z Tc in place of its own
+// Reference  the definition of the compressibility factor, Z = P v/(R T)
+#pragma once
+
+#include "Thermodynamics/operations.h"
+
+namespace ideal_Z_gas OSTREL_VISIBLE {
+
+struct parameters {
+    static constexpr std::size_t terms = 0;
+    double Rgas = 0;
+    double Z_const = 0;
+
+    double covolume() const { return 0; }
+    double repulsion() const { return Z_const * Rgas; }
+    template <class Real>
+    separated_attraction::factors<Real, terms> q(Real) const {
+        return {};
+    }
+    template <class Real>
+    separated_attraction::factors<Real, terms> f(Real) const {
+        return {};
+    }
+};
+
+/// Completes the fluid's reference point; never fails.
+void initialise(parameters &p, gas_properties::gas_constants &fluid, records::error_text &message);
+
+extern parameters active;
+OSTREL_DECLARE_MODEL(IZG)
+void read_param_IZG_db(records::line_reader &lines);
+
+} // namespace OSTREL_VISIBLE

@@ -1,0 +1,25 @@
+# SPDX-License-Identifier: MIT
+# Sourced by the other scripts: need_packages NAME... makes sure that these Debian packages are installed.
+# As root it installs the missing ones; otherwise it says which they are and ends the script.
+
+need_packages() {
+    missing=""
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
+            missing="$missing $package"
+    done
+    [ -z "$missing" ] && return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        echo "These packages are missing; please install them as root and try again:" >&2
+        echo "    apt-get install --no-install-recommends$missing" >&2
+        exit 1
+    fi
+    echo "Installing$missing"
+    export DEBIAN_FRONTEND=noninteractive
+    apt-get -qq update
+    # shellcheck disable=SC2086 # one word per package
+    apt-get -qq install --yes --no-install-recommends $missing </dev/null >/dev/null
+}
+
+packages_to_build="cmake ninja-build gcc g++ libc6-dev libsqlite3-dev"
+packages_to_test="$packages_to_build gfortran libgtest-dev libgmock-dev libbenchmark-dev python3"
