@@ -31,18 +31,32 @@ static const column columns[] = {
 };
 enum { column_count = sizeof columns / sizeof columns[0] };
 
-/* The value, or the end of the program with the library's own words. */
+/* The length of a blank-padded text without its padding. */
+static int text_length(const char *text, int length) {
+    while (length > 0 && text[length - 1] == ' ')
+        --length;
+    return length;
+}
+
+/* Says what went wrong in the library's own words, and which fluids there are. */
+static void give_up(const char *fluid, const char *output, const char *text, int length) {
+    static char names[500][256];
+    int32_t count = 0;
+
+    fprintf(stderr, "%s, \"%s\": %.*s\nThe fluids are:", fluid, output, text_length(text, length), text);
+    ostrel_fluids(&count, names[0], sizeof names[0]);
+    for (int32_t i = 0; i < count; ++i)
+        fprintf(stderr, " %.*s", text_length(names[i], (int)sizeof names[i]), names[i]);
+    fputc('\n', stderr);
+    exit(1);
+}
+
 static double property(const char *fluid, const char *pair, double input1, double input2, const char *output) {
     char text[256];
     const double value = ostrel_prop(fluid, pair, &input1, &input2, output, text, strlen(fluid), strlen(pair),
                                      strlen(output), sizeof text);
-    if (strncmp(text, "No errors", 9) != 0) {
-        int length = (int)sizeof text;
-        while (length > 0 && text[length - 1] == ' ')
-            --length;
-        fprintf(stderr, "%s, \"%s\" from \"%s\": %.*s\n", fluid, output, pair, length, text);
-        exit(1);
-    }
+    if (strncmp(text, "No errors", 9) != 0)
+        give_up(fluid, output, text, (int)sizeof text);
     return value;
 }
 

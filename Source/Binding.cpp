@@ -116,6 +116,6 @@ OSTREL_EXPORT(void, read_init_fluiddatadb,
     guarded([&] { ostrel::read_init_fluiddatadb(text(location, location_len), text(name, name_len)); }, nothing);
 }
 
-OSTREL_EXPORT(void, ostrel_use_host, (const ostrel_host *replacement), (replacement)) {
-    host::use(replacement);
+OSTREL_EXPORT(void, ostrel_use_host, (const ostrel_host *host), (host)) {
+    ::host::use(host);
 }

@@ -14,6 +14,7 @@
 
 namespace ostrel {
 
+using namespace std::literals;
 using gas_properties::gas;
 using gas_properties::gas_constants;
 using records::fill_text;
@@ -257,7 +258,7 @@ double ostrel_info(std::string_view fluid, std::string_view name, std::span<char
 
 void ostrel_fluids(std::int32_t &count, char *names, std::size_t name_len) {
     // Six characters: the host's search wants the pattern with its NUL.
-    constexpr std::string_view pattern("*.osd", 6);
+    constexpr std::string_view pattern = "*.osd\0"sv;
     const std::string directory = host::fluid_directory();
     const std::span<char> all(names, host::name_count * name_len);
     fill_text(all, {});
@@ -282,7 +283,7 @@ std::array<std::int32_t, 4> getversion() {
 
 void ostrel_sub() {
     std::puts(records::list_directed({"****** Hello from the Ostrel      ******"}).c_str());
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
 }
 
 namespace {

@@ -25,13 +25,12 @@ constexpr bool same_text(std::string_view a, std::string_view b) {
 
 /// Writes the pieces one after the other into the field, truncated at its end or blank-padded.
 constexpr void fill_text(std::span<char> field, std::initializer_list<std::string_view> pieces) {
-    std::size_t used = 0;
     for (const std::string_view piece : pieces) {
-        const std::size_t count = std::min(piece.size(), field.size() - used);
-        std::copy_n(piece.begin(), count, field.begin() + used);
-        used += count;
+        const std::string_view kept = piece.substr(0, field.size());
+        std::copy(kept.begin(), kept.end(), field.begin());
+        field = field.subspan(kept.size());
     }
-    std::fill(field.begin() + used, field.end(), ' ');
+    std::fill(field.begin(), field.end(), ' ');
 }
 
 /// A text of exactly N bytes. Bytes are kept as they come; none has a meaning here but the blank.

@@ -25,7 +25,9 @@ std::string real_text(double value) {
         std::to_chars(scientific, scientific + sizeof scientific, value, std::chars_format::scientific, 16).ptr;
     const std::string_view text(scientific, static_cast<std::size_t>(end - scientific));
     const std::size_t letter = text.find('e');
-    const int exponent = std::atoi(scientific + letter + 1);
+    int exponent = 0;
+    const char *const power_text = scientific + letter + 1;
+    std::from_chars(*power_text == '+' ? power_text + 1 : power_text, end, exponent);
 
     if (exponent >= -1 && exponent <= 16) {
         char fixed[40];

@@ -22,7 +22,7 @@ bool read_count(records::record_reader &in, std::string_view field, std::int32_t
 }
 
 void read_polynomial(records::record_reader &in, heat_capacity &h) {
-    std::int32_t N = static_cast<std::int32_t>(h.a_i.size());
+    auto N = static_cast<std::int32_t>(h.a_i.size());
     if (!read_count(in, "N", N) || !in.read({{"cv_0", h.cv_0}}))
         return;
     h.a_i.assign(length(N), 0.0);
@@ -46,7 +46,7 @@ void allocate_intervals(heat_capacity &h, std::size_t K) {
 }
 
 void read_piecewise(records::record_reader &in, heat_capacity &h) {
-    std::int32_t count = static_cast<std::int32_t>(h.cv_0_k.size());
+    auto count = static_cast<std::int32_t>(h.cv_0_k.size());
     if (!read_count(in, "K", count))
         return;
     const std::size_t K = length(count);
@@ -70,7 +70,7 @@ void read_piecewise(records::record_reader &in, heat_capacity &h) {
 }
 
 void read_einstein(records::record_reader &in, heat_capacity &h) {
-    std::int32_t NV = static_cast<std::int32_t>(h.Tv.size());
+    auto NV = static_cast<std::int32_t>(h.Tv.size());
     if (!in.read({{"cv_0", h.cv_0}}) || !read_count(in, "NV", NV))
         return;
     h.Tv.assign(length(NV), 0.0);
