@@ -5,7 +5,8 @@
 // Given      reduced T [T_ref], v [v_ref]; a, b, c follow from the critical point, no file parameters
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
 // Valid      fluids with critical data, v > b; the critical point and Zc of the fluid are met exactly,
-//            liquid densities and vapor pressures far below it are not
+//            liquid densities and vapor pressures far below it are not. With Zc < 0.25, as water has, b and
+//            the lower bound of v are negative: the equation still holds in the gas
 // Reference  R. Clausius, Ann. Phys. 245 (1880) 337
 #pragma once
 

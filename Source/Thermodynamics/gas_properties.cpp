@@ -2,6 +2,7 @@
 #include "Thermodynamics/gas_properties.h"
 
 #include <cmath>
+#include <span>
 
 namespace gas_properties {
 

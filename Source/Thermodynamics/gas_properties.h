@@ -14,6 +14,8 @@
 #include "Records/record_writer.h"
 #include "visibility.h"
 
+#include <string_view>
+
 namespace gas_properties OSTREL_VISIBLE {
 
 /// Pressures are given in atm in parameter files.

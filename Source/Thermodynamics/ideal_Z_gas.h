@@ -5,7 +5,8 @@
 // Given      reduced T [T_ref], v [v_ref]; Z_const in one record of the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
 // Valid      every fluid, near the state whose compressibility factor Z is. A fluid with critical data
-//            gets Zc = Z and T_ref = Z Tc in place of its own
+//            gets Zc = Z and T_ref = Z Tc in place of its own. One without them keeps its T_ref, so that
+//            P_ref v_ref is Z R T_ref: its pressures come out Z times, its heat capacities 1/Z times theirs
 // Reference  the definition of the compressibility factor, Z = P v/(R T)
 #pragma once
 

@@ -6,22 +6,25 @@
 //            5 cv_0 + Rgas sum E(Tv_k/T), E(x) = x^2 e^x/(e^x - 1)^2
 // Given      reduced temperature t = T/T_ref; phi and psi are returned in units of P_ref v_ref and of Rgas
 // Valid      T > 0. Form 4 is 0 at and outside its bounds; exponents -1 (phi) and 0 (psi) divide by zero
-// Accuracy   rounding of the sums; form 5 loses digits of dcv/dT where Tv_k << T
-// Reference  M. Planck, A. Einstein: harmonic oscillator; A. Einstein, Ann. Phys. 22 (1907) 180, eq. 8
+// Accuracy   rounding of the sums; in form 5 the terms with Tv_k << T are good to about eps T/Tv_k in cv, phi
+//            and psi and to eps (T/Tv_k)^2 in dcv/dT
+// Reference  A. Einstein, Ann. Phys. 22 (1907) 180
 #pragma once
 
 #include "Thermodynamics/gas_properties.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdint>
 #include <vector>
 
-namespace ideal_specific_heat OSTREL_VISIBLE {
+namespace ideal_specific_heat {
 
 /// The forms by their code in parameter files.
 enum form : std::int32_t { constant = 1, power_law = 2, polynomial = 3, piecewise = 4, einstein = 5 };
 
+/// Units are those after initialisation.
 struct heat_capacity {
     bool coeff_adim = false;        ///< coefficients in units of Rgas, temperatures in units of T_ref
     std::int32_t function_type = 0; ///< one of `form`; anything else makes every result 0
@@ -56,6 +59,12 @@ inline double real_part(const std::complex<double> &x) {
     return x.real();
 }
 
+/// x or -x, whichever has a positive real part.
+template <class Real>
+Real magnitude(Real x) {
+    return real_part(x) < 0 ? -x : x;
+}
+
 /// A sum of power terms: n exponents and coefficients.
 struct powers {
     double constant;
@@ -71,14 +80,15 @@ struct powers {
     Real dcv(Real T) const {
         return sum(Real(0), [&](double a, double n) { return n * a * pow(T, n - 1); });
     }
+    /// With `offset` as the constant of integration; so psi.
     template <class Real>
-    Real phi(Real T) const {
-        return sum(constant * T, [&](double a, double n) { return a * pow(T, n + 1) / (n + 1); });
+    Real phi(Real T, double offset = 0) const {
+        return sum(constant * T + offset, [&](double a, double n) { return a * pow(T, n + 1) / (n + 1); });
     }
     template <class Real>
-    Real psi(Real T) const {
+    Real psi(Real T, double offset = 0) const {
         using std::log;
-        return sum(constant * log(T), [&](double a, double n) { return a * pow(T, n) / n; });
+        return sum(constant * log(T) + offset, [&](double a, double n) { return a * pow(T, n) / n; });
     }
 
 private:
@@ -126,10 +136,22 @@ Real einstein_sum(const heat_capacity &h, Real T, Term term) {
     return result;
 }
 
+/// The same with each term, given Tv, |x| and 1 - e^(-|x|), times e^x/(e^x - 1)^2. This even function is multiplied
+/// through by e^(-2|x|), so that a term far below its temperature is 0 instead of inf/inf.
+template <class Real, class Term>
+Real damped_einstein_sum(const heat_capacity &h, Real T, Term term) {
+    using std::exp;
+    return einstein_sum(h, T, [&](double Tv, Real signed_x) {
+        const Real x = magnitude(signed_x);
+        const Real decay = exp(-x);
+        const Real rise = Real(1) - decay;
+        return decay == Real(0) ? decay : decay / (rise * rise) * term(Tv, x, rise);
+    });
+}
+
 /// Isochoric heat capacity at T [K] in J/(kg K).
 template <class Real>
 Real cv(const heat_capacity &h, Real T) {
-    using std::exp;
     using std::pow;
     switch (h.function_type) {
     case constant:
@@ -143,12 +165,7 @@ Real cv(const heat_capacity &h, Real T) {
         return k < h.cv_0_k.size() ? interval_terms(h, k).cv(T) : Real(0);
     }
     case einstein:
-        // Multiplied through by e^(-2x), so that a term far below its temperature is 0 instead of inf/inf.
-        return h.cv_0 + h.Rgas * einstein_sum(h, T, [](double, Real x) {
-                            const Real decay = exp(-x);
-                            const Real rise = Real(1) - decay;
-                            return decay == Real(0) ? Real(0) : x * x * decay / (rise * rise);
-                        });
+        return h.cv_0 + h.Rgas * damped_einstein_sum(h, T, [](double, Real x, Real) { return x * x; });
     default:
         return Real(0);
     }
@@ -157,7 +174,6 @@ Real cv(const heat_capacity &h, Real T) {
 /// dcv/dT at T [K] in J/(kg K2).
 template <class Real>
 Real dcv(const heat_capacity &h, Real T) {
-    using std::exp;
     using std::pow;
     switch (h.function_type) {
     case power_law:
@@ -169,12 +185,8 @@ Real dcv(const heat_capacity &h, Real T) {
         return k < h.cv_0_k.size() ? interval_terms(h, k).dcv(T) : Real(0);
     }
     case einstein:
-        return h.Rgas * einstein_sum(h, T, [&](double Tv, Real x) {
-                   const Real decay = exp(-x);
-                   const Real rise = Real(1) - decay;
-                   if (decay == Real(0))
-                       return Real(0);
-                   return Tv * Tv / (T * T * T) * decay / (rise * rise) * (Real(2) * x / rise - Real(2) - x);
+        return h.Rgas * damped_einstein_sum(h, T, [&](double Tv, Real x, Real rise) {
+                   return Tv * Tv / (T * T * T) * (Real(2) * x / rise - Real(2) - x);
                });
     default:
         return Real(0);
@@ -195,7 +207,7 @@ Real phi(const heat_capacity &h, Real T) {
         return polynomial_terms(h).phi(T);
     case piecewise: {
         const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? h.phi0_k[k] + interval_terms(h, k).phi(T) : Real(0);
+        return k < h.cv_0_k.size() ? interval_terms(h, k).phi(T, h.phi0_k[k]) : Real(0);
     }
     case einstein:
         return h.cv_0 * T + h.Rgas * einstein_sum(h, T, [](double Tv, Real x) { return Tv / (exp(x) - Real(1)); });
@@ -219,7 +231,7 @@ Real psi(const heat_capacity &h, Real T) {
         return polynomial_terms(h).psi(T);
     case piecewise: {
         const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? h.psi0_k[k] + interval_terms(h, k).psi(T) : Real(0);
+        return k < h.cv_0_k.size() ? interval_terms(h, k).psi(T, h.psi0_k[k]) : Real(0);
     }
     case einstein:
         return h.cv_0 * log(T) + h.Rgas * einstein_sum(h, T, [](double, Real x) {
@@ -252,7 +264,10 @@ Real psi_reduced(const heat_capacity &h, Real t) {
 /// reference heat capacities. Form 2 on a fluid without critical data reports and does nothing else.
 void initialise(heat_capacity &h, gas_properties::gas_constants &fluid, records::error_text &message);
 
+} // namespace ideal_specific_heat
+
 // The module: one heat capacity and the shared error text.
+namespace ideal_specific_heat OSTREL_VISIBLE {
 
 extern heat_capacity active;
 extern records::error_text errmsg;
@@ -270,6 +285,7 @@ double psi__T(double t);
 
 void read_param_ideal_specific_heat(records::file_reader &unit);
 void read_param_ideal_specific_heatdb(records::line_reader &lines);
+/// Writes what is in memory: after an initialisation dimensional values, also where coeff_adim is true.
 void write_param_ideal_specific_heat(records::record_writer &unit);
 /// Initialises the module for the active fluid; each reading is followed by exactly one call.
 void init_ideal_specific_heat();

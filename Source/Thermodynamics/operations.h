@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The table of the state operations and the table of the models, one line of use each. The operation
-// sets of all models and every switch over gas_type are made from them, so that a forgotten one
-// does not compile. `what` is handed on to every use.
+// sets of all models and every switch over gas_type are made from them, so that no model can lack an
+// operation and no switch a model. `what` is handed on to every use.
 #pragma once
 
 #include "Thermodynamics/separated_attraction.h"

@@ -7,7 +7,8 @@
 // Given      a model (below), an ideal part, and reduced T [T_ref] and v [v_ref]
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], derivatives in the same units
 // Valid      v > b, T > 0; elsewhere the IEEE results of the formulas, never a failure
-// Reference  H. B. Callen, Thermodynamics (1985) ch. 3 and 7: e and s from P by the Maxwell relations
+// Reference  H. B. Callen, Thermodynamics and an Introduction to Thermostatistics (1985) ch. 3 and 7: e and s
+//            from P by the Maxwell relations
 #pragma once
 
 #include "Thermodynamics/ideal_specific_heat.h"
@@ -118,6 +119,7 @@ private:
 
 // The operations of the model contract, each one line on the state point.
 
+/// b and a little more; models without attraction have no co-volume either.
 template <class Model>
 double minimum_specific_volume(const Model &model) {
     return Model::terms == 0 ? 1.0e-12 : model.covolume() * 1.000000000001;

@@ -7,6 +7,8 @@
 // Accuracy   |f(x) - y| < 1e-9 in reduced units
 #include "Thermodynamics/thermodynamics.h"
 
+#include <cmath>
+
 namespace thermodynamics {
 
 using gas_properties::gas;

@@ -5,6 +5,8 @@
 #include "Thermodynamics/ideal_gas.h"
 #include "Thermodynamics/thermodynamics.h"
 
+#include <cmath>
+
 namespace thermodynamics {
 
 using gas_properties::gas;

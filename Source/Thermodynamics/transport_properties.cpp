@@ -2,6 +2,9 @@
 #include "Thermodynamics/transport_properties.h"
 
 #include <array>
+#include <span>
+#include <string_view>
+#include <vector>
 
 namespace transport_properties {
 

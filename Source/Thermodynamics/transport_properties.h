@@ -11,6 +11,8 @@
 #include "Records/record_writer.h"
 #include "visibility.h"
 
+#include <cstdint>
+
 namespace transport_properties OSTREL_VISIBLE {
 
 struct parameters {
