@@ -62,7 +62,10 @@ static double property(const char *fluid, const char *pair, double input1, doubl
 
 static double constant(const char *fluid, const char *name) {
     char text[256];
-    return ostrel_info(fluid, name, text, strlen(fluid), strlen(name), sizeof text);
+    const double value = ostrel_info(fluid, name, text, strlen(fluid), strlen(name), sizeof text);
+    if (strncmp(text, "No errors", 9) != 0)
+        give_up(fluid, name, text, (int)sizeof text);
+    return value;
 }
 
 int main(int argc, char **argv) {

@@ -9,6 +9,8 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <fnmatch.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -43,8 +45,11 @@ std::string fluid_directory() {
 }
 
 void fluidpath(char *path, const char *, size_t path_len, size_t) {
-    // A directory that does not fit fills the field, so that no file name can follow it.
-    records::fill_text({path, path_len}, {fluid_directory()});
+    // Cut, a directory that does not fit could be another one: a name longer than any that exists stands for it.
+    std::string directory = fluid_directory();
+    if (directory.size() > path_len)
+        directory.assign(path_len, '?');
+    records::fill_text({path, path_len}, {directory});
 }
 
 void searchdirectory(const char *directory, const char *pattern, char *names, size_t directory_len, size_t pattern_len,
@@ -56,7 +61,7 @@ void searchdirectory(const char *directory, const char *pattern, char *names, si
     std::error_code failed;
     for (fs::directory_iterator entry(place, failed), end; !failed && entry != end; entry.increment(failed)) {
         const std::string name = entry->path().filename().string();
-        if (fnmatch(wanted.c_str(), name.c_str(), 0) == 0 && entry->is_regular_file(failed) && !failed)
+        if (fnmatch(wanted.c_str(), name.c_str(), FNM_PERIOD) == 0 && entry->is_regular_file(failed) && !failed)
             found.push_back(name);
         failed.clear();
     }

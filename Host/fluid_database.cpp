@@ -4,6 +4,7 @@
 #include "Records/fixed_text.h"
 
 #ifdef OSTREL_WITH_SQLITE
+#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 #endif
@@ -13,13 +14,19 @@ namespace fluid_database {
 #ifdef OSTREL_WITH_SQLITE
 
 std::optional<std::string> read(const std::string &location, const std::string &name) {
-    if (location.empty() || location.find('\0') != std::string::npos)
+    // Only a regular file: opening a pipe would wait for its other end.
+    std::error_code failed;
+    if (location.find('\0') != std::string::npos || !std::filesystem::is_regular_file(location, failed))
         return std::nullopt;
     sqlite3 *opened = nullptr;
     const int open_status = sqlite3_open_v2(location.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
     const std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database(opened, sqlite3_close);
     if (open_status != SQLITE_OK)
         return std::nullopt;
+    // Wait for a writer a little, and end a query that goes on: the table may be a view on anything.
+    sqlite3_busy_timeout(opened, 500);
+    sqlite3_progress_handler(
+        opened, 10'000'000, [](void *) { return 1; }, nullptr);
     sqlite3_stmt *prepared = nullptr;
     const int query_status =
         sqlite3_prepare_v2(opened, "SELECT text FROM fluid WHERE name = ?1", -1, &prepared, nullptr);

@@ -7,7 +7,12 @@
  * truncated to their length. A null pointer stands for an empty text, or for a NaN where a number is read;
  * where a number or array is written it receives nothing.
  * Lifetimes. The library keeps no pointer that it is given, but for the functions of ostrel_use_host.
- * Errors. An error text says "No errors" on success. Nothing here stops the process or throws.
+ * Errors. An error text says "No errors" on success; compare its first nine characters, and test the text,
+ * not the value: a success may be a NaN or an infinity. Nothing here stops the process or throws.
+ *   " IOSTAT returned" n       the fluid's file cannot be opened; n is errno's code, 2 = there is no such file
+ *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a model that
+ *                              is not available
+ *   "The gas ... is not a vapor: ..."    the model or heat capacity wants critical data
  * Threads. One set of state for the whole library and no locks: calls must not overlap.
  * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
  * compilers expect of an external procedure: call it as it is, without writing the lengths.
@@ -24,8 +29,9 @@ extern "C" {
 
 /* One property of a fluid, in SI units: the value, or -8888.8 after a failure.
  *
- * fluid       [-] name of a parameter file without its ".osd"; at most 8 characters, or it is read again
- *             at every request
+ * fluid       [-] name of a parameter file in the fluid directory without its ".osd", as the file system has
+ *             it: case and leading blanks count, a "/" names nothing. At most 8 characters, or the file is
+ *             read again at every request
  * inputspec   [-] input pair, in either case: "tv" or "td". The pairs "pt", "pv", "pd", "ph", "ps", "pq",
  *             "ts", "tq", "vh", "vs", "vu", "dh", "ds", "du" and "hs" are known and not served yet
  * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg,
@@ -37,11 +43,15 @@ extern "C" {
  * errmsg      [-] receives "No errors" or the error text; 256 characters hold every text whole, but
  *             for those that quote a longer output name
  *
- * h, u and s are zero at the critical point of the model, or at the reference state of a fluid without
- * critical data. Inputs are not checked: outside the model's range (v at or below its co-volume, T at or
- * below 0) the result is what IEEE arithmetic makes of the formula, and a NaN is carried through.
- * The last state is kept: asking several outputs at one state solves it once. After a failed request
- * the same request again answers "No errors" with the state before it: look at every error text.
+ * u and s are zero (and h is p v) at the critical point of the model; for a fluid without critical data at
+ * its reference volume and the temperature T_ref/Z there, Z the model's compressibility factor. Inputs are not
+ * checked: outside the model's range (v at or below its co-volume, T at or below 0) the result is what IEEE
+ * arithmetic makes of the formula, and a NaN is carried through.
+ *
+ * The last state is kept: asking several outputs at one state solves it once. Look at every error text, since
+ * a repeat of what failed may say "No errors": after a fluid that could not be loaded the same name goes on
+ * with the constants in memory, those of the fluid before it or some of each; after a pair that could not be
+ * solved or is not served yet, or a refused quality, the same request is answered from the state before it.
  */
 double ostrel_prop(const char *fluid, const char *inputspec, const double *input1, const double *input2,
                    const char *outputspec, char *errmsg, size_t fluid_len, size_t inputspec_len,
@@ -55,7 +65,8 @@ double ostrel_prop(const char *fluid, const char *inputspec, const double *input
  * T           [T_ref] receives the temperature; unchanged if the pair is unknown
  * v           [v_ref] receives the specific volume; unchanged if the pair is unknown
  *
- * Failures are not reported here: they stand in the library's shared error text.
+ * A failure is left in the library's shared error text, which no function here reads out: it shows in that T and v
+ * are unchanged.
  */
 void get_tv(const char *inputspec, const double *input1, const double *input2, double *T, double *v,
             size_t inputspec_len);
@@ -67,16 +78,19 @@ void get_tv(const char *inputspec, const double *input1, const double *input2, d
  *             "p_crit" critical pressure in Pa; the last two mean nothing for a fluid without critical data
  * errmsg      [-] receives "No errors" or the error text
  *
- * A failed property request just before makes the loading of another fluid here count as failed.
+ * The shared error text is not cleared first: if a message of an earlier call stands there, loading another fluid
+ * here counts as failed. The fluid is then half loaded, and another request for it goes on with that; ask for a
+ * property first, which clears the text.
  */
 double ostrel_info(const char *fluid, const char *name, char *errmsg, size_t fluid_len, size_t name_len,
                    size_t errmsg_len);
 
 /* The fluids for which there are parameter files.
  *
- * count       [-] receives their number, at most 500
- * names       [-] receives 500 names of names_len characters each; the unused ones are blank
- * names_len   [-] 256
+ * count       [-] receives their number, at most 500; further files are left out
+ * names       [-] receives 500 names of names_len characters each: the file's name up to its first point. The
+ *             unused ones are blank
+ * names_len   [-] length of one name, 256
  */
 void ostrel_fluids(int32_t *count, char *names, size_t names_len);
 
@@ -93,27 +107,32 @@ void ostrel_sub(void);
  *
  * name        [-] fluid name, the file's name without ".osd"; it cannot name another directory
  *
- * Failures stand in the library's shared error text, which this does not reset.
+ * ostrel_prop does not hear of it: for the name that it knows it goes on without loading, with the constants and the
+ * kept state as they are now. Failures are left in the shared error text, which this does not clear.
  */
 void read_init_fluiddata(const char *name, size_t name_len);
 
-/* Reads a parameter file; nothing is initialised.
+/* Reads a parameter file into the library's variables. Nothing is derived from it: this serves programs that use
+ * the library's C++ modules and initialise them themselves (thermodynamics::init_thermodynamics).
  *
  * file        [-] path of the file, with its extension
  */
 void read_init_fluiddatafile(const char *file, size_t file_len);
 
-/* Reads a fluid's parameters from a fluid database; nothing is initialised.
+/* Reads a fluid's parameters from a fluid database, likewise without deriving anything.
  *
  * location    [-] place of the database as the host's getfluid takes it: with the default host the
- *             path of an SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL)
+ *             path of an SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL), a line
+ *             of text a record. One in WAL mode cannot be read from a folder that cannot be written
  * name        [-] fluid name, the key in that table
  */
 void read_init_fluiddatadb(const char *location, const char *name, size_t location_len, size_t name_len);
 
-/* What the library asks of its host. Fields are blank-padded. */
+/* What the library asks of its host. Texts given are not NUL-terminated; fields to fill come blank, and may be left
+ * blank-padded or ended by a NUL. The routines must neither throw, nor jump out, nor call the library. */
 typedef struct ostrel_host {
-    /* Fills path with the fluid directory, its separator included. key is "Ostrel", path_len 256. */
+    /* Fills path with the fluid directory, its separator included; file names are put right behind it. key is
+     * "Ostrel", path_len 256. */
     void (*fluidpath)(char *path, const char *key, size_t path_len, size_t key_len);
     /* Fills names, 500 entries of name_len characters, with the directory's files that match pattern,
      * which is "*.osd" and a NUL. */

@@ -5,13 +5,13 @@
 
 #include "Thermodynamics/ideal_specific_heat.h"
 
-#include <exception>
 #include <limits>
+#include <new>
 
 namespace {
 
 std::string_view text(const char *characters, std::size_t length) {
-    return characters != nullptr ? std::string_view(characters, length) : std::string_view();
+    return characters != nullptr ? std::string_view(characters, length) : std::string_view("", 0);
 }
 
 std::span<char> field(char *characters, std::size_t length) {
@@ -22,15 +22,18 @@ double number(const double *value) {
     return value != nullptr ? *value : std::numeric_limits<double>::quiet_NaN();
 }
 
-/// Runs an entry point. Only memory can run out here; no exception may reach a C or Fortran caller.
+/// Runs an entry point. No exception may reach a C or Fortran caller: memory may run out, and host routines are
+/// asked not to throw, but may.
 template <class Entry, class Failure>
 auto guarded(Entry entry, Failure failure) noexcept {
     try {
         return entry();
-    } catch (const std::exception &) {
+    } catch (const std::bad_alloc &) {
         ideal_specific_heat::errmsg.report({"Ostrel error: out of memory."});
-        return failure();
+    } catch (...) {
+        ideal_specific_heat::errmsg.report({"Ostrel error: a host routine threw an exception."});
     }
+    return failure();
 }
 
 void nothing() {}
@@ -71,8 +74,12 @@ OSTREL_EXPORT(void, get_tv,
                size_t inputspec_len),
               (inputspec, input1, input2, T, v, inputspec_len)) {
     double unwanted = 0;
-    ostrel::get_tv(text(inputspec, inputspec_len), number(input1), number(input2), T != nullptr ? *T : unwanted,
-                   v != nullptr ? *v : unwanted);
+    guarded(
+        [&] {
+            ostrel::get_tv(text(inputspec, inputspec_len), number(input1), number(input2), T != nullptr ? *T : unwanted,
+                           v != nullptr ? *v : unwanted);
+        },
+        nothing);
 }
 
 OSTREL_EXPORT(double, ostrel_info,
@@ -84,8 +91,9 @@ OSTREL_EXPORT(double, ostrel_info,
 }
 
 OSTREL_EXPORT(void, ostrel_fluids, (int32_t * count, char *names, size_t names_len), (count, names, names_len)) {
+    int32_t unwanted = 0;
     if (count == nullptr)
-        return;
+        count = &unwanted;
     *count = 0;
     if (names != nullptr && names_len > 0)
         guarded([&] { ostrel::ostrel_fluids(*count, names, names_len); }, nothing);

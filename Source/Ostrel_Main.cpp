@@ -10,11 +10,12 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace ostrel {
 
-using namespace std::literals;
 using gas_properties::gas;
 using gas_properties::gas_constants;
 using records::fill_text;
@@ -169,8 +170,8 @@ constexpr information informations[] = {
     {"p_crit", [](const gas_constants &g) { return g.Pc; }},
 };
 
-/// Loads the fluid if it is not the one in memory; true if it was. A name of more than eight characters
-/// never is.
+/// Loads the fluid if its name is not the kept one, and says whether it did. A name of more than eight characters
+/// never is the kept one.
 bool loaded_anew(std::string_view fluid) {
     if (same_text(fluid, os_fluid.padded()))
         return false;
@@ -257,13 +258,8 @@ double ostrel_info(std::string_view fluid, std::string_view name, std::span<char
 }
 
 void ostrel_fluids(std::int32_t &count, char *names, std::size_t name_len) {
-    // Six characters: the host's search wants the pattern with its NUL.
-    constexpr std::string_view pattern = "*.osd\0"sv;
-    const std::string directory = host::fluid_directory();
     const std::span<char> all(names, host::name_count * name_len);
-    fill_text(all, {});
-    host::routines().searchdirectory(directory.data(), pattern.data(), names, directory.size(), pattern.size(),
-                                     name_len);
+    host::search_directory(host::fluid_directory(), all, name_len);
     count = 0;
     const auto entry = [&](std::size_t i) { return all.subspan(i * name_len, name_len); };
     const auto text = [&](std::size_t i) { return trimmed({entry(i).data(), name_len}); };
@@ -310,15 +306,16 @@ bool read_file(std::string_view path) {
 } // namespace
 
 void read_init_fluiddata(std::string_view name) {
-    const std::string file_name = std::string(trimmed(name)) + ".osd";
-    const std::string path = host::fluid_directory() + file_name;
+    constexpr std::string_view extension = ".osd";
+    const std::string_view fluid = trimmed(name);
+    const std::string directory = host::fluid_directory();
     bool readable = true;
-    if (path.size() > host::path_length)
+    if (fluid.size() > host::path_length || directory.size() + fluid.size() + extension.size() > host::path_length)
         report_failed_open(ENAMETOOLONG);
-    else if (file_name.find('/') != std::string::npos)
-        report_failed_open(ENOENT);
+    else if (fluid.find('/') != std::string_view::npos)
+        report_failed_open(ENOENT); // no file of the directory has such a name
     else
-        readable = read_file(path);
+        readable = read_file(directory + std::string(fluid) + std::string(extension));
     // A failed open goes on with the parameters in memory.
     if (readable)
         thermodynamics::init_thermodynamics();

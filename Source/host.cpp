@@ -3,12 +3,25 @@
 
 #include "Records/fixed_text.h"
 
+#include <algorithm>
+
 namespace host {
 namespace {
 
 constexpr std::string_view product = "Ostrel";
 
+// The host's search wants its pattern with a NUL.
+constexpr std::string_view parameter_files("*.osd", sizeof "*.osd");
+
 ostrel_host active = default_routines;
+
+/// Blanks each entry from its first NUL on.
+void remove_padding(std::span<char> entries, std::size_t length) {
+    for (; entries.size() >= length && length > 0; entries = entries.subspan(length)) {
+        const std::span<char> entry = entries.first(length);
+        std::fill(std::find(entry.begin(), entry.end(), '\0'), entry.end(), ' ');
+    }
+}
 
 } // namespace
 
@@ -29,8 +42,16 @@ void use(const ostrel_host *replacement) {
 std::string fluid_directory() {
     std::string path(path_length, ' ');
     routines().fluidpath(path.data(), product.data(), path.size(), product.size());
+    remove_padding(path, path.size());
     path.resize(records::trimmed(path).size());
     return path;
+}
+
+void search_directory(std::string_view directory, std::span<char> names, std::size_t name_length) {
+    records::fill_text(names, {});
+    routines().searchdirectory(directory.data(), parameter_files.data(), names.data(), directory.size(),
+                               parameter_files.size(), name_length);
+    remove_padding(names, name_length);
 }
 
 std::vector<char> fluid_lines(std::string_view location, std::string_view key) {
@@ -40,6 +61,7 @@ std::vector<char> fluid_lines(std::string_view location, std::string_view key) {
                                                     key.size(), line_length);
     if (status == 0 || found == 0)
         lines.clear();
+    remove_padding(lines, line_length);
     return lines;
 }
 

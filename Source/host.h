@@ -4,6 +4,9 @@
 
 #include "ostrel.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,8 +25,12 @@ void use(const ostrel_host *replacement);
 /// The library's own routines.
 extern const ostrel_host default_routines;
 
+// What the host answers. A field may also come back ended by a NUL, as C programs leave it.
+
 /// The directory of the fluid files with its separator, without trailing blanks.
 std::string fluid_directory();
+/// Fills 500 entries of name_length characters with the names of the directory's parameter files.
+void search_directory(std::string_view directory, std::span<char> names, std::size_t name_length);
 /// The 255 lines of a fluid's text one after the other; empty if the database does not give them.
 std::vector<char> fluid_lines(std::string_view location, std::string_view key);
 

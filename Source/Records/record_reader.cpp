@@ -323,39 +323,37 @@ std::string short_name(std::string_view path) {
     return "file " + printable(name, 64);
 }
 
+/// Takes a file into memory; 0, or errno's code. A directory opens like a file and has no records.
+int read_whole(const std::string &path, std::string &text) {
+    if (path.find('\0') != std::string::npos)
+        return ENOENT;
+    // A pipe, socket or terminal would wait for someone to write; nothing that reads fluids may hang.
+    using std::filesystem::file_type;
+    std::error_code ignored;
+    const file_type type = std::filesystem::status(path, ignored).type();
+    if (type == file_type::fifo || type == file_type::socket || type == file_type::character)
+        return ENXIO;
+    errno = 0;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rb"),
+                                                                [](std::FILE *f) { return std::fclose(f); });
+    if (!file)
+        return errno != 0 ? errno : ENOENT;
+    if (type == file_type::directory)
+        return 0;
+    char block[8192];
+    for (std::size_t count = sizeof block; count == sizeof block;) {
+        count = std::fread(block, 1, sizeof block, file.get());
+        text.append(block, count);
+        if (text.size() > largest_file)
+            return EFBIG;
+    }
+    return std::ferror(file.get()) != 0 ? EIO : 0;
+}
+
 } // namespace
 
 file_reader::file_reader(std::string_view path) : record_reader(short_name(trimmed(path))) {
-    const std::string name(trimmed(path));
-    if (name.find('\0') != std::string::npos) {
-        open_status_ = ENOENT;
-        return;
-    }
-    // A pipe or socket would wait for a writer; nothing that reads fluids may hang.
-    std::error_code ignored;
-    const auto type = std::filesystem::status(name, ignored).type();
-    if (type == std::filesystem::file_type::fifo || type == std::filesystem::file_type::socket) {
-        open_status_ = ENXIO;
-        return;
-    }
-    errno = 0;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(name.c_str(), "rb"),
-                                                                [](std::FILE *f) { return std::fclose(f); });
-    if (!file) {
-        open_status_ = errno != 0 ? errno : ENOENT;
-        return;
-    }
-    // A directory opens like a file and has no records.
-    char block[8192];
-    std::size_t count = 0;
-    while ((count = std::fread(block, 1, sizeof block, file.get())) > 0) {
-        text_.append(block, count);
-        if (text_.size() > largest_file) {
-            text_.clear();
-            open_status_ = EFBIG;
-            return;
-        }
-    }
+    open_status_ = read_whole(std::string(trimmed(path)), text_);
 }
 
 bool file_reader::next_record(std::string_view &record) {
