@@ -354,6 +354,8 @@ int read_whole(const std::string &path, std::string &text) {
 
 file_reader::file_reader(std::string_view path) : record_reader(short_name(trimmed(path))) {
     open_status_ = read_whole(std::string(trimmed(path)), text_);
+    if (open_status_ != 0)
+        text_.clear();
 }
 
 bool file_reader::next_record(std::string_view &record) {
