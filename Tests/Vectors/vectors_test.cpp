@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// Published numbers against the library. A vector file holds, line by line,
+//   # anything                                                     a remark: where the numbers come from
+//   fluid                                                          a parameter file begins
+//   | record                                                       one record of it
+//   ask pair input1 input2 output published lowest highest         a request, in SI units
+//   value name argument published lowest highest                   something inside, by the table below
+// where lowest and highest bound computed/published - 1. A band that is not about zero says how far the
+// model is from the fluid.
+#include "Tests/thermodynamics_support.h"
+
+#include <map>
+
+namespace {
+
+/// What can be asked beside requests; an argument that is not needed is 0.
+double value_of(const std::string &name, double argument) {
+    const std::map<std::string, double (*)(double)> values = {
+        {"a", [](double) { return clausius_II_gas::active.a; }},
+        {"b", [](double) { return clausius_II_gas::active.b; }},
+        {"c", [](double) { return clausius_II_gas::active.c; }},
+        {"omega", [](double) { return gas_properties::gas.omega; }},
+        // Of the ideal gas at T [K], in units of R and of R K.
+        {"cv/R", [](double T) { return ideal_specific_heat::cv_oo__Tdim(T) / gas_properties::gas.R; }},
+        {"phi/R",
+         [](double T) { return ideal_specific_heat::phi(ideal_specific_heat::active, T) / gas_properties::gas.R; }},
+        {"psi/R",
+         [](double T) { return ideal_specific_heat::psi(ideal_specific_heat::active, T) / gas_properties::gas.R; }},
+    };
+    const auto found = values.find(name);
+    EXPECT_NE(found, values.end()) << name;
+    return found == values.end() ? std::nan("") : found->second(argument);
+}
+
+struct vectors : testing::TestWithParam<const char *> {};
+
+TEST_P(vectors, agree) {
+    std::ifstream in(std::string(OSTREL_TESTS "/Vectors/") + GetParam() + ".txt");
+    ASSERT_TRUE(in) << GetParam();
+    const support::fluid_folder folder;
+    static int fluids = 0;
+    std::string fluid, records;
+    int checks = 0;
+    int number = 0;
+    for (std::string line; std::getline(in, line);) {
+        SCOPED_TRACE(std::string(GetParam()) + ".txt:" + std::to_string(++number) + ": " + line);
+        std::istringstream words(line);
+        std::string kind;
+        words >> kind;
+        if (kind.empty() || kind == "#")
+            continue;
+        if (kind == "fluid") {
+            fluid = "vector" + std::to_string(++fluids % 100);
+            records.clear();
+            continue;
+        }
+        if (kind == "|") {
+            records += line.substr(std::min<std::size_t>(line.find('|') + 2, line.size())) + '\n';
+            folder.add(fluid, records);
+            continue;
+        }
+        double computed = 0;
+        if (kind == "ask") {
+            std::string pair, output;
+            double input1 = 0, input2 = 0;
+            words >> pair >> input1 >> input2 >> output;
+            const auto answer = support::ask(fluid, pair, input1, input2, output);
+            EXPECT_EQ(answer.text, "No errors");
+            computed = answer.value;
+        } else {
+            ASSERT_EQ(kind, "value");
+            EXPECT_EQ(support::ask_info(fluid, "m_mol").text, "No errors");
+            std::string name;
+            double argument = 0;
+            words >> name >> argument;
+            computed = value_of(name, argument);
+        }
+        double published = 0, lowest = 0, highest = 0;
+        words >> published >> lowest >> highest;
+        ASSERT_TRUE(words && lowest <= highest);
+        EXPECT_GE(computed / published - 1, lowest) << computed;
+        EXPECT_LE(computed / published - 1, highest) << computed;
+        ++checks;
+    }
+    EXPECT_GE(checks, 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(published, vectors,
+                         testing::Values("ideal_gas", "ideal_Z_gas", "clausius_II_gas", "ideal_specific_heat"),
+                         [](const auto &file) { return std::string(file.param); });
+
+} // namespace

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+// What the tests of the thermodynamics share: the library as just loaded, sections read from either
+// source, and the models and heat capacities that tables of cases are run over.
+#pragma once
+
+#include "Tests/support.h"
+#include "Thermodynamics/clausius_II_gas.h"
+#include "Thermodynamics/ideal_Z_gas.h"
+#include "Thermodynamics/ideal_gas.h"
+#include "Thermodynamics/transport_properties.h"
+
+#include <cstdint>
+#include <limits>
+#include <sstream>
+#include <vector>
+
+namespace support {
+
+inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
+
+/// Puts every variable of the thermodynamics at the value it has when the library is loaded.
+inline void fresh_library() {
+    gas_properties::gas = {};
+    ideal_specific_heat::active = {};
+    ideal_specific_heat::errmsg.reset();
+#define OSTREL_FRESH_MODEL(unused, type, module, X) module::active = {};
+    OSTREL_MODELS(OSTREL_FRESH_MODEL, )
+#undef OSTREL_FRESH_MODEL
+    transport_properties::active = {};
+    thermodynamics::gas_type = 0;
+    thermodynamics::Tmin = thermodynamics::Pmin = thermodynamics::vmin = 0;
+}
+
+/// Every test starts from the library as just loaded, also when all run in one process.
+class thermodynamics_test : public testing::Test {
+protected:
+    thermodynamics_test() { fresh_library(); }
+};
+
+/// One section of a parameter file: its two readers and its writer.
+struct section {
+    void (*read_file)(records::file_reader &);
+    void (*read_lines)(records::line_reader &);
+    void (*write)(records::record_writer &);
+};
+inline constexpr section gas_section = {gas_properties::read_param_gas_properties,
+                                        gas_properties::read_param_gas_propertiesdb,
+                                        gas_properties::write_param_gas_properties};
+inline constexpr section heat_section = {ideal_specific_heat::read_param_ideal_specific_heat,
+                                         ideal_specific_heat::read_param_ideal_specific_heatdb,
+                                         ideal_specific_heat::write_param_ideal_specific_heat};
+inline constexpr section thermodynamics_section = {thermodynamics::read_param_thermodynamics,
+                                                   thermodynamics::read_param_thermodynamicsdb,
+                                                   thermodynamics::write_param_thermodynamics};
+inline constexpr section transport_section = {transport_properties::read_param_transport_properties,
+                                              transport_properties::read_param_transport_propertiesdb,
+                                              transport_properties::write_param_transport_propert};
+
+enum class source { file, lines };
+inline constexpr source both_sources[] = {source::file, source::lines};
+inline std::ostream &operator<<(std::ostream &out, source from) {
+    return out << (from == source::file ? "from a file" : "from lines");
+}
+
+struct reading {
+    std::string message; ///< empty when all went well
+    std::int64_t last;   ///< the number of the last record that was used, from 1
+};
+
+/// Reads the section from a text of one record a line, as a file or as the lines of a database. Both
+/// start behind `before` records of another section.
+inline reading read(const section &what, source from, const std::string &text, std::int32_t before = 0) {
+    if (from == source::file) {
+        const temporary_folder folder;
+        records::file_reader reader(folder.write("fluid.osd", text));
+        for (std::int32_t i = 0; i < before; ++i)
+            reader.skip("a record");
+        what.read_file(reader);
+        return {std::string(reader.message()), reader.record_number()};
+    }
+    constexpr std::int32_t length = 255;
+    std::istringstream in(text);
+    std::string lines;
+    std::int32_t count = 0;
+    for (std::string line; std::getline(in, line); ++count) {
+        line.resize(length, ' ');
+        lines += line;
+    }
+    std::int32_t index = before;
+    records::line_reader reader("fluid", lines.data(), index, count, length);
+    what.read_lines(reader);
+    return {std::string(reader.message()), index};
+}
+
+/// For sections that are to be read without complaint.
+inline void read_well(const section &what, const std::string &text, source from = source::file) {
+    EXPECT_EQ(read(what, from, text).message, "") << text;
+}
+
+/// The records that the section's writer writes.
+inline std::vector<std::string> written(const section &what) {
+    records::record_writer writer;
+    what.write(writer);
+    std::istringstream in(writer.text());
+    std::vector<std::string> result;
+    for (std::string line; std::getline(in, line);)
+        result.push_back(line);
+    return result;
+}
+
+/// The list-directed form of a double, and of several in one record.
+inline std::string real(std::initializer_list<double> values) {
+    std::string result;
+    for (const double value : values)
+        result += records::list_directed({value});
+    return result;
+}
+
+/// Fluids with and without critical data.
+inline const std::string vapor_fluid = "names\ncarbon dioxide\nCO2\nconstants\n"
+                                       "44.0\nT\n304.1282\n72.8\n0.2746\n184.0\n0.0\n0.0\n";
+inline const std::string reference_fluid = "names\nnitrogen\nN2\nconstants\n"
+                                           "28.0\nF\n300.0\n1.0\n0.9\n0.0\n0.0\n";
+
+/// Heat capacities of every form, most of them in both kinds of coefficients.
+struct heat_case {
+    const char *name;
+    const char *records;
+};
+inline constexpr heat_case heat_cases[] = {
+    {"constant", "F\n1\n655.0\n"},
+    {"constant, dimensionless", "T\n1\n3.5\n"},
+    {"power law", "F\n2\n640.0, 0.41\n"},
+    {"power law, dimensionless", "T\n2\n3.4, -0.37\n"},
+    {"polynomial", "F\n3\n3\n310.0\n1.4 -6.0e-4 9000.0\n1.0 2.0 -0.5\n"},
+    {"polynomial, dimensionless", "T\n3\n2\n2.1\n0.006 -1.0e-6\n1.0 1.9\n"},
+    {"piecewise", "F\n4\n3\n10.0 299.5 1007.0\n420.0 350.0 900.0\n1 3 0\n0.7\n1.0\n"
+                  "1.3 -6.0e-4 3000.0\n1.0 2.0 -0.5\n\n\n"},
+    {"piecewise, dimensionless", "T\n4\n2\n0.01 2.0\n2.0 2.5\n1 2\n0.007\n1.0\n0.004 -1.0e-6\n1.0 2.0\n"},
+    {"Einstein", "F\n5\n472.3\n4\n2*957.3 1952.2 3280.5\n"},
+    {"Einstein, dimensionless", "T\n5\n2.5\n2\n4.1 11.7\n"},
+};
+
+/// The models on the fluids they accept.
+struct model_case {
+    const char *name;
+    std::int32_t gas_type;
+    const std::string &fluid;
+    const char *records; ///< the model's own
+};
+inline const model_case model_cases[] = {
+    {"ideal gas", 1, vapor_fluid, ""},
+    {"ideal gas, reference fluid", 1, reference_fluid, ""},
+    {"Clausius II", 7, vapor_fluid, ""},
+    {"ideal Z gas", 8, vapor_fluid, "0.9\n"},
+};
+
+/// Reads and initialises a fluid; the case must be one that succeeds.
+inline void load(const model_case &model, const heat_case &heat) {
+    fresh_library();
+    read_well(thermodynamics_section,
+              model.fluid + std::to_string(model.gas_type) + "\n" + model.records + heat.records);
+    thermodynamics::init_thermodynamics();
+    EXPECT_EQ(shared_text(), "No errors");
+}
+
+inline bool accepts(const model_case &model, const heat_case &heat) {
+    return &model.fluid == &vapor_fluid || std::string_view(heat.name).find("power law") == std::string_view::npos;
+}
+
+/// Calls visit(parameters) with the parameters of the active model.
+template <class Visit>
+void with_active_model(Visit visit) {
+    switch (thermodynamics::gas_type) {
+#define OSTREL_VISIT_MODEL(unused, type, module, X) \
+    case type:                                      \
+        visit(module::active);                      \
+        break;
+        OSTREL_MODELS(OSTREL_VISIT_MODEL, )
+#undef OSTREL_VISIT_MODEL
+    default:
+        FAIL() << "gas_type " << thermodynamics::gas_type;
+    }
+}
+
+/// Calls visit(parameters) for every model with every heat capacity, loaded and initialised.
+template <class Visit>
+void for_each_loaded(Visit visit) {
+    for (const model_case &model : model_cases)
+        for (const heat_case &heat : heat_cases) {
+            if (!accepts(model, heat))
+                continue;
+            SCOPED_TRACE(std::string(model.name) + ", " + heat.name);
+            load(model, heat);
+            with_active_model(visit);
+        }
+}
+
+struct state {
+    const char *name;
+    double T; ///< over the temperature of the reference point
+    double v; ///< over the volume of the reference point
+};
+inline constexpr state states[] = {
+    {"dilute, cold", 0.62, 2000.0}, {"dilute", 1.1, 500.0},        {"dilute, hot", 7.3, 3000.0},
+    {"vapor", 0.83, 12.0},          {"compressed", 1.5, 0.7},      {"dense, cold", 0.7, 0.41},
+    {"dense", 1.2, 0.35},           {"dense, hot", 4.1, 0.19},     {"near the covolume", 1.3, 0.1002},
+    {"critical", 1.0, 1.0},         {"just below", 0.9999, 1.003}, {"just above", 1.0001, 0.998},
+};
+
+/// Calls visit(parameters, T, v) at every state of every case, T and v reduced.
+template <class Visit>
+void for_each_state(Visit visit) {
+    for_each_loaded([&](const auto &model) {
+        for (const state &at : states) {
+            SCOPED_TRACE(at.name);
+            visit(model, at.T / gas_properties::gas.Z_ref, at.v);
+        }
+    });
+}
+
+} // namespace support
