@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// What the tests of the entry points share: the library as just loaded, hosts of their own, error texts.
+#pragma once
+
+#include "Ostrel_Main.h"
+#include "Tests/thermodynamics_support.h"
+
+#include <span>
+
+namespace support {
+
+/// Puts every variable of the library at the value it has when the library is loaded.
+inline void fresh_frame() {
+    fresh_library();
+    ostrel::os_fluid = {};
+    ostrel::os_inputspec = {};
+    ostrel::os_input1 = ostrel::os_input2 = failed;
+    ostrel::T = ostrel::v = 0;
+    ostrel_use_host(nullptr);
+    setenv("OSTREL_FLUIDS", OSTREL_TESTS "/../Fluids", 1);
+}
+
+/// Every test starts from the library as just loaded, with the shipped fluids and the default host.
+class frame_test : public testing::Test {
+protected:
+    frame_test() { fresh_frame(); }
+    ~frame_test() override { ostrel_use_host(nullptr); }
+};
+
+/// A host whose fluid directory is exactly the given text, and that counts how often it is asked for it:
+/// once a load.
+class directory_host {
+public:
+    explicit directory_host(const std::string &directory) {
+        directory_ = directory;
+        asked_ = 0;
+        const ostrel_host routines = {fluidpath, nullptr, nullptr};
+        ostrel_use_host(&routines);
+    }
+    directory_host(const directory_host &) = delete;
+    directory_host &operator=(const directory_host &) = delete;
+    ~directory_host() { ostrel_use_host(nullptr); }
+    int asked() const { return asked_; }
+    std::string key() const { return key_; }
+
+    static void fluidpath(char *path, const char *key, size_t path_len, size_t key_len) {
+        ++asked_;
+        key_.assign(key, key_len);
+        records::fill_text({path, path_len}, {directory_});
+    }
+
+private:
+    static inline std::string directory_;
+    static inline std::string key_;
+    static inline int asked_ = 0;
+};
+
+inline const std::string quality_text = "Ostrel error: calculation as function of q, while q /= 1, only available "
+                                        "for P, T, v or d.";
+inline std::string unknown_pair(std::string_view code) {
+    return "Ostrel error: calculation as function of " + std::string(code) + " not available.";
+}
+inline std::string unknown_output(std::string_view name) {
+    return "Ostrel error: calculation of " + std::string(name) + " not available.";
+}
+inline std::string unknown_constant(std::string_view name) {
+    return "Ostrel error: no info available for " + std::string(name) + ".";
+}
+/// A failed open leaves the status code right-adjusted in 12 columns.
+inline std::string failed_open(int code) {
+    const std::string digits = std::to_string(code);
+    return " IOSTAT returned " + std::string(12 - digits.size(), ' ') + digits;
+}
+
+/// The 17 input pairs and whether there is a solver for them.
+struct pair_case {
+    const char *code;
+    bool served;
+};
+inline constexpr pair_case pair_cases[] = {
+    {"tv", true},  {"td", true},  {"pt", false}, {"pv", false}, {"pd", false}, {"ph", false},
+    {"ps", false}, {"pq", false}, {"ts", false}, {"tq", false}, {"vh", false}, {"vs", false},
+    {"vu", false}, {"dh", false}, {"ds", false}, {"du", false}, {"hs", false},
+};
+static_assert(std::size(pair_cases) == 17);
+
+/// The 16 outputs, whether they are computed, and whether they are served at any quality.
+struct output_case {
+    const char *name;
+    bool served;
+    bool any_quality;
+};
+inline constexpr output_case output_cases[] = {
+    {"t", true, true},         {"v", true, true},       {"d", true, true},        {"p", true, true},
+    {"h", true, false},        {"s", true, false},      {"u", true, false},       {"cv", true, false},
+    {"dp_dt", true, false},    {"dp_dv", true, false},  {"d2p_dt2", true, false}, {"d2p_dv2", true, false},
+    {"d2p_dtdv", true, false}, {"dcv_dt", true, false}, {"eta", false, false},    {"lambda", false, false},
+};
+static_assert(std::size(output_cases) == 16);
+
+/// The shipped fluids, from their directory.
+inline std::vector<std::string> shipped_fluids() {
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(OSTREL_TESTS "/../Fluids"))
+        if (entry.path().extension() == ".osd")
+            names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+inline std::string upper(std::string text) {
+    for (char &c : text)
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - ('a' - 'A'));
+    return text;
+}
+
+/// The text of a whole file.
+inline std::string file_text(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+} // namespace support
