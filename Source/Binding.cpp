@@ -11,7 +11,7 @@
 namespace {
 
 std::string_view text(const char *characters, std::size_t length) {
-    return characters != nullptr ? std::string_view(characters, length) : std::string_view("", 0);
+    return characters != nullptr ? std::string_view(characters, length) : std::string_view("");
 }
 
 std::span<char> field(char *characters, std::size_t length) {
