@@ -171,8 +171,6 @@ public:
             token = repeated_;
             return token.empty() ? found::null : found::value;
         }
-        if (complete_)
-            return found::complete;
         skip_blanks();
         while (rest_.empty()) {
             if (!more(rest_))
@@ -184,10 +182,8 @@ public:
                 skip_blanks();
             }
         }
-        if (rest_.starts_with('/')) {
-            complete_ = true;
+        if (rest_.starts_with('/'))
             return found::complete;
-        }
         token = rest_.substr(0, rest_.find_first_of(separators));
         rest_.remove_prefix(token.size());
         const bool counted = take_count(token);
@@ -228,7 +224,6 @@ private:
     std::string_view repeated_;
     std::int64_t repeats_left_ = 0;
     bool comma_before_ = false;
-    bool complete_ = false;
 };
 
 /// At most `room` bytes of the text, with anything that does not print replaced.

@@ -64,7 +64,8 @@ public:
     bool limit_count(std::string_view field, std::int64_t count, std::int64_t limit = longest_list);
 
     bool failed() const { return !message_.empty(); }
-    /// What went wrong, in a sentence of at most 256 characters that starts with the source's name.
+    /// What went wrong: the source, the record, what was wanted and what stood there. Within 256 characters
+    /// where the source has no more than 80.
     std::string_view message() const { return message_; }
     /// 1-based number of the record used last.
     std::int64_t record_number() const { return record_number_; }

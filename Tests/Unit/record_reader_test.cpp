@@ -232,6 +232,8 @@ const std::vector<row> table = {
     refused('r', "na"),
     refused('r', "nan(x"),
     refused('r', "nan(x)y"),
+    refused('r', "nan(x)y)"),
+    refused('r', "nan(x))"),
     refused('r', "nan)"),
     refused('r', ".nan"),
     refused('r', "1.#INF"),

@@ -143,6 +143,7 @@ TEST(record_writer, texts) {
     EXPECT_EQ(list_directed({"N", 5}), " N           5");
     EXPECT_EQ(list_directed({5, "N"}), "           5 N");
     EXPECT_EQ(list_directed({5, "N", "V"}), "           5 NV");
+    EXPECT_EQ(list_directed({"N", 5, "V", true, "x"}), " N           5 V T x");
     EXPECT_EQ(list_directed({true, "vapor"}), " T vapor");
     EXPECT_EQ(list_directed({"vapor", true}), " vapor T");
     EXPECT_EQ(list_directed({1.0, "Tc", -1.0}), "   1.0000000000000000      Tc  -1.0000000000000000     ");
