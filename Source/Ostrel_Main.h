@@ -50,4 +50,4 @@ void read_init_fluiddatafile(std::string_view file);
 /// Reads a fluid from a fluid database, without initialising.
 void read_init_fluiddatadb(std::string_view location, std::string_view name);
 
-} // namespace OSTREL_VISIBLE
+} // namespace ostrel

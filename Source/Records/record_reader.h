@@ -123,4 +123,4 @@ private:
     std::int32_t length_;
 };
 
-} // namespace OSTREL_VISIBLE
+} // namespace records

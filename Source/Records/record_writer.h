@@ -44,4 +44,4 @@ private:
     std::string text_;
 };
 
-} // namespace OSTREL_VISIBLE
+} // namespace records

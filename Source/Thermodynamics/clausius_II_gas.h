@@ -46,4 +46,4 @@ extern parameters active;
 OSTREL_DECLARE_MODEL(CIIG)
 OSTREL_DECLARE_FACTORS(CIIG)
 
-} // namespace OSTREL_VISIBLE
+} // namespace clausius_II_gas

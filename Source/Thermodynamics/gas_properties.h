@@ -68,4 +68,4 @@ void complete_ideal_reference(gas_constants &fluid, double Z);
 void report_not_a_vapor(records::error_text &message, const gas_constants &fluid, std::string_view sentence,
                         std::string_view location);
 
-} // namespace OSTREL_VISIBLE
+} // namespace gas_properties

@@ -14,21 +14,11 @@
 
 namespace ideal_Z_gas OSTREL_VISIBLE {
 
-struct parameters {
-    static constexpr std::size_t terms = 0;
+struct parameters : separated_attraction::no_attraction {
     double Rgas = 0;
     double Z_const = 0;
 
-    double covolume() const { return 0; }
     double repulsion() const { return Z_const * Rgas; }
-    template <class Real>
-    separated_attraction::factors<Real, terms> q(Real) const {
-        return {};
-    }
-    template <class Real>
-    separated_attraction::factors<Real, terms> f(Real) const {
-        return {};
-    }
 };
 
 /// Completes the fluid's reference point; never fails.
@@ -38,4 +28,4 @@ extern parameters active;
 OSTREL_DECLARE_MODEL(IZG)
 void read_param_IZG_db(records::line_reader &lines);
 
-} // namespace OSTREL_VISIBLE
+} // namespace ideal_Z_gas

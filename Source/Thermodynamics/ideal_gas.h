@@ -13,20 +13,10 @@
 
 namespace ideal_gas OSTREL_VISIBLE {
 
-struct parameters {
-    static constexpr std::size_t terms = 0;
+struct parameters : separated_attraction::no_attraction {
     double Rgas = 0;
 
-    double covolume() const { return 0; }
     double repulsion() const { return Rgas; }
-    template <class Real>
-    separated_attraction::factors<Real, terms> q(Real) const {
-        return {};
-    }
-    template <class Real>
-    separated_attraction::factors<Real, terms> f(Real) const {
-        return {};
-    }
 };
 
 /// Completes the fluid's reference point; never fails.
@@ -35,4 +25,4 @@ void initialise(parameters &p, gas_properties::gas_constants &fluid, records::er
 extern parameters active;
 OSTREL_DECLARE_MODEL(IG)
 
-} // namespace OSTREL_VISIBLE
+} // namespace ideal_gas

@@ -290,4 +290,4 @@ void write_param_ideal_specific_heat(records::record_writer &unit);
 /// Initialises the module for the active fluid; each reading is followed by exactly one call.
 void init_ideal_specific_heat();
 
-} // namespace OSTREL_VISIBLE
+} // namespace ideal_specific_heat

@@ -48,7 +48,21 @@ inline ideal_part active_ideal_part() {
 ///   covolume()     b in v_ref
 ///   repulsion()    the factor of T/(v - b), Rgas for most
 ///   q(T), f(v)     the factors of its terms
-/// All that is wanted at one (T, v) comes from one evaluation of them.
+/// Models without attraction derive from this, which leaves them `repulsion`.
+struct no_attraction {
+    static constexpr std::size_t terms = 0;
+    static double covolume() { return 0; }
+    template <class Real>
+    static factors<Real, terms> q(Real) {
+        return {};
+    }
+    template <class Real>
+    static factors<Real, terms> f(Real) {
+        return {};
+    }
+};
+
+/// One state of a model: all that is wanted at one (T, v) comes from one evaluation of q and f.
 template <class Model, class Real>
 struct state_point {
     static constexpr std::size_t terms = Model::terms;

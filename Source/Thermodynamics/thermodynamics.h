@@ -63,4 +63,4 @@ void write_param_thermodynamics(records::record_writer &unit);
 /// first of them that leaves a message in errmsg.
 void init_thermodynamics();
 
-} // namespace OSTREL_VISIBLE
+} // namespace thermodynamics

@@ -34,4 +34,4 @@ void read_param_transport_properties(records::file_reader &unit);
 void read_param_transport_propertiesdb(records::line_reader &lines);
 void write_param_transport_propert(records::record_writer &unit);
 
-} // namespace OSTREL_VISIBLE
+} // namespace transport_properties
