@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -82,7 +83,7 @@ double quality(double q, const gas_constants &) {
     return q;
 }
 
-/// Finds reduced (T, v) from the two reduced inputs; null while there is no solver for the pair.
+/// Finds reduced (T, v) from the two reduced inputs; failures are left in the shared error text.
 using solver = void (*)(double in1, double in2, double &T, double &v);
 
 struct input_pair {
@@ -92,21 +93,75 @@ struct input_pair {
     solver solve;
 };
 
-void take_t_v(double in1, double in2, double &T_found, double &v_found) {
+/// A solver for one of the two that takes the other as it is.
+template <double (*T__x_v)(double, double, std::optional<double>)>
+void T_from_x_v(double x, double v_given, double &T_found, double &v_found) {
+    v_found = v_given;
+    T_found = T__x_v(x, v_given, {});
+}
+template <double (*T__x_v)(double, double, std::optional<double>)>
+void T_from_v_x(double v_given, double x, double &T_found, double &v_found) {
+    T_from_x_v<T__x_v>(x, v_given, T_found, v_found);
+}
+void T_v(double in1, double in2, double &T_found, double &v_found) {
     T_found = in1;
     v_found = in2;
 }
+void v_from_p_t(double p, double t, double &T_found, double &v_found) {
+    T_found = t;
+    v_found = thermodynamics::v__P_T(p, t);
+}
+void v_from_t_s(double t, double s, double &T_found, double &v_found) {
+    T_found = t;
+    v_found = thermodynamics::v__s_T(s, t);
+}
+/// The volume from both inputs, and only if that went well the temperature from the volume.
+template <double (*v__y_x)(double, double, std::optional<double>, std::optional<double>)>
+void from_p_y(double p, double y, double &T_found, double &v_found) {
+    v_found = v__y_x(y, p, {}, {});
+    if (shared_errmsg().clear())
+        T_found = thermodynamics::T__P_v(p, v_found);
+}
+void from_h_s(double h, double s, double &T_found, double &v_found) {
+    v_found = thermodynamics::v__h_s(h, s);
+    if (shared_errmsg().clear())
+        T_found = thermodynamics::T__h_v(h, v_found);
+}
+void from_p_q(double p, double q, double &T_found, double &v_found) {
+    double v_g = 0;
+    double v_l = 0;
+    thermodynamics::saturation__P(p, T_found, v_g, v_l);
+    if (shared_errmsg().clear())
+        v_found = v_l + q * (v_g - v_l);
+}
+void from_t_q(double t, double q, double &T_found, double &v_found) {
+    double P = 0;
+    double v_g = 0;
+    double v_l = 0;
+    T_found = t;
+    thermodynamics::saturation__T(t, P, v_g, v_l);
+    if (shared_errmsg().clear())
+        v_found = v_l + q * (v_g - v_l);
+}
 
 constexpr input_pair input_pairs[] = {
-    {"tv", temperature, volume, take_t_v},  {"td", temperature, density, take_t_v},
-    {"pt", pressure, temperature, nullptr}, {"pv", pressure, volume, nullptr},
-    {"pd", pressure, density, nullptr},     {"ph", pressure, energy, nullptr},
-    {"ps", pressure, entropy, nullptr},     {"pq", pressure, quality, nullptr},
-    {"ts", temperature, entropy, nullptr},  {"tq", temperature, quality, nullptr},
-    {"vh", volume, energy, nullptr},        {"vs", volume, entropy, nullptr},
-    {"vu", volume, energy, nullptr},        {"dh", density, energy, nullptr},
-    {"ds", density, entropy, nullptr},      {"du", density, energy, nullptr},
-    {"hs", energy, entropy, nullptr},
+    {"tv", temperature, volume, T_v},
+    {"td", temperature, density, T_v},
+    {"pt", pressure, temperature, v_from_p_t},
+    {"pv", pressure, volume, T_from_x_v<thermodynamics::T__P_v>},
+    {"pd", pressure, density, T_from_x_v<thermodynamics::T__P_v>},
+    {"ph", pressure, energy, from_p_y<thermodynamics::v__h_P>},
+    {"ps", pressure, entropy, from_p_y<thermodynamics::v__s_P>},
+    {"pq", pressure, quality, from_p_q},
+    {"ts", temperature, entropy, v_from_t_s},
+    {"tq", temperature, quality, from_t_q},
+    {"vh", volume, energy, T_from_v_x<thermodynamics::T__h_v>},
+    {"vs", volume, entropy, T_from_v_x<thermodynamics::T__s_v>},
+    {"vu", volume, energy, T_from_v_x<thermodynamics::T__e_v>},
+    {"dh", density, energy, T_from_v_x<thermodynamics::T__h_v>},
+    {"ds", density, entropy, T_from_v_x<thermodynamics::T__s_v>},
+    {"du", density, energy, T_from_v_x<thermodynamics::T__e_v>},
+    {"hs", energy, entropy, from_h_s},
 };
 
 // Outputs at the reduced state, scaled back to SI.
@@ -237,7 +292,7 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
 
 void get_tv(std::string_view inputspec, double input1, double input2, double &T_found, double &v_found) {
     const input_pair *const pair = find(input_pairs, inputspec);
-    if (pair == nullptr || pair->solve == nullptr) {
+    if (pair == nullptr) {
         shared_errmsg().report({"Ostrel error: calculation as function of ", inputspec, " not available."});
         return;
     }

@@ -21,11 +21,16 @@
     USE(what, d2P__dT2_dv2, 4)             \
     USE(what, d2e__dT2_dv2, 4)
 
-/// gas_type, module and suffix of the models.
-#define OSTREL_MODELS(USE, what)        \
-    USE(what, 1, ideal_gas, IG)         \
-    USE(what, 7, clausius_II_gas, CIIG) \
-    USE(what, 8, ideal_Z_gas, IZG)
+/// gas_type, module and suffix of the models, their short names of 3 and their long names of 29 characters.
+#define OSTREL_MODELS(USE, what)                                                        \
+    USE(what, 1, ideal_gas, IG, "IG ", "IDEAL GAS MODEL              ")                 \
+    USE(what, 2, van_der_waals_gas, vdWG, "VDW", "VAN DER WAALS GAS MODEL      ")       \
+    USE(what, 3, martin_hou_gas, MHG, "MH ", "MARTIN-HOU GAS MODEL         ")           \
+    USE(what, 4, soave_redlich_kwong_gas, SRKG, "SRK", "SOAVE-REDLICH-KWONG GAS MODEL") \
+    USE(what, 5, peng_robinson_gas, PRG, "PR ", "PENG-ROBINSON GAS MODEL      ")        \
+    USE(what, 6, redlich_kwong_gas, RKG, "RK ", "REDLICH-KWONG GAS MODEL      ")        \
+    USE(what, 7, clausius_II_gas, CIIG, "CII", "CLAUSIUS II GAS MODEL        ")         \
+    USE(what, 8, ideal_Z_gas, IZG, "IZG", "IDEAL Z GAS MODEL            ")
 
 /// The operation set of a model in its header. OSTREL_DECLARE_MODEL(CIIG) becomes
 ///   void read_param_CIIG(records::record_reader &unit);   void write_param_CIIG(records::record_writer &unit);

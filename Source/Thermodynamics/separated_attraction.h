@@ -68,14 +68,15 @@ struct state_point {
     static constexpr std::size_t terms = Model::terms;
 
     Real T;
+    Real v;
     Real w;           ///< v - b
     double repulsion; ///< factor of T/(v - b)
     factors<Real, terms> qq;
     factors<Real, terms> ff;
 
     state_point(const Model &model, Real temperature, Real volume)
-        : T(temperature), w(volume - model.covolume()), repulsion(model.repulsion()), qq(model.q(temperature)),
-          ff(model.f(volume)) {}
+        : T(temperature), v(volume), w(volume - model.covolume()), repulsion(model.repulsion()),
+          qq(model.q(temperature)), ff(model.f(volume)) {}
 
     /// Sum over the terms of a product formed from q, q', q'', q''' and f, f', f'', f'''.
     template <class Term>

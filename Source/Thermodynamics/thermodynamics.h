@@ -9,6 +9,7 @@
 #include "Thermodynamics/operations.h"
 
 #include <optional>
+#include <vector>
 
 namespace thermodynamics OSTREL_VISIBLE {
 
@@ -45,15 +46,81 @@ extended_state eos_ext__T_v(double T, double v);
 void eos_ext__e_v(double e, double v, extended_state &result, std::optional<double> T_start = {});
 extended_state eos_ext__eos(const basic_state &state);
 
-// Derived properties.
-/// Enthalpy e + P v.
-double h__T_v(double T, double v);
-/// (dP/d(rho e) at constant rho, dP/d(rho) at constant rho e), rho = 1/v.
-std::array<double, 2> dP__dre_dr__T_v(double T, double v);
+// Derived properties at (T, v).
+using pair = std::array<double, 2>;
+using matrix = std::array<double, 4>; ///< column order
 
-// Solvers.
-/// Temperature from energy and volume.
-double T__e_v(double e, double v, std::optional<double> T_start = {});
+double h__T_v(double T, double v);  ///< enthalpy e + P v
+double mu__T_v(double T, double v); ///< Gibbs free energy per unit mass
+double c2__T_v(double T, double v); ///< square of the speed of sound
+double c__T_v(double T, double v);  ///< speed of sound
+double cp__T_v(double T, double v); ///< isobaric heat capacity
+double G__T_v(double T, double v);  ///< fundamental derivative
+pair dh__dT_dv(double T, double v);
+pair ds__dT_dv(double T, double v);
+pair dmu__dT_dv(double T, double v);
+pair dT__dP_dv__T_v(double T, double v); ///< ((dT/dP)_v, (dT/dv)_P), and so on
+pair de__dP_dv__T_v(double T, double v);
+pair ds__dP_dv__T_v(double T, double v);
+pair dP__de_dr__T_v(double T, double v);       ///< ((dP/de)_rho, (dP/drho)_e), rho = 1/v
+pair dP__dre_dr__T_v(double T, double v);      ///< ((dP/d(rho e))_rho, (dP/drho)_(rho e))
+matrix d2P__dre2_dr2__T_v(double T, double v); ///< second derivatives of P in (rho e, rho)
+matrix d2P__dre_dr__dT_dv(double T, double v); ///< the pair (A, B) of dP__dre_dr__T_v: (A_T, B_T, A_v, B_v)
+
+// The same at other pairs, after a search from `start` if given; left unchanged if a message stands then.
+using start_value = std::optional<double>;
+void mu__P_v(double P, double v, double &result, start_value start = {});
+void c__P_v(double P, double v, double &result, start_value start = {});
+void G__P_v(double P, double v, double &result, start_value start = {});
+void dT__dP_dv(double P, double v, pair &result, start_value start = {});
+void de__dP_dv(double P, double v, pair &result, start_value start = {});
+void ds__dP_dv(double P, double v, pair &result, start_value start = {});
+void dmu__dP_dv(double P, double v, pair &result, start_value start = {});
+void dP__de_dr(double e, double v, pair &result, start_value start = {});
+void dP__dre_dr(double e, double v, pair &result, start_value start = {});
+void d2P__dre2_dr2(double e, double v, matrix &result, start_value start = {});
+void dP__ds_dv(double s, double v, pair &result, start_value start = {}); ///< ((dP/ds)_v, (dP/dv)_s)
+void dP__ds_dT(double s, double T, pair &result, start_value start = {}); ///< ((dP/ds)_T, (dP/dT)_s)
+void dv__ds_dT(double s, double T, pair &result, start_value start = {}); ///< ((dv/ds)_T, (dv/dT)_s)
+
+// Solvers: Newton's method from the given first values, else from ideal-gas ones. After a failure the last
+// iterate, and a message in errmsg.
+double T__e_v(double e, double v, start_value T = {});
+double T__P_v(double P, double v, start_value T = {});
+double v__P_T(double P, double T, start_value v = {});
+double T__s_v(double s, double v, start_value T = {});
+double v__s_T(double s, double T, start_value v = {});
+double T__h_v(double h, double v, start_value T = {});
+double T__c_v(double c, double v, start_value T = {});
+double v__h_P(double h, double P, start_value T = {}, start_value v = {});
+double v__s_P(double s, double P, start_value T = {}, start_value v = {});
+double v__h_s(double h, double s, start_value T = {}, start_value v = {});
+// A solver and an evaluation at its result: 0 if a message stands after the solve.
+double P__e_v(double e, double v, start_value T = {});
+double P__s_T(double s, double T, start_value v = {});
+double P__c_v(double c, double v, start_value T = {});
+double P__h_v(double h, double v, start_value T = {});
+double e__P_v(double P, double v, start_value T = {});
+double s__P_v(double P, double v, start_value T = {});
+
+// Saturation. The table of the curve is built by the first request and kept, also for later fluids.
+extern std::vector<double> TTs;  ///< saturation temperatures, decreasing from the critical point
+extern std::vector<double> PPs;  ///< saturation pressures
+extern std::vector<double> vvls; ///< saturated-liquid volumes
+extern std::vector<double> vvgs; ///< saturated-vapor volumes
+/// Builds the table anew.
+void init_saturation_curves();
+/// Saturated states at a temperature or a pressure; `success` is set false where Newton's method fails.
+void saturation__T(double T, double &P, double &v_g, double &v_l, bool *success = nullptr);
+void saturation__P(double P, double &T, double &v_g, double &v_l, bool *success = nullptr);
+/// Neighbours i1, i2 (from 1) of x in a monotonic vector, and the weight w of the second.
+void seek_in_vector(double x, std::span<const double> xx, std::int32_t &i1, std::int32_t &i2, double &w);
+/// Fill arrays of one length with a curve from the critical point to T_end (P_end), closest next to the
+/// critical point; with `success` given they stop at the first point that fails.
+void saturation_curves_T(std::span<double> T, std::span<double> v_g, std::span<double> v_l, std::span<double> P,
+                         double T_end, bool *success = nullptr);
+void saturation_curves_P(std::span<double> P, std::span<double> v_g, std::span<double> v_l, std::span<double> T,
+                         double P_end, bool *success = nullptr);
 
 // The model's part of a parameter file, or of a fluid database's lines.
 void read_param_thermodynamics(records::file_reader &unit);

@@ -1,22 +1,82 @@
 // SPDX-License-Identifier: MIT
-// Derived properties: the chain rule on the model's exact derivatives in (T, v).
-#include "Thermodynamics/thermodynamics.h"
+// Derived properties of the active model: at (T, v), and at other pairs after the search for T or v.
+#include "Thermodynamics/derived_properties.h"
+#include "Thermodynamics/model_choice.h"
 
 namespace thermodynamics {
 
-double h__T_v(double T, double v) {
-    return e__T_v(T, v) + P__T_v(T, v) * v;
+using ideal_specific_heat::errmsg;
+
+namespace {
+
+/// Without a model pressure, energy, entropy and their derivatives are zero.
+const ideal_gas::parameters no_model{};
+const ideal_specific_heat::heat_capacity no_heat = [] {
+    ideal_specific_heat::heat_capacity heat;
+    heat.Rgas = heat.P_ref = heat.v_ref = 1.0;
+    return heat;
+}();
+
+/// A derived property of the active model at (T, v); without a model, what the formula makes of zeros.
+template <class Evaluation>
+auto at_state(double T, double v, Evaluation evaluate) {
+    const auto evaluate_with = [&](const auto &model, const separated_attraction::ideal_part &ideal) {
+        const separated_attraction::state_point point(model, T, v);
+        return evaluate(derived_properties::properties<std::remove_cvref_t<decltype(point)>>{point, ideal});
+    };
+    if (gas_type < 1 || gas_type > 8)
+        return evaluate_with(no_model, {no_heat, 0.0, 0.0});
+    return with_model(
+        [&](const auto &model) { return evaluate_with(model, separated_attraction::active_ideal_part()); },
+        decltype(evaluate_with(no_model, {no_heat, 0.0, 0.0})){});
 }
 
-std::array<double, 2> dP__dre_dr__T_v(double T, double v) {
-    std::array<double, 2> dP{};
-    std::array<double, 2> de{};
-    dP__dT_dv(T, v, dP);
-    de__dT_dv(T, v, de);
-    const double e = e__T_v(T, v);
-    const double v2 = v * v;
-    // rho e = e/v, so that d(rho e)/dT = e_T/v and d(rho e)/dv = e_v/v - e/v^2; d(rho)/dv = -1/v^2.
-    return {dP[0] / (de[0] / v), (dP[1] - dP[0] * ((de[1] / v - e / v2) / (de[0] / v))) / (-1.0 / v2)};
-}
+} // namespace
+
+// double h__T_v(double T, double v) and so on.
+#define OSTREL_AT_T_V(Result, operation, member)                         \
+    Result operation(double T, double v) {                               \
+        return at_state(T, v, [](const auto &p) { return p.member(); }); \
+    }
+OSTREL_AT_T_V(double, h__T_v, h)
+OSTREL_AT_T_V(double, mu__T_v, mu)
+OSTREL_AT_T_V(double, c2__T_v, c2)
+OSTREL_AT_T_V(double, c__T_v, c)
+OSTREL_AT_T_V(double, cp__T_v, cp)
+OSTREL_AT_T_V(double, G__T_v, G)
+OSTREL_AT_T_V(pair, dh__dT_dv, dh)
+OSTREL_AT_T_V(pair, ds__dT_dv, ds)
+OSTREL_AT_T_V(pair, dmu__dT_dv, dmu)
+OSTREL_AT_T_V(pair, dT__dP_dv__T_v, dT_in_P_v)
+OSTREL_AT_T_V(pair, de__dP_dv__T_v, de_in_P_v)
+OSTREL_AT_T_V(pair, ds__dP_dv__T_v, ds_in_P_v)
+OSTREL_AT_T_V(pair, dP__de_dr__T_v, dP_in_e_r)
+OSTREL_AT_T_V(pair, dP__dre_dr__T_v, dP_in_re_r)
+OSTREL_AT_T_V(matrix, d2P__dre2_dr2__T_v, d2P_in_re_r)
+OSTREL_AT_T_V(matrix, d2P__dre_dr__dT_dv, dP_in_re_r_gradient)
+
+// void c__P_v(double P, double v, double &result, std::optional<double> T_start) and so on: the search, and
+// the property at its end unless a message stands.
+#define OSTREL_AFTER_SEARCH(Result, operation, first, second, search, T, v, member)            \
+    void operation(double first, double second, Result &result, std::optional<double> start) { \
+        const double found = search(first, second, start);                                     \
+        if (errmsg.clear())                                                                    \
+            result = at_state(T, v, [](const auto &p) { return p.member(); });                 \
+    }
+#define OSTREL_AT_P_V(Result, operation, member) OSTREL_AFTER_SEARCH(Result, operation, P, v, T__P_v, found, v, member)
+#define OSTREL_AT_E_V(Result, operation, member) OSTREL_AFTER_SEARCH(Result, operation, e, v, T__e_v, found, v, member)
+OSTREL_AT_P_V(double, mu__P_v, mu)
+OSTREL_AT_P_V(double, c__P_v, c)
+OSTREL_AT_P_V(double, G__P_v, G)
+OSTREL_AT_P_V(pair, dT__dP_dv, dT_in_P_v)
+OSTREL_AT_P_V(pair, de__dP_dv, de_in_P_v)
+OSTREL_AT_P_V(pair, ds__dP_dv, ds_in_P_v)
+OSTREL_AT_P_V(pair, dmu__dP_dv, dmu_in_P_v)
+OSTREL_AT_E_V(pair, dP__de_dr, dP_in_e_r)
+OSTREL_AT_E_V(pair, dP__dre_dr, dP_in_re_r)
+OSTREL_AT_E_V(matrix, d2P__dre2_dr2, d2P_in_re_r)
+OSTREL_AFTER_SEARCH(pair, dP__ds_dv, s, v, T__s_v, found, v, dP_in_s_v)
+OSTREL_AFTER_SEARCH(pair, dP__ds_dT, s, T, v__s_T, T, found, dP_in_s_T)
+OSTREL_AFTER_SEARCH(pair, dv__ds_dT, s, T, v__s_T, T, found, dv_in_s_T)
 
 } // namespace thermodynamics

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The choice of the model, the reference state, and the state vectors.
-#include "Thermodynamics/clausius_II_gas.h"
-#include "Thermodynamics/ideal_Z_gas.h"
-#include "Thermodynamics/ideal_gas.h"
-#include "Thermodynamics/thermodynamics.h"
+#include "Thermodynamics/model_choice.h"
 
 #include <cmath>
 
@@ -13,11 +10,11 @@ using gas_properties::gas;
 using ideal_specific_heat::errmsg;
 
 std::int32_t gas_type = 0;
-const std::array<std::string_view, 8> gas_short_names = {"IG ", "VDW", "MH ", "SRK", "PR ", "RK ", "CII", "IZG"};
-const std::array<std::string_view, 8> gas_names = {"IDEAL GAS MODEL              ", "VAN DER WAALS GAS MODEL      ",
-                                                   "MARTIN-HOU GAS MODEL         ", "SOAVE-REDLICH-KWONG GAS MODEL",
-                                                   "PENG-ROBINSON GAS MODEL      ", "REDLICH-KWONG GAS MODEL      ",
-                                                   "CLAUSIUS II GAS MODEL        ", "IDEAL Z GAS MODEL            "};
+// In the order of gas_type: an array too short for a row, or a row too few, does not compile.
+#define OSTREL_SHORT_NAME(unused, type, module, X, short_name, long_name) std::string_view(short_name),
+#define OSTREL_LONG_NAME(unused, type, module, X, short_name, long_name)  std::string_view(long_name),
+const std::array<std::string_view, 8> gas_short_names = std::to_array({OSTREL_MODELS(OSTREL_SHORT_NAME, )});
+const std::array<std::string_view, 8> gas_names = std::to_array({OSTREL_MODELS(OSTREL_LONG_NAME, )});
 double Tmin = 0;
 double Pmin = 0;
 double vmin = 0;
@@ -30,8 +27,8 @@ double vmin = 0;
 //       default: return 0.0;
 //       }
 //   }
-#define OSTREL_SCALAR_CASE(operation, type, module, X) \
-    case type:                                         \
+#define OSTREL_SCALAR_CASE(operation, type, module, X, ...) \
+    case type:                                              \
         return module::operation##__##X(T, v);
 #define OSTREL_DISPATCH_SCALAR(unused, operation)        \
     double operation(double T, double v) {               \
@@ -41,9 +38,9 @@ double vmin = 0;
             return 0.0;                                  \
         }                                                \
     }
-#define OSTREL_ARRAY_CASE(operation, type, module, X) \
-    case type:                                        \
-        result = module::operation##__##X(T, v);      \
+#define OSTREL_ARRAY_CASE(operation, type, module, X, ...) \
+    case type:                                             \
+        result = module::operation##__##X(T, v);           \
         break;
 #define OSTREL_DISPATCH_ARRAY(unused, operation, size)                     \
     void operation(double T, double v, std::array<double, size> &result) { \
@@ -57,8 +54,8 @@ OSTREL_SCALAR_OPERATIONS(OSTREL_DISPATCH_SCALAR, )
 OSTREL_ARRAY_OPERATIONS(OSTREL_DISPATCH_ARRAY, )
 
 double minimum_specific_volume() {
-#define OSTREL_MINIMUM_CASE(unused, type, module, X) \
-    case type:                                       \
+#define OSTREL_MINIMUM_CASE(unused, type, module, X, ...) \
+    case type:                                            \
         return module::minimum_specific_volume__##X();
     switch (gas_type) {
         OSTREL_MODELS(OSTREL_MINIMUM_CASE, )
@@ -70,24 +67,21 @@ double minimum_specific_volume() {
 namespace {
 
 void init_model() {
-#define OSTREL_INIT_CASE(unused, type, module, X) \
-    case type:                                    \
-        module::init_##X();                       \
+#define OSTREL_INIT_CASE(unused, type, module, X, ...) \
+    case type:                                         \
+        module::init_##X();                            \
         break;
     switch (gas_type) {
         OSTREL_MODELS(OSTREL_INIT_CASE, )
     default:
-        if (gas_type >= 1 && gas_type <= 8)
-            errmsg.report({"Ostrel error: the ", records::trimmed(gas_names[static_cast<std::size_t>(gas_type) - 1]),
-                           " is not available in this version."});
         break;
     }
 }
 
 void read_param_model(records::record_reader &unit) {
-#define OSTREL_READ_CASE(unused, type, module, X) \
-    case type:                                    \
-        module::read_param_##X(unit);             \
+#define OSTREL_READ_CASE(unused, type, module, X, ...) \
+    case type:                                         \
+        module::read_param_##X(unit);                  \
         break;
     switch (gas_type) {
         OSTREL_MODELS(OSTREL_READ_CASE, )
@@ -97,9 +91,9 @@ void read_param_model(records::record_reader &unit) {
 }
 
 void write_param_model(records::record_writer &unit) {
-#define OSTREL_WRITE_CASE(unused, type, module, X) \
-    case type:                                     \
-        module::write_param_##X(unit);             \
+#define OSTREL_WRITE_CASE(unused, type, module, X, ...) \
+    case type:                                          \
+        module::write_param_##X(unit);                  \
         break;
     switch (gas_type) {
         OSTREL_MODELS(OSTREL_WRITE_CASE, )

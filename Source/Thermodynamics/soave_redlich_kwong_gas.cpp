@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "Thermodynamics/soave_redlich_kwong_gas.h"
+
+namespace soave_redlich_kwong_gas {
+
+parameters active;
+
+void initialise(parameters &p, gas_properties::gas_constants &fluid, records::error_text &message) {
+    if (!fluid.vapor) {
+        report_not_a_vapor(message, fluid, "Soave-Redlich-Kwong model is not applicable. ",
+                           "In init_SRKG, module soave_redlich_kwong_gas.");
+        return;
+    }
+    const double Tc = fluid.Tc;
+    const double Pc = fluid.Pc;
+    const double RTc = fluid.R * Tc;
+    p.Rgas = fluid.R;
+    p.c_a = (RTc * RTc) * 0.4274802335403413 / Pc;
+    p.b = Tc * 0.08664034996495773 * p.Rgas / Pc;
+    p.fw = 0.48 + (1.574 - 0.176 * fluid.omega) * fluid.omega;
+    const double a_Tc = p.c_a * (1.0 + p.fw * (1.0 - std::sqrt(Tc / Tc)));
+    const double v = cubic_attraction::critical_volume(fluid, p.b, a_Tc, cubic_attraction::redlich_kwong_denominator,
+                                                       1e-14, " ERROR:  v__P_T__SRKG. STOP", message);
+    if (!message.clear())
+        return;
+    p.Zc = Pc * v / (p.Rgas * Tc);
+    set_critical_reference(fluid, v, p.Zc);
+    p.Rgas = 1.0;
+    p.b = p.b / v;
+    p.c_a = p.c_a / (v * Pc * v);
+}
+
+OSTREL_NO_PARAMETERS(SRKG)
+OSTREL_DEFINE_MODEL(SRKG)
+OSTREL_DEFINE_FACTORS(SRKG)
+
+} // namespace soave_redlich_kwong_gas
