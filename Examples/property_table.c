@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: MIT */
-/* Prints properties of a fluid over a row of temperatures at one density.
+/* Prints properties of a fluid over a row of temperatures at one density, and its saturation line.
  *
  *   property_table [FLUID [DENSITY_KG_M3 [FIRST_K LAST_K]]]
  */
@@ -68,6 +68,33 @@ static double constant(const char *fluid, const char *name) {
     return value;
 }
 
+/* Saturated liquid and vapor over a row of temperatures; says so where the model has no such states. */
+static void saturation_table(const char *fluid) {
+    static const char *const titles[] = {"T", "p_sat", "d_liquid", "d_vapor", "h_vapor"};
+    static const char *const units[] = {"K", "kPa", "kg/m3", "kg/m3", "kJ/kg"};
+    const double critical = constant(fluid, "t_crit");
+    const double vapor = 1, liquid = 0;
+
+    printf("\nSaturation\n");
+    for (int c = 0; c < 5; ++c)
+        printf("%*s", c == 0 ? 7 : 11, titles[c]);
+    putchar('\n');
+    for (int c = 0; c < 5; ++c)
+        printf("%*s", c == 0 ? 7 : 11, units[c]);
+    putchar('\n');
+    for (int row = 0; row < rows; ++row) {
+        const double t = critical * (0.75 + 0.04 * row);
+        char text[256];
+        const double p = ostrel_prop(fluid, "tq", &t, &vapor, "p", text, strlen(fluid), 2, 1, sizeof text);
+        if (strncmp(text, "No errors", 9) != 0) {
+            printf("%.*s\n", text_length(text, (int)sizeof text), text);
+            return;
+        }
+        printf("%7.2f%11.3f%11.3f%11.3f%11.3f\n", t, p * 1e-3, property(fluid, "tq", t, liquid, "d"),
+               property(fluid, "tq", t, vapor, "d"), property(fluid, "tq", t, vapor, "h") * 1e-3);
+    }
+}
+
 int main(int argc, char **argv) {
     const char *fluid = argc > 1 ? argv[1] : "toluene";
     const double density = argc > 2 ? atof(argv[2]) : 5.0;
@@ -90,5 +117,6 @@ int main(int argc, char **argv) {
                    property(fluid, "td", t, density, columns[c].output) * columns[c].scale);
         putchar('\n');
     }
+    saturation_table(fluid);
     return 0;
 }
