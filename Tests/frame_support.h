@@ -72,17 +72,31 @@ inline std::string failed_open(int code) {
     return " IOSTAT returned " + std::string(12 - digits.size(), ' ') + digits;
 }
 
-/// The 17 input pairs and whether there is a solver for them.
-struct pair_case {
-    const char *code;
-    bool served;
-};
-inline constexpr pair_case pair_cases[] = {
-    {"tv", true},  {"td", true},  {"pt", false}, {"pv", false}, {"pd", false}, {"ph", false},
-    {"ps", false}, {"pq", false}, {"ts", false}, {"tq", false}, {"vh", false}, {"vs", false},
-    {"vu", false}, {"dh", false}, {"ds", false}, {"du", false}, {"hs", false},
-};
-static_assert(std::size(pair_cases) == 17);
+/// The 17 input pairs.
+inline constexpr const char *pair_codes[] = {"tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts",
+                                             "tq", "vh", "vs", "vu", "dh", "ds", "du", "hs"};
+static_assert(std::size(pair_codes) == 17);
+
+/// What may stand in the error text after a pair was to be solved.
+inline bool of_a_solver(std::string_view text) {
+    return text.starts_with("ERROR: in ") || text.starts_with("Saturation ") ||
+           text.starts_with("Temperature out of range: ") || text.starts_with("Pressure out of range: ") ||
+           text.starts_with("Newton method failed to converge in subroutine saturation_") ||
+           text == "No solution has been found in subroutine init_saturation_curves." ||
+           text == " Matrix A is singular. In FUNCTION inverse, MODULE lin_algebra. STOP";
+}
+
+/// The two SI values of a pair at a state: of a single phase, or of the saturated vapor where the pair asks for
+/// a quality.
+inline std::pair<double, double> inputs_at(std::string_view fluid, std::string_view code, double t, double d) {
+    const bool saturated = code[1] == 'q';
+    const auto value = [&](char letter) {
+        if (letter == 'q')
+            return 1.0;
+        return ask(fluid, saturated ? "tq" : "td", t, saturated ? 1.0 : d, std::string_view(&letter, 1)).value;
+    };
+    return {value(code[0]), value(code[1])};
+}
 
 /// The 16 outputs, whether they are computed, and whether they are served at any quality.
 struct output_case {
@@ -103,8 +117,11 @@ inline std::vector<std::string> shipped_fluids() {
     std::vector<std::string> names;
     for (const auto &entry : std::filesystem::directory_iterator(OSTREL_TESTS "/../Fluids"))
         if (entry.path().extension() == ".osd")
-            names.push_back(entry.path().stem().string());
+            names.push_back(entry.path().filename().string());
+    // In the order of the file names, in which a point counts.
     std::sort(names.begin(), names.end());
+    for (std::string &name : names)
+        name.erase(name.rfind('.'));
     return names;
 }
 

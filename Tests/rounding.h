@@ -25,6 +25,7 @@ struct tracked {
     tracked(double computed, double error) : value(computed), bound(error) {}
 
     tracked &operator+=(const tracked &other) { return *this = *this + other; }
+    tracked &operator*=(const tracked &other) { return *this = *this * other; }
 
     friend tracked operator-(const tracked &a) { return {-a.value, a.bound}; }
     friend tracked operator+(const tracked &a, const tracked &b) {
@@ -49,6 +50,10 @@ struct tracked {
         return from_library(value, std::abs(exponent * value / a.value) * a.bound);
     }
     friend tracked pow(const tracked &a, const tracked &exponent) { return pow(a, exponent.value); }
+    friend tracked sqrt(const tracked &a) {
+        const double value = std::sqrt(a.value);
+        return rounded(value, a.bound / (2 * value));
+    }
     friend double real_part(const tracked &a) { return a.value; }
 
 private:
@@ -62,18 +67,61 @@ inline void expect_same(const tracked &a, const tracked &b) {
     EXPECT_LE(std::abs(a.value - b.value), allowed) << a.value << " and " << b.value;
 }
 
-/// df/dx by the complex step: exact to rounding, for there is no difference to cancel.
+/// df/dx by the complex step: exact but for the rounding of f's own steps, for there is no difference of f
+/// to cancel.
 template <class Function>
 double complex_step(Function f, double x) {
     constexpr double step = 1e-40;
     return f(std::complex<double>(x, step)).imag() / step;
 }
 
-/// Checks a derivative against its complex step. The step goes through the same terms with a few more
-/// operations each, so it is given three times the error of the derivative; for a derivative whose terms
-/// do not cancel all of this is some 1e-15 of its value.
-inline void expect_derivative(const tracked &analytic, double stepped) {
-    expect_same(analytic, {stepped, 3 * analytic.bound});
+/// A value and its derivative, computed with the rules of calculus: what the real and the imaginary part of a
+/// complex step are to first order. It finds the rounding error of a step, which can be large where the
+/// derivatives of a function's parts cancel.
+struct dual {
+    tracked value = 0;
+    tracked slope = 0;
+
+    dual() = default;
+    dual(double constant) : value(constant) {}
+    dual(const tracked &value_, const tracked &slope_) : value(value_), slope(slope_) {}
+
+    dual &operator+=(const dual &other) { return *this = *this + other; }
+    dual &operator*=(const dual &other) { return *this = *this * other; }
+
+    friend dual operator-(const dual &a) { return {-a.value, -a.slope}; }
+    friend dual operator+(const dual &a, const dual &b) { return {a.value + b.value, a.slope + b.slope}; }
+    friend dual operator-(const dual &a, const dual &b) { return {a.value - b.value, a.slope - b.slope}; }
+    friend dual operator*(const dual &a, const dual &b) {
+        return {a.value * b.value, a.value * b.slope + a.slope * b.value};
+    }
+    friend dual operator/(const dual &a, const dual &b) {
+        return {a.value / b.value, (a.slope * b.value - a.value * b.slope) / (b.value * b.value)};
+    }
+    friend bool operator==(const dual &a, const dual &b) { return a.value == b.value; }
+    friend dual exp(const dual &a) { return {exp(a.value), exp(a.value) * a.slope}; }
+    friend dual log(const dual &a) { return {log(a.value), a.slope / a.value}; }
+    friend dual sqrt(const dual &a) { return {sqrt(a.value), a.slope / (tracked(2.0) * sqrt(a.value))}; }
+    friend dual pow(const dual &a, double exponent) {
+        const tracked power = exp(exponent * log(a.value));
+        return {power, power * (exponent * a.slope / a.value)};
+    }
+    friend dual pow(const dual &a, const dual &exponent) { return pow(a, exponent.value.value); }
+    friend double real_part(const dual &a) { return a.value.value; }
+};
+
+/// The complex step of f at x with its bound: a complex operation is given three times the error of the rule
+/// of calculus it stands for. Where nothing cancels it is some 1e-15 of the value.
+template <class Function>
+tracked stepped(Function f, double x) {
+    const dual ruled = f(dual(x, 1.0));
+    return {complex_step(f, x), 3 * ruled.slope.bound};
+}
+
+/// Checks a derivative against the complex step of f at x.
+template <class Function>
+void expect_derivative(const tracked &analytic, Function f, double x) {
+    expect_same(analytic, stepped(f, x));
 }
 
 } // namespace support

@@ -3,11 +3,17 @@
 // source, and the models and heat capacities that tables of cases are run over.
 #pragma once
 
+#include "Algebra/lin_algebra.h"
 #include "Tests/support.h"
 #include "Thermodynamics/clausius_II_gas.h"
 #include "Thermodynamics/ideal_Z_gas.h"
 #include "Thermodynamics/ideal_gas.h"
+#include "Thermodynamics/martin_hou_gas.h"
+#include "Thermodynamics/peng_robinson_gas.h"
+#include "Thermodynamics/redlich_kwong_gas.h"
+#include "Thermodynamics/soave_redlich_kwong_gas.h"
 #include "Thermodynamics/transport_properties.h"
+#include "Thermodynamics/van_der_waals_gas.h"
 
 #include <cstdint>
 #include <limits>
@@ -18,17 +24,25 @@ namespace support {
 
 inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
-/// Puts every variable of the thermodynamics at the value it has when the library is loaded.
-inline void fresh_library() {
+/// Puts what a fluid sets at the value it has when the library is loaded.
+inline void fresh_fluid() {
     gas_properties::gas = {};
     ideal_specific_heat::active = {};
     ideal_specific_heat::errmsg.reset();
-#define OSTREL_FRESH_MODEL(unused, type, module, X) module::active = {};
+#define OSTREL_FRESH_MODEL(unused, type, module, X, ...) module::active = {};
     OSTREL_MODELS(OSTREL_FRESH_MODEL, )
 #undef OSTREL_FRESH_MODEL
     transport_properties::active = {};
     thermodynamics::gas_type = 0;
     thermodynamics::Tmin = thermodynamics::Pmin = thermodynamics::vmin = 0;
+}
+
+/// The same for every variable, also those that outlive a fluid.
+inline void fresh_library() {
+    fresh_fluid();
+    for (auto *column : {&thermodynamics::TTs, &thermodynamics::PPs, &thermodynamics::vvls, &thermodynamics::vvgs})
+        column->clear();
+    lin_algebra::linalg_errmsg.reset();
 }
 
 /// Every test starts from the library as just loaded, also when all run in one process.
@@ -149,15 +163,16 @@ struct model_case {
     const char *records; ///< the model's own
 };
 inline const model_case model_cases[] = {
-    {"ideal gas", 1, vapor_fluid, ""},
-    {"ideal gas, reference fluid", 1, reference_fluid, ""},
-    {"Clausius II", 7, vapor_fluid, ""},
-    {"ideal Z gas", 8, vapor_fluid, "0.9\n"},
+    {"ideal gas", 1, vapor_fluid, ""},           {"ideal gas, reference fluid", 1, reference_fluid, ""},
+    {"Clausius II", 7, vapor_fluid, ""},         {"ideal Z gas", 8, vapor_fluid, "0.9\n"},
+    {"van der Waals", 2, vapor_fluid, ""},       {"Martin-Hou", 3, vapor_fluid, ""},
+    {"Soave-Redlich-Kwong", 4, vapor_fluid, ""}, {"Peng-Robinson", 5, vapor_fluid, ""},
+    {"Redlich-Kwong", 6, vapor_fluid, ""},
 };
 
 /// Reads and initialises a fluid; the case must be one that succeeds.
 inline void load(const model_case &model, const heat_case &heat) {
-    fresh_library();
+    fresh_fluid();
     read_well(thermodynamics_section,
               model.fluid + std::to_string(model.gas_type) + "\n" + model.records + heat.records);
     thermodynamics::init_thermodynamics();
@@ -172,9 +187,9 @@ inline bool accepts(const model_case &model, const heat_case &heat) {
 template <class Visit>
 void with_active_model(Visit visit) {
     switch (thermodynamics::gas_type) {
-#define OSTREL_VISIT_MODEL(unused, type, module, X) \
-    case type:                                      \
-        visit(module::active);                      \
+#define OSTREL_VISIT_MODEL(unused, type, module, ...) \
+    case type:                                        \
+        visit(module::active);                        \
         break;
         OSTREL_MODELS(OSTREL_VISIT_MODEL, )
 #undef OSTREL_VISIT_MODEL
@@ -199,12 +214,12 @@ void for_each_loaded(Visit visit) {
 struct state {
     const char *name;
     double T; ///< over the temperature of the reference point
-    double v; ///< over the volume of the reference point
+    double w; ///< volume above the covolume, over that of the reference point
 };
 inline constexpr state states[] = {
     {"dilute, cold", 0.62, 2000.0}, {"dilute", 1.1, 500.0},        {"dilute, hot", 7.3, 3000.0},
-    {"vapor", 0.83, 12.0},          {"compressed", 1.5, 0.7},      {"dense, cold", 0.7, 0.41},
-    {"dense", 1.2, 0.35},           {"dense, hot", 4.1, 0.19},     {"near the covolume", 1.3, 0.1002},
+    {"vapor", 0.83, 12.0},          {"compressed", 1.5, 0.7},      {"dense, cold", 0.7, 0.35},
+    {"dense", 1.2, 0.29},           {"dense, hot", 4.1, 0.11},     {"near the covolume", 1.3, 0.012},
     {"critical", 1.0, 1.0},         {"just below", 0.9999, 1.003}, {"just above", 1.0001, 0.998},
 };
 
@@ -214,7 +229,8 @@ void for_each_state(Visit visit) {
     for_each_loaded([&](const auto &model) {
         for (const state &at : states) {
             SCOPED_TRACE(at.name);
-            visit(model, at.T / gas_properties::gas.Z_ref, at.v);
+            const double b = model.covolume();
+            visit(model, at.T / gas_properties::gas.Z_ref, b + at.w * (1 - b));
         }
     });
 }

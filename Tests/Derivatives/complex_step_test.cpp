@@ -6,10 +6,8 @@
 namespace {
 
 using separated_attraction::active_ideal_part;
-using support::complex_step;
 using support::expect_derivative;
 using support::tracked;
-using complex = std::complex<double>;
 
 /// Calls visit(name, f, gradient): f(model, T, v) is a function and gradient(model, T, v) its (d/dT, d/dv).
 template <class Visit>
@@ -39,8 +37,10 @@ TEST(complex_step, every_derivative_of_every_model_and_heat_capacity) {
         for_each_gradient([&](const char *name, auto f, auto gradient) {
             SCOPED_TRACE(name);
             const auto analytic = gradient(model, tracked(T), tracked(v));
-            expect_derivative(analytic[0], complex_step([&](complex t) { return f(model, t, complex(v)); }, T));
-            expect_derivative(analytic[1], complex_step([&](complex w) { return f(model, complex(T), w); }, v));
+            expect_derivative(
+                analytic[0], [&](auto t) { return f(model, t, decltype(t)(v)); }, T);
+            expect_derivative(
+                analytic[1], [&](auto w) { return f(model, decltype(w)(T), w); }, v);
         });
     });
 }
@@ -68,10 +68,12 @@ TEST(complex_step, the_caloric_integrals) {
             SCOPED_TRACE(T);
             const double t = T / active.T_ref;
             const tracked phip = phip_reduced(active, tracked(t));
-            expect_derivative(phip, complex_step([](complex x) { return phi_reduced(active, x); }, t));
-            expect_derivative(phipp_reduced(active, tracked(t)),
-                              complex_step([](complex x) { return phip_reduced(active, x); }, t));
-            expect_derivative(phip / tracked(t), complex_step([](complex x) { return psi_reduced(active, x); }, t));
+            expect_derivative(
+                phip, [](auto x) { return phi_reduced(active, x); }, t);
+            expect_derivative(
+                phipp_reduced(active, tracked(t)), [](auto x) { return phip_reduced(active, x); }, t);
+            expect_derivative(
+                phip / tracked(t), [](auto x) { return psi_reduced(active, x); }, t);
         }
     });
 }

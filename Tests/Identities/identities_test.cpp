@@ -7,11 +7,10 @@
 namespace {
 
 using separated_attraction::active_ideal_part;
-using support::complex_step;
 using support::expect_derivative;
 using support::expect_same;
+using support::stepped;
 using support::tracked;
-using complex = std::complex<double>;
 
 /// All operations at one state, with the bounds of their rounding errors.
 struct evaluated {
@@ -72,16 +71,16 @@ TEST(identities, mixed_second_derivatives_are_one_number) {
 TEST(identities, entropy_by_the_complex_step) {
     support::for_each_state([](const auto &model, double T, double v) {
         const evaluated at(model, T, v);
-        const auto s = [&](complex t, complex w) {
-            return separated_attraction::s__T_v(model, active_ideal_part(), t, w);
-        };
+        const auto s = [&](auto t, auto w) { return separated_attraction::s__T_v(model, active_ideal_part(), t, w); };
         {
             SCOPED_TRACE("ds/dT = cv/T");
-            expect_derivative(at.cv__T_v / at.T, complex_step([&](complex t) { return s(t, v); }, T));
+            expect_derivative(
+                at.cv__T_v / at.T, [&](auto t) { return s(t, decltype(t)(v)); }, T);
         }
         {
             SCOPED_TRACE("ds/dv = dP/dT");
-            expect_derivative(at.dP__dT_dv[0], complex_step([&](complex w) { return s(T, w); }, v));
+            expect_derivative(
+                at.dP__dT_dv[0], [&](auto w) { return s(decltype(w)(T), w); }, v);
         }
     });
 }
@@ -107,27 +106,25 @@ TEST(identities, enthalpy_is_exactly_e_plus_Pv) {
 // in them solved by Cramer's rule: nothing of the operation's own arrangement is used.
 TEST(identities, pressure_derivatives_in_density_and_energy_density) {
     support::for_each_state([](const auto &model, double T, double v) {
-        const auto P = [&](complex t, complex w) {
-            return separated_attraction::P__T_v(model, active_ideal_part(), t, w);
-        };
-        const auto re = [&](complex t, complex w) {
+        const evaluated at(model, T, v);
+        const auto P = [&](auto t, auto w) { return separated_attraction::P__T_v(model, active_ideal_part(), t, w); };
+        const auto re = [&](auto t, auto w) {
             return separated_attraction::e__T_v(model, active_ideal_part(), t, w) / w;
         };
-        const double P_T = complex_step([&](complex t) { return P(t, v); }, T);
-        const double P_v = complex_step([&](complex w) { return P(T, w); }, v);
-        const double re_T = complex_step([&](complex t) { return re(t, v); }, T);
-        const double re_v = complex_step([&](complex w) { return re(T, w); }, v);
-        const double r_v = complex_step([&](complex w) { return 1.0 / w; }, v);
+        const tracked P_T = stepped([&](auto t) { return P(t, decltype(t)(v)); }, T);
+        const tracked P_v = stepped([&](auto w) { return P(decltype(w)(T), w); }, v);
+        const tracked re_T = stepped([&](auto t) { return re(t, decltype(t)(v)); }, T);
+        const tracked re_v = stepped([&](auto w) { return re(decltype(w)(T), w); }, v);
+        const tracked r_v = stepped([&](auto w) { return 1.0 / w; }, v);
 
         // P_T = P_re re_T and P_v = P_re re_v + P_r r_v
-        const evaluated at(model, T, v);
         const tracked re_T_bound = at.de__dT_dv[0] / at.v;
         const tracked re_v_bound = at.de__dT_dv[1] / at.v - at.e__T_v / (at.v * at.v);
         const tracked P_re = at.dP__dT_dv[0] / re_T_bound;
         const tracked P_r = (at.dP__dT_dv[1] - P_re * re_v_bound) / (tracked(-1.0) / (at.v * at.v));
         const auto [dP_dre, dP_dr] = thermodynamics::dP__dre_dr__T_v(T, v);
-        expect_derivative({dP_dre, P_re.bound}, P_T / re_T);
-        expect_derivative({dP_dr, P_r.bound}, (P_v - P_T * (re_v / re_T)) / r_v);
+        expect_same({dP_dre, P_re.bound}, P_T / re_T);
+        expect_same({dP_dr, P_r.bound}, (P_v - P_T * (re_v / re_T)) / r_v);
     });
 }
 
