@@ -13,6 +13,13 @@
  *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a model that
  *                              is not available
  *   "The gas ... is not a vapor: ..."    the model or heat capacity wants critical data
+ *   " ERROR:  v__P_T__... STOP"    the model's critical volume is not found from these very digits of Tc and Pc;
+ *                              another last digit of either helps
+ *   "ERROR: in ..."            the solver for the pair has not converged in 50 steps from its default first values
+ *   "Saturation ... higher than critical ...", "... out of range: ...", "Newton method failed ...",
+ *   "No solution has been found ..."    there is no saturated state there, or it is not found
+ *   " Matrix A is singular. ..."    a solver met a singular Jacobian. From then on "ph", "ps", "hs", "pq" and "tq"
+ *                              fail for every fluid until the library is loaded anew
  * Threads. One set of state for the whole library and no locks: calls must not overlap.
  * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
  * compilers expect of an external procedure: call it as it is, without writing the lengths.
@@ -32,8 +39,8 @@ extern "C" {
  * fluid       [-] name of a parameter file in the fluid directory without its ".osd", as the file system has
  *             it: case and leading blanks count, a "/" names nothing. At most 8 characters, or the file is
  *             read again at every request
- * inputspec   [-] input pair, in either case: "tv" or "td". The pairs "pt", "pv", "pd", "ph", "ps", "pq",
- *             "ts", "tq", "vh", "vs", "vu", "dh", "ds", "du" and "hs" are known and not served yet
+ * inputspec   [-] input pair, in either case: "tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts", "tq", "vh",
+ *             "vs", "vu", "dh", "ds", "du" or "hs"
  * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg,
  * input2      [SI] second value of the pair: the same units; s in J/(kg K), q (vapor quality) in 1
  * outputspec  [-] wanted property, in either case: "t" K, "v" m3/kg, "d" kg/m3, "p" Pa, "h" J/kg,
@@ -48,10 +55,15 @@ extern "C" {
  * checked: outside the model's range (v at or below its co-volume, T at or below 0) the result is what IEEE
  * arithmetic makes of the formula, and a NaN is carried through.
  *
+ * A state between the phases ("pq", "tq" with q between 0 and 1) is its temperature and volume: "t", "p", "v" and "d"
+ * are served, "p" being the equation's own at that volume; other outputs want q = 1 (within 1e-6). The saturation
+ * table is built by the first such request and kept: for a later fluid it gives first values and the range, so that
+ * fluids whose ranges differ much are better asked in processes of their own.
+ *
  * The last state is kept: asking several outputs at one state solves it once. Look at every error text, since
  * a repeat of what failed may say "No errors": after a fluid that could not be loaded the same name goes on
  * with the constants in memory, those of the fluid before it or some of each; after a pair that could not be
- * solved or is not served yet, or a refused quality, the same request is answered from the state before it.
+ * solved, or a refused quality, the same request is answered from the state before it.
  */
 double ostrel_prop(const char *fluid, const char *inputspec, const double *input1, const double *input2,
                    const char *outputspec, char *errmsg, size_t fluid_len, size_t inputspec_len,
@@ -62,11 +74,10 @@ double ostrel_prop(const char *fluid, const char *inputspec, const double *input
  * inputspec   [-] input pair as for ostrel_prop
  * input1      [SI] first value of the pair
  * input2      [SI] second value of the pair
- * T           [T_ref] receives the temperature; unchanged if the pair is unknown
- * v           [v_ref] receives the specific volume; unchanged if the pair is unknown
+ * T           [T_ref] receives the temperature; unchanged if the pair is unknown, without meaning if a solver fails
+ * v           [v_ref] receives the specific volume, likewise
  *
- * A failure is left in the library's shared error text, which no function here reads out: it shows in that T and v
- * are unchanged.
+ * A failure is left in the library's shared error text, which no function here reads out.
  */
 void get_tv(const char *inputspec, const double *input1, const double *input2, double *T, double *v,
             size_t inputspec_len);
