@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// A successful request allocates nothing, but for loading a fluid and building the saturation table.
+#include "Tests/frame_support.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+std::size_t allocations = 0;
+
+void *counted(std::size_t size) {
+    ++allocations;
+    if (void *const place = std::malloc(size))
+        return place;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+// The library's allocations come here too: a program's own operators take precedence.
+void *operator new(std::size_t size) {
+    return counted(size);
+}
+void *operator new[](std::size_t size) {
+    return counted(size);
+}
+void operator delete(void *place) noexcept {
+    std::free(place);
+}
+void operator delete[](void *place) noexcept {
+    std::free(place);
+}
+void operator delete(void *place, std::size_t) noexcept {
+    std::free(place);
+}
+void operator delete[](void *place, std::size_t) noexcept {
+    std::free(place);
+}
+
+namespace {
+
+struct allocation : support::frame_test {};
+
+TEST_F(allocation, only_loading_and_the_table_allocate) {
+    char text[256];
+    const std::string_view fluid = "toluene";
+    const double first = 500.0, density = 2.0;
+    allocations = 0;
+    ostrel_prop(fluid.data(), "td", &first, &density, "p", text, fluid.size(), 2, 1, sizeof text);
+    EXPECT_GT(allocations, 0U) << "loading";
+    allocations = 0;
+    const double one = 1.0;
+    ostrel_prop(fluid.data(), "tq", &first, &one, "p", text, fluid.size(), 2, 1, sizeof text);
+    EXPECT_EQ(allocations, 4U) << "the table's four columns";
+
+    for (const char *code : support::pair_codes) {
+        if (std::string_view(code) == "hs")
+            continue; // finds few states of a real gas; below
+        SCOPED_TRACE(code);
+        const auto [value1, value2] = support::inputs_at(fluid, code, 510.0, 3.0);
+        for (const char *output : {"t", "p", "s", "cv", "d2p_dtdv"}) {
+            allocations = 0;
+            ostrel_prop(fluid.data(), code, &value1, &value2, output, text, fluid.size(), 2, std::strlen(output),
+                        sizeof text);
+            EXPECT_EQ(allocations, 0U) << output;
+            EXPECT_EQ(std::string_view(text, 9), "No errors");
+        }
+    }
+    const std::string_view ideal = "n2-ig";
+    const auto [h, s] = support::inputs_at(ideal, "hs", 400.0, 2.0);
+    allocations = 0;
+    ostrel_prop(ideal.data(), "hs", &h, &s, "t", text, ideal.size(), 2, 1, sizeof text);
+    EXPECT_EQ(allocations, 0U);
+    EXPECT_EQ(std::string_view(text, 9), "No errors");
+}
+
+} // namespace
