@@ -9,7 +9,7 @@
 // Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197
 #pragma once
 
-#include "Thermodynamics/gas_properties.h"
+#include "Thermodynamics/separated_attraction.h"
 #include "visibility.h"
 
 #include <array>
@@ -80,5 +80,38 @@ inline double critical_volume(const gas_properties::gas_constants &fluid, double
     message.report({failure});
     return v;
 }
+
+/// A model with Soave's temperature factor, all but its volume factor f(v).
+struct soave_parameters {
+    static constexpr std::size_t terms = 1;
+    double Rgas = 0;
+    double b = 0;
+    double c_a = 0; ///< attraction constant at the critical temperature
+    double fw = 0;  ///< coefficient of the temperature factor
+    double Zc = 0;  ///< the model's own critical compressibility
+
+    double covolume() const { return b; }
+    double repulsion() const { return Rgas; }
+    template <class Real>
+    separated_attraction::factors<Real, terms> q(Real T) const {
+        return {soave_q(c_a, fw, Zc, T)};
+    }
+
+    /// Finds the critical volume for the dimensional b, c_a and fw, completes the fluid's reference point and reduces
+    /// the constants; after a message all stay as they are.
+    void reduce(gas_properties::gas_constants &fluid, denominator (*D)(double b, double v), double tolerance,
+                std::string_view failure, records::error_text &message) {
+        Rgas = fluid.R;
+        const double a_Tc = c_a * (1.0 + fw * (1.0 - std::sqrt(fluid.Tc / fluid.Tc)));
+        const double v = critical_volume(fluid, b, a_Tc, D, tolerance, failure, message);
+        if (!message.clear())
+            return;
+        Zc = fluid.Pc * v / (Rgas * fluid.Tc);
+        set_critical_reference(fluid, v, Zc);
+        Rgas = 1.0;
+        b = b / v;
+        c_a = c_a / (v * fluid.Pc * v);
+    }
+};
 
 } // namespace cubic_attraction

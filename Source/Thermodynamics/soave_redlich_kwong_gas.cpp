@@ -14,20 +14,10 @@ void initialise(parameters &p, gas_properties::gas_constants &fluid, records::er
     const double Tc = fluid.Tc;
     const double Pc = fluid.Pc;
     const double RTc = fluid.R * Tc;
-    p.Rgas = fluid.R;
     p.c_a = (RTc * RTc) * 0.4274802335403413 / Pc;
-    p.b = Tc * 0.08664034996495773 * p.Rgas / Pc;
+    p.b = Tc * 0.08664034996495773 * fluid.R / Pc;
     p.fw = 0.48 + (1.574 - 0.176 * fluid.omega) * fluid.omega;
-    const double a_Tc = p.c_a * (1.0 + p.fw * (1.0 - std::sqrt(Tc / Tc)));
-    const double v = cubic_attraction::critical_volume(fluid, p.b, a_Tc, cubic_attraction::redlich_kwong_denominator,
-                                                       1e-14, " ERROR:  v__P_T__SRKG. STOP", message);
-    if (!message.clear())
-        return;
-    p.Zc = Pc * v / (p.Rgas * Tc);
-    set_critical_reference(fluid, v, p.Zc);
-    p.Rgas = 1.0;
-    p.b = p.b / v;
-    p.c_a = p.c_a / (v * Pc * v);
+    p.reduce(fluid, cubic_attraction::redlich_kwong_denominator, 1e-14, " ERROR:  v__P_T__SRKG. STOP", message);
 }
 
 OSTREL_NO_PARAMETERS(SRKG)

@@ -14,21 +14,7 @@
 
 namespace soave_redlich_kwong_gas OSTREL_VISIBLE {
 
-struct parameters {
-    static constexpr std::size_t terms = 1;
-    double Rgas = 0;
-    double b = 0;
-    double c_a = 0; ///< attraction constant at the critical temperature
-    double fw = 0;  ///< coefficient of the temperature factor
-    double Zc = 0;  ///< the model's own critical compressibility
-
-    double covolume() const { return b; }
-    double repulsion() const { return Rgas; }
-
-    template <class Real>
-    separated_attraction::factors<Real, terms> q(Real T) const {
-        return {cubic_attraction::soave_q(c_a, fw, Zc, T)};
-    }
+struct parameters : cubic_attraction::soave_parameters {
     template <class Real>
     separated_attraction::factors<Real, terms> f(Real v) const {
         return {cubic_attraction::redlich_kwong_f(b, v)};
