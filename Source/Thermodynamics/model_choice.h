@@ -15,16 +15,16 @@
 
 namespace thermodynamics {
 
-/// Calls `use` with the active model's parameters; answers `otherwise` without a model.
-template <class Use, class Result>
-Result with_model(Use use, Result otherwise) {
+/// Calls `use` with the active model's parameters, or `without` where there is no model.
+template <class Use, class Without>
+auto with_model(Use use, Without without) {
 #define OSTREL_USE_CASE(unused, type, module, X, ...) \
     case type:                                        \
         return use(module::active);
     switch (gas_type) {
         OSTREL_MODELS(OSTREL_USE_CASE, )
     default:
-        return otherwise;
+        return without();
     }
 #undef OSTREL_USE_CASE
 }

@@ -24,11 +24,11 @@ auto at_state(double T, double v, Evaluation evaluate) {
         const separated_attraction::state_point point(model, T, v);
         return evaluate(derived_properties::properties<std::remove_cvref_t<decltype(point)>>{point, ideal});
     };
-    if (gas_type < 1 || gas_type > 8)
-        return evaluate_with(no_model, {no_heat, 0.0, 0.0});
     return with_model(
         [&](const auto &model) { return evaluate_with(model, separated_attraction::active_ideal_part()); },
-        decltype(evaluate_with(no_model, {no_heat, 0.0, 0.0})){});
+        [&] {
+            return evaluate_with(no_model, {no_heat, 0.0, 0.0});
+        });
 }
 
 } // namespace

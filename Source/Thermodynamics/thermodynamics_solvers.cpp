@@ -108,7 +108,7 @@ double solve_T(double target, double v, double T, std::string_view failure) {
                 },
                 [](const auto &p) { return Quantity::slope_T(p); });
         },
-        T);
+        [&] { return T; });
 }
 
 template <class Quantity>
@@ -123,7 +123,7 @@ double solve_v(double target, double T, double v, std::string_view failure) {
                 },
                 [](const auto &p) { return Quantity::slope_v(p); });
         },
-        v);
+        [&] { return v; });
 }
 
 /// Newton's method in T and v together; answers v.
@@ -155,7 +155,7 @@ double solve_T_v(double target1, double target2, double T, double v, std::string
         errmsg.report({failure});
         return v;
     };
-    return with_model(solve, v);
+    return with_model(solve, [&] { return v; });
 }
 
 // Default guesses: the ideal gas with unit gas constant and the heat capacity of the reference point.

@@ -116,11 +116,8 @@ void eos__e_v(double e, double v, basic_state &result, std::optional<double> T_s
 
 extended_state eos_ext__eos(const basic_state &state) {
     const auto [T, v, e, P] = state;
-    std::array<double, 2> dP{};
-    dP__dT_dv(T, v, dP);
-    const double c = std::sqrt(v * v * ((T / cv__T_v(T, v)) * (dP[0] * dP[0]) - dP[1]));
     const auto [dP_dre, dP_dr] = dP__dre_dr__T_v(T, v);
-    return {T, v, e, P, c, dP_dre, dP_dr};
+    return {T, v, e, P, c__T_v(T, v), dP_dre, dP_dr};
 }
 
 extended_state eos_ext__T_v(double T, double v) {
