@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: MIT */
-/* Ostrel: thermodynamic properties of one pure fluid at a time from simple equations of state.
+/* Ostrel: thermodynamic and transport properties of one pure fluid at a time from simple equations of state.
  *
  * Arguments. Everything goes by reference. A text is a char field without a terminating NUL; its length
  * follows by value at the end of the argument list, one per text, in the order of the texts. Input texts
@@ -12,7 +12,9 @@
  *   " IOSTAT returned" n       the fluid's file cannot be opened; n is errno's code, 2 = there is no such file
  *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a model that
  *                              is not available
- *   "The gas ... is not a vapor: ..."    the model or heat capacity wants critical data
+ *   "The gas ... is not a vapor: ..."    the model, heat capacity or viscosity wants critical data
+ *   "Viscosity and thermal conductivity model do not match. ..."    Chung's viscosities want Chung's conductivity of
+ *                              the same kind
  *   " ERROR:  v__P_T__... STOP"    the model's critical volume is not found from these very digits of Tc and Pc;
  *                              another last digit of either helps
  *   "ERROR: in ..."            the solver for the pair has not converged in 50 steps from its default first values
@@ -45,8 +47,8 @@ extern "C" {
  * input2      [SI] second value of the pair: the same units; s in J/(kg K), q (vapor quality) in 1
  * outputspec  [-] wanted property, in either case: "t" K, "v" m3/kg, "d" kg/m3, "p" Pa, "h" J/kg,
  *             "s" J/(kg K), "u" J/kg, "cv" J/(kg K), "dp_dt" Pa/K, "dp_dv" Pa kg/m3, "d2p_dt2" Pa/K2,
- *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2); "eta" Pa s and
- *             "lambda" W/(m K) are known and not served yet
+ *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2), "eta"
+ *             (viscosity) Pa s, "lambda" (thermal conductivity) W/(m K); see below for Chung's models
  * errmsg      [-] receives "No errors" or the error text; 256 characters hold every text whole, but
  *             for those that quote a longer output name
  *
@@ -54,6 +56,12 @@ extern "C" {
  * its reference volume and the temperature T_ref/Z there, Z the model's compressibility factor. Inputs are not
  * checked: outside the model's range (v at or below its co-volume, T at or below 0) the result is what IEEE
  * arithmetic makes of the formula, and a NaN is carried through.
+ *
+ * Viscosity and conductivity by Chung's models keep two factors that hosts know: lambda is 17.506 times smaller than
+ * W/(m K) (418.4^2/10^4; models 2 and 3, that is every fluid shipped), eta of model 2 is in 0.1 Pa s. Both are taken at
+ * the model's own critical volume: where its Zc is above the fluid's, eta of the dilute gas comes out lower, for
+ * Soave-Redlich-Kwong by about a tenth, for ideal gases by more than half. A model that is not applicable makes the
+ * fluid's first request fail, whatever it asks for.
  *
  * A state between the phases ("pq", "tq" with q between 0 and 1) is its temperature and volume: "t", "p", "v" and "d"
  * are served, "p" being the equation's own at that volume; other outputs want q = 1 (within 1e-6). The saturation
@@ -124,7 +132,8 @@ void ostrel_sub(void);
 void read_init_fluiddata(const char *name, size_t name_len);
 
 /* Reads a parameter file into the library's variables. Nothing is derived from it: this serves programs that use
- * the library's C++ modules and initialise them themselves (thermodynamics::init_thermodynamics).
+ * the library's C++ modules and initialise them themselves (thermodynamics::init_thermodynamics, then
+ * transport_properties::init_transport_properties).
  *
  * file        [-] path of the file, with its extension
  */

@@ -98,17 +98,15 @@ inline std::pair<double, double> inputs_at(std::string_view fluid, std::string_v
     return {value(code[0]), value(code[1])};
 }
 
-/// The 16 outputs, whether they are computed, and whether they are served at any quality.
+/// The 16 outputs, and whether they are served at any quality.
 struct output_case {
     const char *name;
-    bool served;
     bool any_quality;
 };
 inline constexpr output_case output_cases[] = {
-    {"t", true, true},         {"v", true, true},       {"d", true, true},        {"p", true, true},
-    {"h", true, false},        {"s", true, false},      {"u", true, false},       {"cv", true, false},
-    {"dp_dt", true, false},    {"dp_dv", true, false},  {"d2p_dt2", true, false}, {"d2p_dv2", true, false},
-    {"d2p_dtdv", true, false}, {"dcv_dt", true, false}, {"eta", false, false},    {"lambda", false, false},
+    {"t", true},         {"v", true},       {"d", true},      {"p", true},       {"h", false},       {"s", false},
+    {"u", false},        {"cv", false},     {"dp_dt", false}, {"dp_dv", false},  {"d2p_dt2", false}, {"d2p_dv2", false},
+    {"d2p_dtdv", false}, {"dcv_dt", false}, {"eta", false},   {"lambda", false},
 };
 static_assert(std::size(output_cases) == 16);
 

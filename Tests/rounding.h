@@ -44,6 +44,10 @@ struct tracked {
         const double value = std::exp(a.value);
         return from_library(value, value * a.bound);
     }
+    friend tracked expm1(const tracked &a) { return from_library(std::expm1(a.value), std::exp(a.value) * a.bound); }
+    friend tracked sin(const tracked &a) {
+        return from_library(std::sin(a.value), std::abs(std::cos(a.value)) * a.bound);
+    }
     friend tracked log(const tracked &a) { return from_library(std::log(a.value), a.bound / std::abs(a.value)); }
     friend tracked pow(const tracked &a, double exponent) {
         const double value = std::pow(a.value, exponent);

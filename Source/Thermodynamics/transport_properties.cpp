@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Thermodynamics/transport_properties.h"
 
-#include <array>
-#include <span>
-#include <string_view>
+#include "Thermodynamics/thermodynamics.h"
+
 #include <vector>
 
 namespace transport_properties {
@@ -12,56 +11,169 @@ parameters active;
 
 namespace {
 
-/// The one record of parameters that a model has; models not listed have none.
-struct model_record {
-    std::int32_t model;
-    std::size_t count;
-    std::array<std::string_view, 3> names;
-    std::array<double parameters::*, 3> values;
-};
-
-constexpr model_record viscosity_records[] = {
-    {1, 1, {"mu_const"}, {&parameters::mu_const}},
-    {5, 3, {"mu_ref_s", "T_ref_s", "Tchar_s"}, {&parameters::mu_ref_s, &parameters::T_ref_s, &parameters::Tchar_s}},
-    {6, 2, {"mu_ref_l", "T_ref_l"}, {&parameters::mu_ref_l, &parameters::T_ref_l}},
-};
-constexpr model_record conductivity_records[] = {
-    {1, 1, {"kk_const"}, {&parameters::kk_const}},
-    {4, 1, {"Pr"}, {&parameters::Pr}},
-};
-
-void read(records::record_reader &in, parameters &p, std::string_view name, std::int32_t &model,
-          std::span<const model_record> table) {
-    if (!in.read({{name, model}}))
+void read(records::record_reader &in, parameters &p, std::string_view name, std::int32_t &code,
+          std::span<const model> models) {
+    if (!in.read({{name, code}}))
         return;
-    for (const model_record &entry : table) {
-        if (entry.model != model)
+    for (const model &entry : models) {
+        if (entry.code != code || entry.record().empty())
             continue;
         std::vector<records::item> items;
-        for (std::size_t i = 0; i < entry.count; ++i)
-            items.emplace_back(entry.names[i], p.*entry.values[i]);
+        for (const model::field &field : entry.record())
+            items.emplace_back(field.name, p.*field.value);
         in.read(items);
     }
 }
 
-void write(records::record_writer &out, const parameters &p, std::int32_t model, std::span<const model_record> table) {
-    out.record({model});
-    for (const model_record &entry : table) {
-        if (entry.model != model)
+void write(records::record_writer &out, const parameters &p, std::int32_t code, std::span<const model> models) {
+    out.record({code});
+    for (const model &entry : models) {
+        if (entry.code != code || entry.record().empty())
             continue;
         std::vector<double> values;
-        for (std::size_t i = 0; i < entry.count; ++i)
-            values.push_back(p.*entry.values[i]);
+        for (const model::field &field : entry.record())
+            values.push_back(p.*field.value);
         out.record_list(std::span<const double>(values));
     }
 }
 
 void read(records::record_reader &in, parameters &p) {
-    read(in, p, "viscosity_model", p.viscosity_model, viscosity_records);
-    read(in, p, "thermal_cond_model", p.thermal_cond_model, conductivity_records);
+    read(in, p, "viscosity_model", p.viscosity_model, viscosity_models);
+    read(in, p, "thermal_cond_model", p.thermal_cond_model, thermal_cond_models);
+}
+
+// Chung's coefficients: each is c0 + c1 omega + c2 mur^4 + c3 kh.
+using correlation = std::array<double, 4>;
+constexpr std::array<correlation, 10> viscosity_coefficients = {{
+    {6.32402, 50.4119, -51.6801, 1189.02},
+    {0.0012102, -0.0011536, -0.0062571, 0.037283},
+    {5.28346, 254.209, -168.481, 3898.27},
+    {6.62263, 38.0957, -8.46414, 31.4178},
+    {19.7454, 7.63034, -14.3544, 31.5267},
+    {-1.89992, -12.5367, 4.98529, -18.1507},
+    {24.2745, 3.44945, -11.2913, 69.3466},
+    {0.79716, 1.11764, 0.012348, -4.11661},
+    {-0.23816, 0.067695, -0.8163, 4.02528},
+    {0.068629, 0.34793, 0.59256, -0.72663},
+}};
+constexpr std::array<correlation, 7> conductivity_coefficients = {{
+    {2.41657, 0.74824, -0.91858, 121.721},
+    {-0.50924, -1.50936, -49.9912, 69.9834},
+    {6.61069, 5.62073, 64.7599, 27.0389},
+    {14.5425, -8.91387, -5.63794, 74.3435},
+    {0.79274, 0.82019, -0.69369, 6.31734},
+    {-5.8634, 12.8005, 9.58926, -65.5292},
+    {81.171, 114.158, -60.841, 466.775},
+}};
+
+double fourth_power(double x) {
+    return x * x * (x * x);
+}
+
+template <std::size_t count>
+void correlate(std::array<double, count> &result, const std::array<correlation, count> &table, const parameters &p) {
+    for (std::size_t i = 0; i < count; ++i)
+        result[i] = table[i][0] + table[i][1] * p.omega + table[i][2] * fourth_power(p.mur) + table[i][3] * p.kh;
+}
+
+/// The viscosity model fits the conductivity model and the fluid, or a message says why not.
+bool applicable(const parameters &p, const gas_properties::gas_constants &fluid, records::error_text &message) {
+    if (p.viscosity_model != dilute_gas && p.viscosity_model != dense_gas)
+        return true;
+    if (p.thermal_cond_model != p.viscosity_model) {
+        message.report({"Viscosity and thermal conductivity model do not match.  In init_trasport_properties. STOP"});
+        return false;
+    }
+    if (!fluid.vapor)
+        report_not_a_vapor(message, fluid,
+                           p.viscosity_model == dense_gas ? "Dense gas viscosity model is not applicable. "
+                                                          : "Diluite gas viscosity model is not applicable. ",
+                           "In init_transport_properties.");
+    return fluid.vapor;
 }
 
 } // namespace
+
+bool initialise(parameters &p, const gas_properties::gas_constants &fluid, records::error_text &message) {
+    if (!applicable(p, fluid, message))
+        return false;
+    p.m_mole = fluid.MM;
+    p.Rgas = fluid.R;
+    p.T_ref = fluid.T_ref;
+    p.P_ref = fluid.P_ref;
+    p.v_ref = fluid.v_ref;
+    p.Z_ref = fluid.Z_ref;
+    if (fluid.vapor) {
+        p.Pc = fluid.Pc;
+        p.Tc = fluid.Tc;
+        p.vc = fluid.vc;
+        p.Zc = fluid.Zc;
+        p.omega = fluid.omega;
+        p.mur = fluid.mur;
+        p.kh = fluid.kh;
+    }
+    if (p.viscosity_model == dilute_gas || p.viscosity_model == dense_gas)
+        p.fc = 1.0 - 0.2756 * p.omega + 0.059035 * fourth_power(p.mur) + p.kh;
+    if (p.viscosity_model == dense_gas)
+        correlate(p.aa, viscosity_coefficients, p);
+    if (p.thermal_cond_model == dilute_gas_conductivity || p.thermal_cond_model == dense_gas_conductivity)
+        p.beta = 0.7862 - 0.7109 * p.omega + 1.3168 * (p.omega * p.omega);
+    if (p.thermal_cond_model == dense_gas_conductivity)
+        correlate(p.bb, conductivity_coefficients, p);
+    return true;
+}
+
+namespace {
+
+/// At T [K] and v [m3/kg], of which t and vr are the reduced values.
+coefficients<double> at_state(double T, double v, double t, double vr) {
+    return evaluate(
+        active, T, v, [&] { return ideal_specific_heat::cv_oo__Tdim(T); },
+        [&] { return thermodynamics::cp__T_v(t, vr); });
+}
+
+} // namespace
+
+void transport_coefficients(double t, double vr, double &eta, double &lambda) {
+    const auto [mu, k] = at_state(t * active.T_ref, vr * active.v_ref, t, vr);
+    eta = mu / active.mu_ref;
+    lambda = k / active.kk_ref;
+}
+
+void transport_coefficients_dim(double T, double v, double &mu, double &k) {
+    const auto [mu_found, k_found] = at_state(T, v, T / active.T_ref, v / active.v_ref);
+    mu = mu_found;
+    k = k_found;
+}
+
+double diluite_gas_viscosity(double T) {
+    return dilute_viscosity(active, T);
+}
+
+double dense_gas_viscosity(double T, double v, double &mu0) {
+    mu0 = dilute_viscosity(active, T);
+    return dense_viscosity(active, T, v, mu0);
+}
+
+double corresp_state_viscosity(double T) {
+    return corresponding_states_viscosity(active, T);
+}
+
+double sutherland_law_viscosity(double T) {
+    return sutherland_viscosity(active, T);
+}
+
+double linear_viscosity(double T) {
+    return linear_law_viscosity(active, T);
+}
+
+double diluite_gas_thermal_cond(double T, double mu0) {
+    return dilute_conductivity(active, T, mu0, ideal_specific_heat::cv_oo__Tdim(T)) * conductivity_unit;
+}
+
+double dense_gas_thermal_cond(double T, double v, double k0) {
+    return dense_conductivity(active, T, v, k0 / conductivity_unit);
+}
 
 void read_param_transport_properties(records::file_reader &unit) {
     read(unit, active);
@@ -72,8 +184,19 @@ void read_param_transport_propertiesdb(records::line_reader &lines) {
 }
 
 void write_param_transport_propert(records::record_writer &unit) {
-    write(unit, active, active.viscosity_model, viscosity_records);
-    write(unit, active, active.thermal_cond_model, conductivity_records);
+    write(unit, active, active.viscosity_model, viscosity_models);
+    write(unit, active, active.thermal_cond_model, thermal_cond_models);
+}
+
+void init_transport_properties() {
+    gas_properties::gas_constants &fluid = gas_properties::gas;
+    if (!initialise(active, fluid, ideal_specific_heat::errmsg))
+        return;
+    const double T = fluid.vapor ? active.Tc : active.T_ref;
+    const double v = fluid.vapor ? active.vc : active.v_ref;
+    transport_coefficients_dim(T, v, active.mu_ref, active.kk_ref);
+    fluid.mu_ref = active.mu_ref;
+    fluid.kk_ref = active.kk_ref;
 }
 
 } // namespace transport_properties

@@ -91,9 +91,8 @@ TEST_F(bad_input, random_bytes) {
         // Two random bytes may well spell an output; they are known by the answer.
         const auto answer = ask("toluene", "td", t, 2.0, output);
         const bool known =
-            std::any_of(std::begin(support::output_cases), std::end(support::output_cases), [&](const auto &c) {
-                return c.served && ostrel::tolower_os(output) == ostrel::tolower_os(c.name);
-            });
+            std::any_of(std::begin(support::output_cases), std::end(support::output_cases),
+                        [&](const auto &c) { return ostrel::tolower_os(output) == ostrel::tolower_os(c.name); });
         EXPECT_EQ(answer.text, known ? "No errors" : unknown_output(output));
         const bool pair_known =
             std::any_of(std::begin(support::pair_codes), std::end(support::pair_codes),
@@ -150,8 +149,6 @@ TEST_F(bad_input, numbers_of_any_kind_for_all_pairs_and_outputs) {
                             EXPECT_EQ(answer.text, support::quality_text);
                         else if (answer.text == "No errors")
                             continue;
-                        else if (answer.text == unknown_output(output.name))
-                            EXPECT_FALSE(output.served);
                         else
                             EXPECT_TRUE(code != "tv" && code != "td" && support::of_a_solver(answer.text))
                                 << answer.text;
@@ -162,7 +159,7 @@ TEST_F(bad_input, numbers_of_any_kind_for_all_pairs_and_outputs) {
 
 TEST_F(bad_input, a_NaN_is_carried_through) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    for (const char *name : {"t", "p", "h", "s", "u", "dp_dv"}) {
+    for (const char *name : {"t", "p", "h", "s", "u", "dp_dv", "eta", "lambda"}) {
         EXPECT_TRUE(std::isnan(ask("toluene", "tv", nan, 0.5, name).value)) << name;
         if (name[0] != 't') {
             EXPECT_TRUE(std::isnan(ask("toluene", "tv", 500, nan, name).value)) << name;
@@ -317,7 +314,9 @@ testing::AssertionResult documented(const std::string &fluid, const support::ans
                              text.find(", found ") != text.npos && text.ends_with('.');
     const bool of_a_model = text.starts_with("The gas ") && text.find(" is not a vapor: ") != text.npos;
     const bool of_a_search = text.starts_with(" ERROR:  v__P_T__") && text.ends_with("G. STOP");
-    if (of_a_record || of_a_model || of_a_search)
+    const bool of_a_pairing = text == "Viscosity and thermal conductivity model do not match.  In "
+                                      "init_trasport_properties. STOP";
+    if (of_a_record || of_a_model || of_a_search || of_a_pairing)
         return testing::AssertionSuccess();
     return testing::AssertionFailure() << "not documented: " << text;
 }
@@ -335,8 +334,8 @@ struct loader {
         const std::clock_t start = std::clock();
         const auto answer = ask(fluid, "td", 450, 2.0, "p");
         longest = std::max(longest, std::clock() - start);
-        ask(fluid, "td", 450, 2.0, "s");
-        ask(fluid, "td", 450, 2.0, "dcv_dt");
+        for (const char *output : {"s", "dcv_dt", "eta", "lambda"})
+            ask(fluid, "td", 450, 2.0, output);
         return answer;
     }
     ~loader() { EXPECT_LT(longest, 2 * CLOCKS_PER_SEC); }
@@ -414,6 +413,12 @@ TEST_F(bad_input, files_of_hostile_content) {
         {"not numbers", "a\nb\nc\nd\nnan\nT\nnan\ninf\n-inf\nnan\nnan\nnan\n7\n" + heat + transport, "No errors"},
         {"boils above its critical point", "a\nb\nc\nd\n20\nT\n300\n50\n0.27\n300\n0\n0\n7\n" + heat + transport,
          "No errors"},
+        {"models that do not go together", support::vapor_section + "7\n" + heat + "2\n3\n",
+         "Viscosity and thermal conductivity model do not match."},
+        {"a dense gas without critical data", support::reference_section + "1\n" + heat + "3\n3\n", "The gas "},
+        {"unknown transport models", support::vapor_section + "7\n" + heat + "2147483647\n-2147483648\n", "No errors"},
+        {"a viscosity that is no number", support::vapor_section + "7\n" + heat + "1\nnan\n1\ninf\n", "No errors"},
+        {"zeros for a viscosity", support::vapor_section + "7\n" + heat + "5\n0 0 0\n4\n0\n", "No errors"},
         {"a name of 4000 letters", "a\n" + std::string(4000, 'n') + "\nc\nd\nx\n",
          "Ostrel error: file fluid.osd, record 5:"},
     };

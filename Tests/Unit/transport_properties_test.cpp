@@ -131,12 +131,15 @@ TEST_F(transport_properties_test, the_writer_writes_the_same_records_and_they_re
 
         records::record_writer writer;
         transport_section.write(writer);
-        support::fresh_library();
-        support::read_well(transport_section, writer.text());
-        EXPECT_EQ(active.viscosity_model, viscosity.code);
-        EXPECT_EQ(active.thermal_cond_model, conductivity.code);
-        expect_values(viscosity, 10.5);
-        expect_values(conductivity, 20.5);
+        for (const auto from : both_sources) {
+            SCOPED_TRACE(from);
+            support::fresh_library();
+            support::read_well(transport_section, writer.text(), from);
+            EXPECT_EQ(active.viscosity_model, viscosity.code);
+            EXPECT_EQ(active.thermal_cond_model, conductivity.code);
+            expect_values(viscosity, 10.5);
+            expect_values(conductivity, 20.5);
+        }
     });
 }
 

@@ -22,6 +22,17 @@ double molar_volume(double T, double start) {
     return v * gas.v_ref * gas.MM * 1e3;
 }
 
+/// Of the dense gas at T [K] and a volume [cm3/mol], from a viscosity of the dilute gas [micropoise]: the viscosity
+/// [micropoise] and the conductivity [W/(m K)].
+double dense_viscosity(double T, double volume, double mu0) {
+    return transport_properties::dense_viscosity(transport_properties::active, T, volume * 1e-3 / gas.MM, mu0 * 1e-6) *
+           1e7;
+}
+double dense_conductivity(double T, double volume, double mu0) {
+    const double k0 = transport_properties::diluite_gas_thermal_cond(T, mu0 * 1e-6);
+    return transport_properties::dense_gas_thermal_cond(T, volume * 1e-3 / gas.MM, k0) * 418.4 * 418.4 / 1e4;
+}
+
 /// What can be asked beside requests; an argument that is not needed is 0.
 double value_of(const std::string &name, double argument) {
     const std::map<std::string, double (*)(double)> values = {
@@ -38,6 +49,9 @@ double value_of(const std::string &name, double argument) {
         // At T [K] and 9.4573 bar, in cm3/mol.
         {"molar_gas_volume", [](double T) { return molar_volume(T, (T / gas.T_ref) / (945730.0 / gas.P_ref)); }},
         {"molar_liquid_volume", [](double T) { return molar_volume(T, 1.05 * thermodynamics::vmin); }},
+        {"collision_integral", [](double T_star) { return transport_properties::collision_integral(T_star); }},
+        {"viscosity_at_48.2_from_182", [](double T) { return dense_viscosity(T, 48.2, 182); }},
+        {"conductivity_at_172.1_from_134", [](double T) { return dense_conductivity(T, 172.1, 134); }},
         // Of the ideal gas at T [K], in units of R and of R K.
         {"cv/R", [](double T) { return ideal_specific_heat::cv_oo__Tdim(T) / gas_properties::gas.R; }},
         {"phi/R",
@@ -106,7 +120,7 @@ TEST_P(vectors, agree) {
 INSTANTIATE_TEST_SUITE_P(published, vectors,
                          testing::Values("ideal_gas", "ideal_Z_gas", "clausius_II_gas", "van_der_waals_gas",
                                          "redlich_kwong_gas", "soave_redlich_kwong_gas", "peng_robinson_gas",
-                                         "martin_hou_gas", "ideal_specific_heat"),
+                                         "martin_hou_gas", "ideal_specific_heat", "transport_properties"),
                          [](const auto &file) { return std::string(file.param); });
 
 } // namespace
