@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Module lin_algebra: inverse and determinant of very small dense matrices.
+// Module lin_algebra: inverse and determinant of very small dense matrices, minors, vector product.
 //
-// Computes   A^-1 and det A for orders 1, 2 and 3 by explicit formulas
+// Computes   A^-1 and det A for orders 1, 2 and 3 by explicit formulas; minors of any order; a x b
 // Given      the elements in column order, no units
 // Returned   elements in column order; after a failure the result is left unchanged
-// Valid      orders 1 to 3; anything else, and a determinant of exactly 0, is reported in linalg_errmsg
+// Valid      inverse, determinant: orders 1 to 3; anything else, and a determinant of exactly 0, is reported in
+//            linalg_errmsg. minor, vec_prod: a wrong shape is reported on the console and ends the process with exit
+//            status 1. Factors for inverses and determinants of any order: kfact.h
+// Accuracy   a few roundings of the largest product in the formula; minors of orders above 4: kdet.h
 // Reference  Cramer's rule
 #pragma once
 
 #include "Records/error_text.h"
 #include "visibility.h"
 
+#include <array>
 #include <cstddef>
 #include <span>
 
@@ -31,5 +35,12 @@ struct matrix_view {
 void inverse(const matrix_view &A, std::span<double> result);
 /// The determinant; 0 after a failure.
 double determinant(const matrix_view &A);
+
+/// The determinant of what is left of the square matrix A without one row and one column (both from 1), without the
+/// sign of a cofactor; 1 for order 1, NaN for a row or column that A has not.
+double minor(const matrix_view &A, std::size_t row, std::size_t column);
+
+/// The vector product a x b, in the product of their units. Both have three components.
+std::array<double, 3> vec_prod(std::span<const double> a, std::span<const double> b);
 
 } // namespace lin_algebra

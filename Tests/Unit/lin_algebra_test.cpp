@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/lin_algebra.h"
 
+#include "Tests/child_process.h"
+#include "Tests/exact_determinant.h"
+
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <limits>
 #include <numeric>
 #include <random>
@@ -191,6 +194,80 @@ TEST_F(lin_algebra_test, the_result_may_be_the_matrix) {
         inverse({A, n, n}, A);
         EXPECT_EQ(A, expected);
     }
+}
+
+TEST_F(lin_algebra_test, minors_leave_out_a_row_and_a_column) {
+    // Rows (1, 2, 10), (3, 5, 6), (7, 8, 9).
+    const std::vector<double> elements = {1.0, 3.0, 7.0, 2.0, 5.0, 8.0, 10.0, 6.0, 9.0};
+    const matrix_view A{elements, 3, 3};
+    EXPECT_EQ(minor(A, 1, 1), 5.0 * 9.0 - 6.0 * 8.0);
+    EXPECT_EQ(minor(A, 1, 2), 3.0 * 9.0 - 6.0 * 7.0);
+    EXPECT_EQ(minor(A, 2, 3), 1.0 * 8.0 - 2.0 * 7.0);
+    EXPECT_EQ(minor(A, 3, 1), 2.0 * 6.0 - 10.0 * 5.0);
+    EXPECT_EQ(minor({std::vector{1.0, 3.0, 2.0, 4.0}, 2, 2}, 1, 2), 3.0);
+    EXPECT_EQ(minor({std::vector{7.0}, 1, 1}, 1, 1), 1.0);
+    EXPECT_EQ(text(), "No errors");
+}
+
+TEST_F(lin_algebra_test, minors_of_integers) {
+    std::mt19937 random(3);
+    for (std::size_t n = 1; n <= 7; ++n)
+        for (int i = 0; i < 20; ++i) {
+            const auto A = support::random_integers(random, n * n, 9);
+            for (std::size_t row = 1; row <= n; ++row)
+                for (std::size_t column = 1; column <= n; ++column) {
+                    const double exact = support::exact_determinant(support::struck_out(A, n, row, column), n - 1);
+                    // By explicit formulas integers come out exactly, by factors with their rounding: Hadamard's
+                    // bound for a determinant of order 6 at most is 22^6.
+                    EXPECT_NEAR(minor({A, n, n}, row, column), exact, n <= 4 ? 0.0 : 22e6 * 5.2 * 10 * epsilon)
+                        << n << ": " << row << ", " << column;
+                }
+        }
+    EXPECT_EQ(text(), "No errors");
+}
+
+TEST_F(lin_algebra_test, the_minor_of_a_singular_remainder_is_0) {
+    std::vector<double> A(25, 0.0);
+    A[24] = 1.0;
+    EXPECT_EQ(minor({A, 5, 5}, 1, 1), 0.0);
+    EXPECT_EQ(text(), "No errors");
+}
+
+TEST_F(lin_algebra_test, there_is_no_minor_outside_the_matrix) {
+    const auto A = counted(9);
+    for (const auto &[row, column] : {std::pair<std::size_t, std::size_t>(0, 1), {1, 0}, {4, 1}, {1, 4}, {9, 9}})
+        EXPECT_TRUE(std::isnan(minor({A, 3, 3}, row, column)));
+    EXPECT_TRUE(std::isnan(minor({{}, 0, 0}, 1, 1)));
+}
+
+TEST_F(lin_algebra_test, the_minor_of_another_shape_stops) {
+    for (const auto &[rows, columns] : {std::pair<std::size_t, std::size_t>(2, 3), {3, 2}, {1, 5}}) {
+        const auto A = counted(rows * columns);
+        support::expect_stop(
+            [&, r = rows, c = columns] {
+                minor({A, r, c}, 1, 1);
+            },
+            "  Matrix A is not square.\n  in FUNCTION minor, MODULE lin_algebra\n  STOP. \n");
+    }
+}
+
+TEST_F(lin_algebra_test, vector_products) {
+    const std::vector<double> x = {1.0, 0.0, 0.0}, y = {0.0, 1.0, 0.0}, z = {0.0, 0.0, 1.0};
+    EXPECT_THAT(vec_prod(x, y), testing::ElementsAreArray(z));
+    EXPECT_THAT(vec_prod(y, z), testing::ElementsAreArray(x));
+    EXPECT_THAT(vec_prod(z, x), testing::ElementsAreArray(y));
+    EXPECT_THAT(vec_prod(y, x), testing::ElementsAre(0.0, 0.0, -1.0));
+    EXPECT_THAT(vec_prod(std::vector{1.0, 2.0, 3.0}, std::vector{-4.0, 7.0, 5.0}),
+                testing::ElementsAre(-11.0, -17.0, 15.0));
+    EXPECT_THAT(vec_prod(std::vector{2.0, -3.0, 5.0}, std::vector{4.0, -6.0, 10.0}),
+                testing::ElementsAre(0.0, 0.0, 0.0));
+}
+
+TEST_F(lin_algebra_test, vectors_of_other_sizes_stop) {
+    for (const auto &[a, b] :
+         {std::pair<std::size_t, std::size_t>(2, 3), {3, 2}, {3, 4}, {2, 2}, {4, 4}, {0, 0}, {0, 3}})
+        support::expect_stop([size_a = a, size_b = b] { vec_prod(counted(size_a), counted(size_b)); },
+                             "  Inconsistent size of the vectors.\n  in FUNCTION vec_prod, MODULE lin_algebra\n");
 }
 
 } // namespace
