@@ -7,6 +7,7 @@
 #include "Thermodynamics/transport_properties.h"
 #include "host.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -42,10 +43,13 @@ char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-/// A code or name of one of the tables below.
+/// A code or name of one of the tables below, as it is compared and as it is told to people.
 struct keyword {
     std::uint64_t packed;
-    consteval keyword(const char *text) : packed(fixed_text<8>(text).packed()) {}
+    described text;
+    consteval keyword(std::string_view name, std::string_view unit = {}, std::string_view meaning = {})
+        : keyword(described{name, unit, meaning}) {}
+    consteval keyword(const described &row) : packed(fixed_text<8>(row.name).packed()), text(row) {}
 };
 
 /// The row of a table whose keyword is the folded text, or null.
@@ -83,14 +87,41 @@ double quality(double q, const gas_constants &) {
     return q;
 }
 
+/// A quantity of the input pairs; its name is its letter in their codes.
+struct quantity {
+    described text;
+    reduction reduce;
+};
+
+constexpr quantity quantities[] = {
+    {{"t", "K", "temperature"}, temperature},
+    {{"p", "Pa", "pressure"}, pressure},
+    {{"v", "m3/kg", "specific volume"}, volume},
+    {{"d", "kg/m3", "density"}, density},
+    {{"h", "J/kg", "enthalpy"}, energy},
+    {{"u", "J/kg", "internal energy"}, energy},
+    {{"s", "J/(kg K)", "entropy"}, entropy},
+    {{"q", "-", "vapor quality, 0 for the saturated liquid, 1 for the saturated vapor"}, quality},
+};
+
+/// The quantity of a letter; in a table a letter of none does not compile.
+constexpr const quantity &quantity_of(char letter) {
+    const quantity *found = std::begin(quantities);
+    while (found->text.name[0] != letter)
+        ++found;
+    return *found;
+}
+
 /// Finds reduced (T, v) from the two reduced inputs; failures are left in the shared error text.
 using solver = void (*)(double in1, double in2, double &T, double &v);
 
 struct input_pair {
     keyword name;
+    solver solve;
     reduction reduce1;
     reduction reduce2;
-    solver solve;
+    consteval input_pair(std::string_view code, solver solution)
+        : name(code), solve(solution), reduce1(quantity_of(code[0]).reduce), reduce2(quantity_of(code[1]).reduce) {}
 };
 
 /// A solver for one of the two that takes the other as it is.
@@ -145,23 +176,23 @@ void from_t_q(double t, double q, double &T_found, double &v_found) {
 }
 
 constexpr input_pair input_pairs[] = {
-    {"tv", temperature, volume, T_v},
-    {"td", temperature, density, T_v},
-    {"pt", pressure, temperature, v_from_p_t},
-    {"pv", pressure, volume, T_from_x_v<thermodynamics::T__P_v>},
-    {"pd", pressure, density, T_from_x_v<thermodynamics::T__P_v>},
-    {"ph", pressure, energy, from_p_y<thermodynamics::v__h_P>},
-    {"ps", pressure, entropy, from_p_y<thermodynamics::v__s_P>},
-    {"pq", pressure, quality, from_p_q},
-    {"ts", temperature, entropy, v_from_t_s},
-    {"tq", temperature, quality, from_t_q},
-    {"vh", volume, energy, T_from_v_x<thermodynamics::T__h_v>},
-    {"vs", volume, entropy, T_from_v_x<thermodynamics::T__s_v>},
-    {"vu", volume, energy, T_from_v_x<thermodynamics::T__e_v>},
-    {"dh", density, energy, T_from_v_x<thermodynamics::T__h_v>},
-    {"ds", density, entropy, T_from_v_x<thermodynamics::T__s_v>},
-    {"du", density, energy, T_from_v_x<thermodynamics::T__e_v>},
-    {"hs", energy, entropy, from_h_s},
+    {"tv", T_v},
+    {"td", T_v},
+    {"pt", v_from_p_t},
+    {"pv", T_from_x_v<thermodynamics::T__P_v>},
+    {"pd", T_from_x_v<thermodynamics::T__P_v>},
+    {"ph", from_p_y<thermodynamics::v__h_P>},
+    {"ps", from_p_y<thermodynamics::v__s_P>},
+    {"pq", from_p_q},
+    {"ts", v_from_t_s},
+    {"tq", from_t_q},
+    {"vh", T_from_v_x<thermodynamics::T__h_v>},
+    {"vs", T_from_v_x<thermodynamics::T__s_v>},
+    {"vu", T_from_v_x<thermodynamics::T__e_v>},
+    {"dh", T_from_v_x<thermodynamics::T__h_v>},
+    {"ds", T_from_v_x<thermodynamics::T__s_v>},
+    {"du", T_from_v_x<thermodynamics::T__e_v>},
+    {"hs", from_h_s},
 };
 
 // Outputs at the reduced state, scaled back to SI.
@@ -179,39 +210,63 @@ std::array<double, 4> pressure_hessian(double T, double v) {
     return d2P;
 }
 
+struct transport {
+    double viscosity;
+    double conductivity;
+};
+
+transport reduced_transport(double T, double v) {
+    transport result{};
+    transport_properties::transport_coefficients(T, v, result.viscosity, result.conductivity);
+    return result;
+}
+
 struct output {
     keyword name;
-    evaluation evaluate;      ///< null while the quantity is not computed
+    evaluation evaluate;
     bool any_quality = false; ///< whether it has a meaning between the saturated states
 };
 
 constexpr output outputs[] = {
-    {"t", [](double T, double, const gas_constants &g) { return T * g.T_ref; }, true},
-    {"v", [](double, double v, const gas_constants &g) { return v * g.v_ref; }, true},
-    {"d", [](double, double v, const gas_constants &g) { return 1 / (v * g.v_ref); }, true},
-    {"p", [](double T, double v, const gas_constants &g) { return thermodynamics::P__T_v(T, v) * g.P_ref; }, true},
-    {"h", [](double T, double v, const gas_constants &g) { return thermodynamics::h__T_v(T, v) * g.P_ref * g.v_ref; }},
-    {"s", [](double T, double v, const gas_constants &g) { return thermodynamics::s__T_v(T, v) * g.R; }},
-    {"u", [](double T, double v, const gas_constants &g) { return thermodynamics::e__T_v(T, v) * g.P_ref * g.v_ref; }},
-    {"cv", [](double T, double v, const gas_constants &g) { return thermodynamics::cv__T_v(T, v) * g.R; }},
-    {"dp_dt",
+    {quantity_of('t').text, [](double T, double, const gas_constants &g) { return T * g.T_ref; }, true},
+    {quantity_of('v').text, [](double, double v, const gas_constants &g) { return v * g.v_ref; }, true},
+    {quantity_of('d').text, [](double, double v, const gas_constants &g) { return 1 / (v * g.v_ref); }, true},
+    {quantity_of('p').text,
+     [](double T, double v, const gas_constants &g) { return thermodynamics::P__T_v(T, v) * g.P_ref; }, true},
+    {quantity_of('h').text,
+     [](double T, double v, const gas_constants &g) { return thermodynamics::h__T_v(T, v) * g.P_ref * g.v_ref; }},
+    {quantity_of('s').text,
+     [](double T, double v, const gas_constants &g) { return thermodynamics::s__T_v(T, v) * g.R; }},
+    {quantity_of('u').text,
+     [](double T, double v, const gas_constants &g) { return thermodynamics::e__T_v(T, v) * g.P_ref * g.v_ref; }},
+    {{"cv", "J/(kg K)", "isochoric heat capacity"},
+     [](double T, double v, const gas_constants &g) { return thermodynamics::cv__T_v(T, v) * g.R; }},
+    {{"dp_dt", "Pa/K", "dp/dt at constant v"},
      [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[0] * g.P_ref / g.T_ref; }},
-    {"dp_dv",
+    {{"dp_dv", "Pa kg/m3", "dp/dv at constant t"},
      [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[1] * g.P_ref / g.v_ref; }},
-    {"d2p_dt2", [](double T, double v,
-                   const gas_constants &g) { return pressure_hessian(T, v)[0] * g.P_ref / (g.T_ref * g.T_ref); }},
-    {"d2p_dv2", [](double T, double v,
-                   const gas_constants &g) { return pressure_hessian(T, v)[3] * g.P_ref / (g.v_ref * g.v_ref); }},
-    {"d2p_dtdv", [](double T, double v,
-                    const gas_constants &g) { return pressure_hessian(T, v)[1] * g.P_ref / (g.T_ref * g.v_ref); }},
-    {"dcv_dt",
+    {{"d2p_dt2", "Pa/K2", "second derivative of p by t"},
+     [](double T, double v, const gas_constants &g) {
+         return pressure_hessian(T, v)[0] * g.P_ref / (g.T_ref * g.T_ref);
+     }},
+    {{"d2p_dv2", "Pa kg2/m6", "second derivative of p by v"},
+     [](double T, double v, const gas_constants &g) {
+         return pressure_hessian(T, v)[3] * g.P_ref / (g.v_ref * g.v_ref);
+     }},
+    {{"d2p_dtdv", "Pa kg/(K m3)", "second derivative of p by t and v"},
+     [](double T, double v, const gas_constants &g) {
+         return pressure_hessian(T, v)[1] * g.P_ref / (g.T_ref * g.v_ref);
+     }},
+    {{"dcv_dt", "J/(kg K2)", "dcv/dt at constant v"},
      [](double T, double v, const gas_constants &g) {
          std::array<double, 2> dcv{};
          thermodynamics::dcv__dT_dv(T, v, dcv);
          return dcv[0] * g.R / g.T_ref;
      }},
-    {"eta", nullptr},
-    {"lambda", nullptr},
+    {{"eta", "Pa s", "dynamic viscosity"},
+     [](double T, double v, const gas_constants &g) { return reduced_transport(T, v).viscosity * g.mu_ref; }},
+    {{"lambda", "W/(m K)", "thermal conductivity"},
+     [](double T, double v, const gas_constants &g) { return reduced_transport(T, v).conductivity * g.kk_ref; }},
 };
 
 struct information {
@@ -220,10 +275,27 @@ struct information {
 };
 
 constexpr information informations[] = {
-    {"m_mol", [](const gas_constants &g) { return g.MM / 1000; }},
-    {"t_crit", [](const gas_constants &g) { return g.Tc; }},
-    {"p_crit", [](const gas_constants &g) { return g.Pc; }},
+    {{"m_mol", "kg/mol", "molar mass"}, [](const gas_constants &g) { return g.MM / 1000; }},
+    {{"t_crit", "K", "critical temperature"}, [](const gas_constants &g) { return g.Tc; }},
+    {{"p_crit", "Pa", "critical pressure"}, [](const gas_constants &g) { return g.Pc; }},
 };
+
+/// What is told of a table's rows.
+template <class Described, class Row, std::size_t rows>
+consteval std::array<Described, rows> told(const Row (&table)[rows], Described (*tell)(const Row &row)) {
+    std::array<Described, rows> result;
+    std::transform(std::begin(table), std::end(table), result.begin(), tell);
+    return result;
+}
+constexpr auto told_pairs = told<described_pair, input_pair>(input_pairs, [](const input_pair &row) {
+    const std::string_view code = row.name.text.name;
+    return described_pair{code, quantity_of(code[0]).text, quantity_of(code[1]).text};
+});
+constexpr auto told_outputs = told<described_output, output>(outputs, [](const output &row) {
+    return described_output{row.name.text, row.any_quality};
+});
+constexpr auto told_informations =
+    told<described, information>(informations, [](const information &row) { return row.name.text; });
 
 /// Loads the fluid if its name is not the kept one, and says whether it did. A name of more than eight characters
 /// never is the kept one.
@@ -239,11 +311,6 @@ bool same_state(std::string_view inputspec, double input1, double input2) {
     return same_text(inputspec, os_inputspec.padded()) && input1 == os_input1 && input2 == os_input2;
 }
 
-/// A code in whose second place stands a quality, which is not that of the saturated vapor.
-bool mixture(std::string_view inputspec, double input2) {
-    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
-}
-
 double failure(std::span<char> errmsg, std::initializer_list<std::string_view> pieces) {
     fill_text(errmsg, pieces);
     return failure_value;
@@ -256,6 +323,24 @@ fixed_text<8> tolower_os(std::string_view text) {
     for (char &c : result.characters())
         c = lower(c);
     return result;
+}
+
+bool mixture(std::string_view inputspec, double input2) {
+    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
+}
+
+std::span<const described_pair> described_input_pairs() {
+    return told_pairs;
+}
+std::span<const described_output> described_outputs() {
+    return told_outputs;
+}
+std::span<const described> described_informations() {
+    return told_informations;
+}
+
+std::string fluid_directory() {
+    return host::fluid_directory();
 }
 
 double ostrel_prop(std::string_view fluid, std::string_view inputspec, double input1, double input2,
@@ -284,7 +369,7 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
         v = v_found;
     }
 
-    if (wanted == nullptr || wanted->evaluate == nullptr)
+    if (wanted == nullptr)
         return failure(errmsg, {"Ostrel error: calculation of ", outputspec, " not available."});
     fill_text(errmsg, {no_errors});
     return wanted->evaluate(T, v, gas);
@@ -372,8 +457,11 @@ void read_init_fluiddata(std::string_view name) {
     else
         readable = read_file(directory + std::string(fluid) + std::string(extension));
     // A failed open goes on with the parameters in memory.
-    if (readable)
-        thermodynamics::init_thermodynamics();
+    if (!readable)
+        return;
+    thermodynamics::init_thermodynamics();
+    if (shared_errmsg().clear())
+        transport_properties::init_transport_properties();
 }
 
 void read_init_fluiddatafile(std::string_view file) {

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace ostrel OSTREL_VISIBLE {
@@ -29,6 +30,33 @@ extern double v;
 
 /// The first eight characters in lower case, to which all codes and names are folded.
 records::fixed_text<8> tolower_os(std::string_view text);
+
+/// What a code or name of a request stands for, with its SI unit.
+struct described {
+    std::string_view name;
+    std::string_view unit;
+    std::string_view meaning;
+};
+struct described_pair {
+    std::string_view name;
+    described first;
+    described second;
+};
+struct described_output {
+    described text;
+    bool any_quality; ///< whether it is served between the saturated states
+};
+
+// The tables of what requests may name, in the order in which they are searched.
+std::span<const described_pair> described_input_pairs();
+std::span<const described_output> described_outputs();
+std::span<const described> described_informations();
+
+/// Whether the second place of the pair is a quality, and not that of the saturated vapor.
+bool mixture(std::string_view inputspec, double input2);
+
+/// The folder in which fluids are sought, with its separator.
+std::string fluid_directory();
 
 /// One property; arguments as ostrel.h has them, errmsg is the caller's field.
 double ostrel_prop(std::string_view fluid, std::string_view inputspec, double input1, double input2,

@@ -10,46 +10,18 @@ gas_constants gas;
 
 namespace {
 
-enum class given { always, with_critical_data, with_reference_state };
-
-/// One record with one constant: its name and file unit, when it is there, and how the file's number
-/// becomes the stored one when it is read and the other way round when it is written.
-struct constant {
-    std::string_view name;
-    std::string_view unit;
-    given when;
-    double gas_constants::*value;
-    double read_factor = 1.0;
-    double write_divisor = 1.0;
-};
-
-constexpr constant reference_and_critical[] = {
-    {"T_ref", "K", given::with_reference_state, &gas_constants::T_ref},
-    {"P_ref", "atm", given::with_reference_state, &gas_constants::P_ref, pascal_per_atm},
-    {"v_ref", "m3/kg", given::with_reference_state, &gas_constants::v_ref},
-    {"Tc", "K", given::with_critical_data, &gas_constants::Tc},
-    {"Pc", "atm", given::with_critical_data, &gas_constants::Pc, pascal_per_atm, pascal_per_atm},
-    {"Zc", "-", given::with_critical_data, &gas_constants::Zc},
-    {"Tb", "K", given::with_critical_data, &gas_constants::Tb},
-};
-constexpr constant transport[] = {
-    {"mur", "-", given::always, &gas_constants::mur},
-    {"kh", "-", given::always, &gas_constants::kh},
-};
-
-bool applies(const constant &entry, bool vapor) {
-    return entry.when == given::always || (entry.when == given::with_critical_data) == vapor;
+bool read(records::record_reader &in, gas_constants &fluid, const constant &entry) {
+    double &value = fluid.*entry.value;
+    if (!in.read({{entry.name, value}}))
+        return false;
+    value *= entry.read_factor;
+    return true;
 }
 
 bool read(records::record_reader &in, gas_constants &fluid, std::span<const constant> constants) {
-    for (const constant &entry : constants) {
-        if (!applies(entry, fluid.vapor))
-            continue;
-        double &value = fluid.*entry.value;
-        if (!in.read({{entry.name, value}}))
+    for (const constant &entry : constants)
+        if (applies(entry, fluid.vapor) && !read(in, fluid, entry))
             return false;
-        value *= entry.read_factor;
-    }
     return true;
 }
 
@@ -67,15 +39,20 @@ void derive_from_critical_data(gas_constants &fluid) {
     fluid.Z_ref = fluid.Zc;
 }
 
-void read(records::record_reader &in, gas_constants &fluid) {
+/// The records up to `vapor`.
+bool read_head(records::record_reader &in, gas_constants &fluid) {
     in.skip("a heading");
     in.read_name("name", fluid.name);
     in.read_name("label", fluid.label);
     in.skip("a heading");
-    if (!in.read({{"MM", fluid.MM}}))
-        return;
+    if (!read(in, fluid, molar_mass))
+        return false;
     fluid.R = universal_gas_constant / fluid.MM;
-    if (!in.read({{"vapor", fluid.vapor}}) || !read(in, fluid, reference_and_critical))
+    return in.read({{"vapor", fluid.vapor}});
+}
+
+void read(records::record_reader &in, gas_constants &fluid) {
+    if (!read_head(in, fluid) || !read(in, fluid, reference_and_critical))
         return;
     if (fluid.vapor)
         derive_from_critical_data(fluid);
@@ -92,6 +69,21 @@ void read_param_gas_properties(records::file_reader &unit) {
 
 void read_param_gas_propertiesdb(records::line_reader &lines) {
     read(lines, gas);
+}
+
+std::int64_t record_of_critical_pressure(records::file_reader &unit) {
+    gas_constants scratch;
+    if (!read_head(unit, scratch))
+        return 0;
+    for (const constant &entry : reference_and_critical) {
+        if (!applies(entry, scratch.vapor))
+            continue;
+        if (!read(unit, scratch, entry))
+            return 0;
+        if (entry.value == &gas_constants::Pc)
+            return unit.record_number();
+    }
+    return 0;
 }
 
 void write_param_gas_properties(records::record_writer &unit) {

@@ -14,6 +14,7 @@
 #include "Records/record_writer.h"
 #include "visibility.h"
 
+#include <cstdint>
 #include <string_view>
 
 namespace gas_properties OSTREL_VISIBLE {
@@ -54,9 +55,47 @@ struct gas_constants {
 /// The active fluid.
 extern gas_constants gas;
 
+/// When a constant has a record in the section.
+enum class given { always, with_critical_data, with_reference_state };
+
+/// One record with one constant: its name and file unit, what it is, when it is there, and how the file's number
+/// becomes the stored one when it is read and the other way round when it is written.
+struct constant {
+    std::string_view name;
+    std::string_view unit;
+    std::string_view meaning;
+    given when;
+    double gas_constants::*value;
+    double read_factor = 1.0;
+    double write_divisor = 1.0;
+};
+
+/// The constants in the order of their records; behind the first stands the record `vapor`.
+inline constexpr constant molar_mass = {"MM", "kg/kmol", "molar mass", given::always, &gas_constants::MM};
+inline constexpr constant reference_and_critical[] = {
+    {"T_ref", "K", "reference temperature", given::with_reference_state, &gas_constants::T_ref},
+    {"P_ref", "atm", "reference pressure", given::with_reference_state, &gas_constants::P_ref, pascal_per_atm},
+    {"v_ref", "m3/kg", "reference specific volume", given::with_reference_state, &gas_constants::v_ref},
+    {"Tc", "K", "critical temperature", given::with_critical_data, &gas_constants::Tc},
+    {"Pc", "atm", "critical pressure", given::with_critical_data, &gas_constants::Pc, pascal_per_atm, pascal_per_atm},
+    {"Zc", "-", "critical compressibility factor", given::with_critical_data, &gas_constants::Zc},
+    {"Tb", "K", "normal boiling temperature", given::with_critical_data, &gas_constants::Tb},
+};
+inline constexpr constant transport[] = {
+    {"mur", "-", "reduced dipole moment", given::always, &gas_constants::mur},
+    {"kh", "-", "association factor", given::always, &gas_constants::kh},
+};
+
+/// Whether the section of a fluid with critical data, or of one without, has the constant.
+constexpr bool applies(const constant &entry, bool vapor) {
+    return entry.when == given::always || (entry.when == given::with_critical_data) == vapor;
+}
+
 /// Reads the section from a parameter file, or from the lines of a fluid database.
 void read_param_gas_properties(records::file_reader &unit);
 void read_param_gas_propertiesdb(records::line_reader &lines);
+/// Number of the record in which the section has the critical pressure; 0 if there is none or it cannot be read.
+std::int64_t record_of_critical_pressure(records::file_reader &unit);
 /// Writes the section; a plain reference pressure is written in Pa, as stored, not in atm as it is read.
 void write_param_gas_properties(records::record_writer &unit);
 

@@ -24,6 +24,20 @@ namespace ideal_specific_heat {
 /// The forms by their code in parameter files.
 enum form : std::int32_t { constant = 1, power_law = 2, polynomial = 3, piecewise = 4, einstein = 5 };
 
+struct described_form {
+    form code;
+    std::string_view name;
+    std::string_view equation;
+};
+inline constexpr described_form forms[] = {
+    {constant, "constant", "cv = cv_0"},
+    {power_law, "power law", "cv = cv_oo_Tc (T/Tc)^np"},
+    {polynomial, "sum of powers", "cv = cv_0 + sum a_i T^n_i"},
+    {piecewise, "sums of powers by temperature interval",
+     "cv = cv_0_k + sum a_ik T^n_ik for T_k < T < T_(k+1), else 0"},
+    {einstein, "constant and Einstein terms", "cv = cv_0 + R sum x^2 e^x/(e^x - 1)^2, x = Tv/T"},
+};
+
 /// Units are those after initialisation.
 struct heat_capacity {
     bool coeff_adim = false;        ///< coefficients in units of Rgas, temperatures in units of T_ref

@@ -21,16 +21,17 @@
     USE(what, d2P__dT2_dv2, 4)             \
     USE(what, d2e__dT2_dv2, 4)
 
-/// gas_type, module and suffix of the models, their short names of 3 and their long names of 29 characters.
-#define OSTREL_MODELS(USE, what)                                                        \
-    USE(what, 1, ideal_gas, IG, "IG ", "IDEAL GAS MODEL              ")                 \
-    USE(what, 2, van_der_waals_gas, vdWG, "VDW", "VAN DER WAALS GAS MODEL      ")       \
-    USE(what, 3, martin_hou_gas, MHG, "MH ", "MARTIN-HOU GAS MODEL         ")           \
-    USE(what, 4, soave_redlich_kwong_gas, SRKG, "SRK", "SOAVE-REDLICH-KWONG GAS MODEL") \
-    USE(what, 5, peng_robinson_gas, PRG, "PR ", "PENG-ROBINSON GAS MODEL      ")        \
-    USE(what, 6, redlich_kwong_gas, RKG, "RK ", "REDLICH-KWONG GAS MODEL      ")        \
-    USE(what, 7, clausius_II_gas, CIIG, "CII", "CLAUSIUS II GAS MODEL        ")         \
-    USE(what, 8, ideal_Z_gas, IZG, "IZG", "IDEAL Z GAS MODEL            ")
+/// gas_type, module and suffix of the models, their short names of 3 and their long names of 29 characters, and what
+/// people call them.
+#define OSTREL_MODELS(USE, what)                                                                               \
+    USE(what, 1, ideal_gas, IG, "IG ", "IDEAL GAS MODEL              ", "ideal gas")                           \
+    USE(what, 2, van_der_waals_gas, vdWG, "VDW", "VAN DER WAALS GAS MODEL      ", "van der Waals")             \
+    USE(what, 3, martin_hou_gas, MHG, "MH ", "MARTIN-HOU GAS MODEL         ", "Martin-Hou")                    \
+    USE(what, 4, soave_redlich_kwong_gas, SRKG, "SRK", "SOAVE-REDLICH-KWONG GAS MODEL", "Soave-Redlich-Kwong") \
+    USE(what, 5, peng_robinson_gas, PRG, "PR ", "PENG-ROBINSON GAS MODEL      ", "Peng-Robinson")              \
+    USE(what, 6, redlich_kwong_gas, RKG, "RK ", "REDLICH-KWONG GAS MODEL      ", "Redlich-Kwong")              \
+    USE(what, 7, clausius_II_gas, CIIG, "CII", "CLAUSIUS II GAS MODEL        ", "Clausius II")                 \
+    USE(what, 8, ideal_Z_gas, IZG, "IZG", "IDEAL Z GAS MODEL            ", "ideal gas with constant Z")
 
 /// The operation set of a model in its header. OSTREL_DECLARE_MODEL(CIIG) becomes
 ///   void read_param_CIIG(records::record_reader &unit);   void write_param_CIIG(records::record_writer &unit);

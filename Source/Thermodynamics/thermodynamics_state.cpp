@@ -11,8 +11,8 @@ using ideal_specific_heat::errmsg;
 
 std::int32_t gas_type = 0;
 // In the order of gas_type: an array too short for a row, or a row too few, does not compile.
-#define OSTREL_SHORT_NAME(unused, type, module, X, short_name, long_name) std::string_view(short_name),
-#define OSTREL_LONG_NAME(unused, type, module, X, short_name, long_name)  std::string_view(long_name),
+#define OSTREL_SHORT_NAME(unused, type, module, X, short_name, long_name, ...) std::string_view(short_name),
+#define OSTREL_LONG_NAME(unused, type, module, X, short_name, long_name, ...)  std::string_view(long_name),
 const std::array<std::string_view, 8> gas_short_names = std::to_array({OSTREL_MODELS(OSTREL_SHORT_NAME, )});
 const std::array<std::string_view, 8> gas_names = std::to_array({OSTREL_MODELS(OSTREL_LONG_NAME, )});
 double Tmin = 0;

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+// ostrel check: a parameter file in words, and whether it can be used.
+#include "CommandLine/command.h"
+#include "CommandLine/critical_pressure.h"
+#include "CommandLine/description.h"
+#include "CommandLine/report.h"
+#include "CommandLine/warnings.h"
+#include "Thermodynamics/thermodynamics.h"
+
+#include <iostream>
+#include <memory>
+
+namespace command {
+namespace {
+
+/// What can be seen where reading stopped.
+std::vector<std::string> stopped_at(const parameter_file &file) {
+    if (file.last_record > 0 && file.text.empty())
+        return {"The file is empty."};
+    if (file.text.find('\0') != std::string::npos)
+        return {"This is not a text file."};
+    std::string_view rest = file.text;
+    for (std::int64_t record = 1; !rest.empty(); ++record) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        if (record == file.last_record)
+            return {"Record " + std::to_string(record) + " is: " + printable(line.substr(0, 100))};
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+    return {};
+}
+
+/// What would help a file that does not initialise.
+std::vector<std::string> remedy(const parameter_file &file) {
+    if (file.not_initialised.find(" is not a vapor:") != std::string::npos)
+        return {"That wants critical data: T in the record of vapor, and behind it Tc, Pc, Zc and Tb."};
+    if (file.not_initialised.find("do not match") != std::string::npos)
+        return {"Viscosity 2 goes with conductivity 2, and 3 with 3."};
+    if (file.not_initialised.find("v__P_T__") == std::string::npos)
+        return {};
+    std::vector<std::string> lines = {
+        "From these very digits of Tc and Pc the model does not find its critical volume."};
+    if (const auto better = nearest_critical_pressure(file))
+        lines.push_back("The nearest Pc with which it does is " + better->value + " atm, in record " +
+                        std::to_string(better->record) + ".");
+    else
+        lines.emplace_back("No value of Pc near it does either: look at the constants.");
+    return lines;
+}
+
+void examine(const std::string &path) {
+    const parameter_file file = load_file(path);
+    if (!file.unreadable.empty())
+        throw failure(file.unreadable, stopped_at(file));
+    describe(std::cout, file);
+    std::vector<std::string> warnings = suspicions(file);
+    std::string unusable = file.not_initialised;
+    std::vector<std::string> advice;
+    if (!unusable.empty()) {
+        advice = remedy(file);
+    } else if (model_name() == "unknown") {
+        unusable = "gas_type " + std::to_string(thermodynamics::gas_type) + " is none of the models 1 to 8";
+    } else {
+        const std::vector<std::string> seen = trial(unusable);
+        warnings.insert(warnings.end(), seen.begin(), seen.end());
+    }
+    if (!warnings.empty() || unusable.empty())
+        std::cout << '\n';
+    for (const std::string &text : warnings)
+        std::cout << "warning: " << text << '\n';
+    if (!unusable.empty())
+        throw failure(unusable, advice);
+    std::cout << "This file can be used.\n";
+}
+
+} // namespace
+
+void add_check(CLI::App &program) {
+    CLI::App *const command = program.add_subcommand("check", "Say in words what a parameter file means");
+    const auto path = std::make_shared<std::string>();
+    command->add_option("FILE", *path, "A parameter file, from anywhere")->required()->type_name("");
+    command->footer("A file that can be used may still get warnings; the exit code is then 0.\n\n"
+                    "Example:\n  ostrel check Fluids/toluene.osd");
+    command->callback([path] { examine(*path); });
+}
+
+} // namespace command

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// ostrel db: parameter files into a fluid database and out of it.
+#include "CommandLine/command.h"
+#include "CommandLine/loading.h"
+#include "CommandLine/report.h"
+#include "CommandLine/suggestions.h"
+#include "Host/fluid_database.h"
+#include "Host/fluid_database_files.h"
+#include "Thermodynamics/thermodynamics.h"
+#include "Thermodynamics/transport_properties.h"
+#include "host.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <system_error>
+
+namespace command {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view extension = ".osd";
+
+/// What keeps the library from reading the text from a database, empty if nothing does.
+std::string unreadable(const fluid_database::entry &fluid) {
+    if (std::string reason = fluid_database::unreadable(fluid.text); !reason.empty())
+        return reason;
+    std::string entries(static_cast<std::size_t>(host::line_count) * host::line_length, ' ');
+    fluid_database::split(fluid.text, entries, host::line_length);
+    std::int32_t index = 0;
+    records::line_reader lines(fluid.name + " as lines of a database", entries.data(), index, host::line_count,
+                               static_cast<std::int32_t>(host::line_length));
+    thermodynamics::read_param_thermodynamicsdb(lines);
+    transport_properties::read_param_transport_propertiesdb(lines);
+    return std::string(lines.message());
+}
+
+fluid_database::entry entry_of(const std::string &path) {
+    const std::string file = fs::path(path).filename().string();
+    if (!file.ends_with(extension) || file.size() == extension.size())
+        throw failure(path + " is not named like a parameter file, NAME.osd");
+    const parameter_file read = load_file(path);
+    if (!read.unreadable.empty())
+        throw failure(read.unreadable);
+    fluid_database::entry fluid{file.substr(0, file.size() - extension.size()), read.text};
+    if (const std::string reason = unreadable(fluid); !reason.empty())
+        throw failure(path + " cannot be read from a database: " + reason);
+    return fluid;
+}
+
+void import_files(const std::string &database, const std::vector<std::string> &paths) {
+    std::vector<fluid_database::entry> fluids;
+    std::set<std::string> names;
+    for (const std::string &path : paths) {
+        fluids.push_back(entry_of(path));
+        if (!names.insert(fluids.back().name).second)
+            throw failure(path + ": the name " + fluids.back().name + " is given twice");
+    }
+    const std::vector<bool> replaced = fluid_database::put(database, fluids);
+    report done = {.columns = {{"name"}, {"what"}}};
+    for (std::size_t i = 0; i < fluids.size(); ++i)
+        done.rows.push_back({fluids[i].name, replaced[i] ? "replaced" : "added"});
+    write_columns(std::cout, done);
+}
+
+failure not_there(const std::string &name, const std::string &database, const std::vector<fluid_database::entry> &all) {
+    std::vector<std::string> names(all.size());
+    std::transform(all.begin(), all.end(), names.begin(), [](const auto &fluid) { return fluid.name; });
+    return failure("there is no fluid " + name + " in " + database, {did_you_mean(name, names)});
+}
+
+/// The entries of those names, or all if none is named.
+std::vector<fluid_database::entry> chosen(const std::string &database, const std::vector<std::string> &names) {
+    std::error_code ignored;
+    if (!fs::exists(database, ignored))
+        throw failure("there is no database " + database);
+    std::vector<fluid_database::entry> all = fluid_database::all(database);
+    if (names.empty())
+        return all;
+    std::vector<fluid_database::entry> result;
+    for (const std::string &name : names) {
+        const auto place =
+            std::find_if(all.begin(), all.end(), [&](const auto &candidate) { return candidate.name == name; });
+        if (place == all.end())
+            throw not_there(name, database, all);
+        result.push_back(*place);
+    }
+    return result;
+}
+
+void export_files(const std::string &database, const std::string &folder, const std::vector<std::string> &names,
+                  bool force) {
+    const std::vector<fluid_database::entry> fluids = chosen(database, names);
+    std::error_code ignored;
+    if (!fs::is_directory(folder, ignored))
+        throw failure("there is no folder " + folder);
+    const auto path = [&](const fluid_database::entry &fluid) {
+        return (fs::path(folder) / (fluid.name + std::string(extension))).string();
+    };
+    for (const auto &fluid : fluids) {
+        if (fluid.name.empty() || fluid.name.find_first_of(std::string("/\0", 2)) != std::string::npos)
+            throw failure('"' + printable(fluid.name) + "\" in " + database + " is no name for a file");
+        if (!force && fs::exists(path(fluid), ignored))
+            throw failure(path(fluid) + " exists", {"Nothing was written; --force overwrites."});
+    }
+    for (const auto &fluid : fluids) {
+        std::ofstream file(path(fluid), std::ios::binary);
+        file.write(fluid.text.data(), static_cast<std::streamsize>(fluid.text.size()));
+        file.close();
+        if (!file)
+            throw failure(path(fluid) + " cannot be written: " + std::generic_category().message(errno));
+        std::cout << path(fluid) << '\n';
+    }
+    if (fluids.empty())
+        std::cout << "There are no fluids in " << database << '\n';
+}
+
+} // namespace
+
+void add_db(CLI::App &program) {
+    CLI::App *const db = program.add_subcommand("db", "Fill a fluid database (SQLite), or take files out of one");
+    db->require_subcommand(1);
+    const auto database = std::make_shared<std::string>();
+    const auto texts = std::make_shared<std::vector<std::string>>();
+    const auto folder = std::make_shared<std::string>(".");
+    const auto force = std::make_shared<bool>(false);
+
+    CLI::App *const import = db->add_subcommand("import", "Put parameter files into a database");
+    import->add_option("DATABASE", *database, "Database file; it is made if there is none")->required()->type_name("");
+    import->add_option("FILES", *texts, "Parameter files; a fluid's name is its file's without .osd")
+        ->required()
+        ->type_name("");
+    import->footer("All files or, if one cannot be used, none.\n\nExample:\n  ostrel db import fluids.db Fluids/*.osd");
+    import->callback([=] { import_files(*database, *texts);
+});
+
+CLI::App *const take = db->add_subcommand("export", "Write a database's fluids to parameter files");
+take->add_option("DATABASE", *database, "Database file")->required()->type_name("");
+take->add_option("FOLDER", *folder, "Where the files go; the current folder if not named")->type_name("");
+take->add_option("NAMES", *texts, "Fluids; all if none is named")->type_name("");
+take->add_flag("--force", *force, "Overwrite files");
+take->footer("Example:\n  ostrel db export fluids.db . toluene");
+take->callback([=] { export_files(*database, *folder, *texts, *force); });
+}
+
+} // namespace command

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "CommandLine/loading.h"
+
+#include "CommandLine/command.h"
+#include "CommandLine/report.h"
+#include "CommandLine/suggestions.h"
+#include "Ostrel_Main.h"
+#include "Thermodynamics/model_choice.h"
+#include "Thermodynamics/transport_properties.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace command {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ideal_specific_heat::errmsg;
+
+/// Puts what a fluid sets at the value it has when the library is loaded.
+void forget_fluid() {
+    gas_properties::gas = {};
+    ideal_specific_heat::active = {};
+    errmsg.reset();
+#define OSTREL_FORGET_MODEL(unused, type, module, ...) module::active = {};
+    OSTREL_MODELS(OSTREL_FORGET_MODEL, )
+#undef OSTREL_FORGET_MODEL
+    transport_properties::active = {};
+    thermodynamics::gas_type = 0;
+}
+
+std::string initialise() {
+    thermodynamics::init_thermodynamics();
+    if (errmsg.clear())
+        transport_properties::init_transport_properties();
+    return errmsg.clear() ? std::string() : error_text(errmsg.padded());
+}
+
+/// What a user may do about a fluid that does not load.
+std::vector<std::string> loading_advice(const std::string &fluid) {
+    std::error_code ignored;
+    const std::string path = path_of(fluid);
+    if (fs::exists(path, ignored) && fluid.find('/') == std::string::npos)
+        return {"\"ostrel check " + path + "\" says more about this file."};
+    std::vector<std::string> advice = {"There is no file " + fluid + ".osd in the fluid folder " + fluid_folder()};
+    if (fluid.find('/') != std::string::npos)
+        advice = {
+            "A fluid is named by its file in the fluid folder, without \".osd\"; --fluids chooses another folder."};
+    const std::string meant = did_you_mean(fluid, fluid_names());
+    advice.push_back(!meant.empty() ? meant : "\"ostrel fluids\" lists the fluids that are there.");
+    return advice;
+}
+
+} // namespace
+
+std::string error_text(std::string_view text) {
+    std::string result = printable(records::trimmed(text));
+    // The library's degree sign is Latin-1.
+    const std::size_t degree = result.find(" \xB0"
+                                           "C");
+    if (degree != std::string::npos)
+        result.insert(degree + 1, 1, '\xC2');
+    return result;
+}
+
+std::string fluid_folder() {
+    std::string folder = ostrel::fluid_directory();
+    std::error_code ignored;
+    if (!fs::is_directory(folder, ignored))
+        throw failure("there is no fluid folder " + folder,
+                      {"--fluids and the environment variable OSTREL_FLUIDS name the folder of the parameter files."});
+    return folder;
+}
+
+std::vector<std::string> fluid_names() {
+    constexpr std::size_t length = 256;
+    std::string entries(500 * length, ' ');
+    std::int32_t count = 0;
+    ostrel::ostrel_fluids(count, entries.data(), length);
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+        names.emplace_back(records::trimmed(std::string_view(entries).substr(i * length, length)));
+    return names;
+}
+
+std::string path_of(const std::string &fluid) {
+    return fluid_folder() + fluid + ".osd";
+}
+
+void load_fluid(const std::string &fluid) {
+    fluid_folder();
+    forget_fluid();
+    ostrel::read_init_fluiddata(fluid);
+    if (!errmsg.clear())
+        throw failure(error_text(errmsg.padded()), loading_advice(fluid));
+}
+
+parameter_file load_file(const std::string &path) {
+    parameter_file result{.path = path};
+    forget_fluid();
+    std::error_code ignored;
+    if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored)) {
+        result.unreadable = path + (fs::is_directory(path, ignored) ? " is a folder" : " is not a regular file");
+        return result;
+    }
+    records::file_reader file(path);
+    if (file.open_status() != 0) {
+        result.unreadable = path + ": " + std::generic_category().message(file.open_status());
+        return result;
+    }
+    std::ifstream stream(path, std::ios::binary);
+    result.text.assign(std::istreambuf_iterator<char>(stream), {});
+    thermodynamics::read_param_thermodynamics(file);
+    transport_properties::read_param_transport_properties(file);
+    result.last_record = file.record_number();
+    result.constants = gas_properties::gas;
+    result.heat_capacity = ideal_specific_heat::active;
+    if (file.failed())
+        result.unreadable = file.message();
+    else
+        result.not_initialised = initialise();
+    return result;
+}
+
+} // namespace command

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// The command ostrel: properties, fluids and parameter files from the command line.
+#include "CommandLine/command.h"
+#include "CommandLine/suggestions.h"
+#include "Ostrel_Main.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+
+namespace {
+
+std::string version() {
+    std::string text = "ostrel " OSTREL_PACKAGE_VERSION ", interface ";
+    for (const std::int32_t number : ostrel::getversion())
+        text += std::to_string(number) + '.';
+    text.pop_back();
+    return text;
+}
+
+/// The arguments, last first as CLI11 takes them; it knows a negative number by the digit behind its sign.
+std::vector<std::string> arguments(int argc, char **argv) {
+    std::vector<std::string> result(argv + 1, argv + argc);
+    for (std::string &text : result)
+        if (text.starts_with("-."))
+            text.insert(1, 1, '0');
+    std::reverse(result.begin(), result.end());
+    return result;
+}
+
+/// Says which word is no command, if that is what is wrong with the arguments.
+bool unknown_command(const CLI::App &program) {
+    const std::vector<std::string> rest = program.remaining(true);
+    const CLI::App *at = &program;
+    while (!at->get_subcommands().empty())
+        at = at->get_subcommands().front();
+    std::vector<std::string> names;
+    for (const CLI::App *const command : at->get_subcommands([](const CLI::App *) { return true; }))
+        names.push_back(command->get_name());
+    if (rest.empty() || names.empty())
+        return false;
+    const std::string meant = command::did_you_mean(rest.front(), names);
+    std::cerr << '"' << rest.front() << "\" is no command. "
+              << (meant.empty() ? "There are " + command::joined(names, ", ", " and ") + '.' : meant) << '\n';
+    return true;
+}
+
+int run(int argc, char **argv) {
+    CLI::App program("Thermodynamic and transport properties of pure fluids from simple equations of state.", "ostrel");
+    program.require_subcommand(1);
+    program.fallthrough();
+    program.set_version_flag("--version", version(), "Print the versions of the package and of its interface");
+    program.set_help_flag("-h,--help", "Print this help");
+    program
+        .add_option_function<std::string>(
+            "--fluids", [](const std::string &folder) { setenv("OSTREL_FLUIDS", folder.c_str(), 1); },
+            "Folder of the parameter files, in place of $OSTREL_FLUIDS and of the installed one")
+        ->type_name("FOLDER")
+        ->trigger_on_parse();
+    command::add_fluids(program);
+    command::add_info(program);
+    command::add_prop(program);
+    command::add_check(program);
+    command::add_db(program);
+    program.footer("Each command has a --help of its own, with examples.\n"
+                   "Exit codes: 0 done, 1 the request failed (the reason is on standard error), 2 wrong usage.");
+    try {
+        program.parse(arguments(argc, argv));
+    } catch (const CLI::RequiredError &stop) {
+        if (!unknown_command(program))
+            program.exit(stop);
+        return command::wrong_usage;
+    } catch (const CLI::ParseError &stop) {
+        return program.exit(stop) == 0 ? 0 : command::wrong_usage;
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    int status = command::failed;
+    try {
+        status = run(argc, argv);
+    } catch (const command::failure &reason) {
+        const std::string text = reason.what();
+        std::cerr << "ostrel:" << (text.starts_with(' ') ? "" : " ") << text << '\n';
+        for (const std::string &line : reason.advice())
+            if (!line.empty())
+                std::cerr << line << '\n';
+    } catch (const std::exception &reason) {
+        std::cerr << "ostrel: " << reason.what() << '\n';
+    }
+    std::cout.flush();
+    if (!std::cout) {
+        std::cerr << "ostrel: standard output cannot be written\n";
+        return command::failed;
+    }
+    return status;
+}
