@@ -22,4 +22,5 @@ need_packages() {
 }
 
 packages_to_build="cmake ninja-build gcc g++ libc6-dev libsqlite3-dev"
-packages_to_test="$packages_to_build gfortran libgtest-dev libgmock-dev libbenchmark-dev python3"
+packages_of_command="libcli11-dev nlohmann-json3-dev"
+packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev pkg-config python3"

@@ -1,0 +1,39 @@
+# What is installed, and how other projects find it there. All paths in it are relative, so that the tree may be moved.
+include(CMakePackageConfigHelpers)
+set(OSTREL_INSTALL_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrel)
+set(OSTREL_INSTALL_FORTRANDIR ${CMAKE_INSTALL_DATADIR}/ostrel/Fortran)
+set(OSTREL_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/ostrel)
+
+# The headers of the modules, which include each other from their folder.
+add_library(ostrel_modules INTERFACE)
+add_library(ostrel::modules ALIAS ostrel_modules)
+set_target_properties(ostrel_modules PROPERTIES EXPORT_NAME modules)
+target_include_directories(ostrel_modules INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/Source> $<INSTALL_INTERFACE:${OSTREL_INSTALL_MODULEDIR}>)
+target_compile_features(ostrel_modules INTERFACE cxx_std_20)
+target_link_libraries(ostrel_modules INTERFACE ostrel)
+
+set(OSTREL_FORTRAN_SOURCE ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90)
+include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
+
+install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES Include/ostrel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# Without these two: what they declare stays inside the library.
+install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
+        FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console_stop.h EXCLUDE)
+install(FILES ${OSTREL_FORTRAN_SOURCE} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
+install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} FILES_MATCHING PATTERN "*.osd")
+
+install(EXPORT ostrelTargets NAMESPACE ostrel:: DESTINATION ${OSTREL_INSTALL_CMAKEDIR})
+configure_package_config_file(cmake/ostrelConfig.cmake.in ostrelConfig.cmake
+  INSTALL_DESTINATION ${OSTREL_INSTALL_CMAKEDIR} PATH_VARS OSTREL_INSTALL_FLUIDDIR OSTREL_INSTALL_FORTRANDIR)
+# While the first number is 0, versions of one second number go together.
+write_basic_package_version_file(ostrelConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ostrelConfig.cmake ${PROJECT_BINARY_DIR}/ostrelConfigVersion.cmake
+              cmake/fortran_module.cmake DESTINATION ${OSTREL_INSTALL_CMAKEDIR})
+
+set(pc_folder ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH OSTREL_PC_TO_INCLUDE ${pc_folder} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+file(RELATIVE_PATH OSTREL_PC_TO_DATA ${pc_folder} ${CMAKE_INSTALL_FULL_DATADIR})
+configure_file(cmake/ostrel.pc.in ostrel.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ostrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
