@@ -20,7 +20,7 @@ std::string version() {
 
 /// The arguments, last first as CLI11 takes them; it knows a negative number by the digit behind its sign.
 std::vector<std::string> arguments(int argc, char **argv) {
-    std::vector<std::string> result(argv + 1, argv + argc);
+    std::vector<std::string> result(argv + std::min(argc, 1), argv + argc);
     for (std::string &text : result)
         if (text.starts_with("-."))
             text.insert(1, 1, '0');

@@ -14,13 +14,22 @@ std::string viscosity_note() {
 }
 
 std::string conductivity_note() {
-    const bool dilute = active.thermal_cond_model == transport_properties::dilute_gas_conductivity;
-    if (!dilute && active.thermal_cond_model != transport_properties::dense_gas_conductivity)
+    using namespace transport_properties;
+    const bool same_kind = active.thermal_cond_model == active.viscosity_model;
+    const auto scaled = [](const std::string &factor) {
+        return "lambda by Chung's models is " + factor + " times smaller than W/(m K): multiply it by " + factor + ".";
+    };
+    switch (active.thermal_cond_model) {
+    case dilute_gas_conductivity:
+        // Its formula takes a viscosity in 0.1 Pa s, whatever the viscosity model answers in.
+        return scaled(same_kind ? "17.506" : "175.06");
+    case dense_gas_conductivity:
+        return same_kind
+                   ? scaled("17.506")
+                   : "lambda by Chung's dense gas lacks the dilute gas's part without his viscosity: do not use it.";
+    default:
         return {};
-    // The dilute gas's formula takes its viscosity in 0.1 Pa s, whatever the viscosity model answers in.
-    const std::string factor =
-        dilute && active.viscosity_model != transport_properties::dilute_gas ? "175.06" : "17.506";
-    return "lambda by Chung's models is " + factor + " times smaller than W/(m K): multiply it by " + factor + ".";
+    }
 }
 
 } // namespace command

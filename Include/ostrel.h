@@ -10,18 +10,23 @@
  * Errors. An error text says "No errors" on success; compare its first nine characters, and test the text,
  * not the value: a success may be a NaN or an infinity. Nothing here stops the process or throws.
  *   " IOSTAT returned" n       the fluid's file cannot be opened; n is errno's code, 2 = there is no such file
- *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a model that
- *                              is not available
+ *   " Error in Ostrel: error opening fluid" name    the fluid database does not give the fluid
+ *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a refused quality,
+ *                              memory that is out, a host routine that threw
  *   "The gas ... is not a vapor: ..."    the model, heat capacity or viscosity wants critical data
  *   "Viscosity and thermal conductivity model do not match. ..."    Chung's viscosities want Chung's conductivity of
  *                              the same kind
  *   " ERROR:  v__P_T__... STOP"    the model's critical volume is not found from these very digits of Tc and Pc;
  *                              another last digit of either helps
- *   "ERROR: in ..."            the solver for the pair has not converged in 50 steps from its default first values
+ *   "ERROR: in ..."            the solver for the pair has not converged in 50 steps from its default first values,
+ *                              or has met a singular Jacobian
  *   "Saturation ... higher than critical ...", "... out of range: ...", "Newton method failed ...",
  *   "No solution has been found ..."    there is no saturated state there, or it is not found
- *   " Matrix A is singular. ..."    a solver met a singular Jacobian. From then on "ph", "ps", "hs", "pq" and "tq"
- *                              fail for every fluid until the library is loaded anew
+ *   " Matrix A is singular. ..."    "pq" or "tq" met a singular Jacobian
+ * After a singular Jacobian "ph", "ps", "hs", "pq" and "tq" fail for every fluid, unless their first values already are
+ * the solution, until the library is loaded anew. The degree sign in a range of temperatures is the one byte 0xB0.
+ * A number of a model that does not exist is not reported: a file with such a gas_type answers 0, with such a viscosity
+ * or conductivity model a NaN.
  * Threads. One set of state for the whole library and no locks: calls must not overlap.
  * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
  * compilers expect of an external procedure: call it as it is, without writing the lengths.
@@ -43,8 +48,9 @@ extern "C" {
  *             read again at every request
  * inputspec   [-] input pair, in either case: "tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts", "tq", "vh",
  *             "vs", "vu", "dh", "ds", "du" or "hs"
- * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg,
- * input2      [SI] second value of the pair: the same units; s in J/(kg K), q (vapor quality) in 1
+ * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg, s in
+ *             J/(kg K), q (vapor quality) in 1
+ * input2      [SI] second value of the pair: the same units
  * outputspec  [-] wanted property, in either case: "t" K, "v" m3/kg, "d" kg/m3, "p" Pa, "h" J/kg,
  *             "s" J/(kg K), "u" J/kg, "cv" J/(kg K), "dp_dt" Pa/K, "dp_dv" Pa kg/m3, "d2p_dt2" Pa/K2,
  *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2), "eta"
@@ -57,11 +63,19 @@ extern "C" {
  * checked: outside the model's range (v at or below its co-volume, T at or below 0) the result is what IEEE
  * arithmetic makes of the formula, and a NaN is carried through.
  *
- * Viscosity and conductivity by Chung's models keep two factors that hosts know: lambda is 17.506 times smaller than
- * W/(m K) (418.4^2/10^4; models 2 and 3, that is every fluid shipped), eta of model 2 is in 0.1 Pa s. Both are taken at
- * the model's own critical volume: where its Zc is above the fluid's, eta of the dilute gas comes out lower, for
- * Soave-Redlich-Kwong by about a tenth, for ideal gases by more than half. A model that is not applicable makes the
- * fluid's first request fail, whatever it asks for.
+ * Viscosity and conductivity by Chung's models keep factors that hosts know. lambda of the models 3 and 3 (most fluids
+ * shipped) or 2 and 2 is 17.506 times smaller than W/(m K), 418.4^2/10^4; conductivity 2 with another viscosity 175.06
+ * times; conductivity 3 with another viscosity lacks the dilute gas's part and is of no use. eta of model 2 is in
+ * 0.1 Pa s. They are taken at the model's own critical volume: where its Zc is above the fluid's, eta of the dilute gas
+ * comes out lower, for Soave-Redlich-Kwong by about a tenth, for ideal gases by more than half. Conductivity 4
+ * (constant Prandtl number) of a fluid with critical data is scaled by cp at the critical point, which diverges: lambda
+ * may be 0 or a NaN. Viscosities 2 and 3 on a fluid without critical data make its first request fail, whatever it asks
+ * for; viscosity 4 and conductivities 2 and 3 there are not refused and answer with the critical data of an earlier
+ * fluid.
+ *
+ * "ph", "ps" and "hs" search from ideal-gas first values. Near the saturated vapor they may fail, or end without a
+ * message at another state that has the same two values, of liquid density or denser: look at a second output there, or
+ * use "pt".
  *
  * A state between the phases ("pq", "tq" with q between 0 and 1) is its temperature and volume: "t", "p", "v" and "d"
  * are served, "p" being the equation's own at that volume; other outputs want q = 1 (within 1e-6). The saturation
@@ -83,9 +97,11 @@ double ostrel_prop(const char *fluid, const char *inputspec, const double *input
  * input1      [SI] first value of the pair
  * input2      [SI] second value of the pair
  * T           [T_ref] receives the temperature; unchanged if the pair is unknown, without meaning if a solver fails
+ *             or a message stood in the shared error text: "ph", "ps" and "hs" then leave T, "pq" and "tq" leave v
  * v           [v_ref] receives the specific volume, likewise
  *
- * A failure is left in the library's shared error text, which no function here reads out.
+ * A failure is left in the library's shared error text, which this does not clear: a successful ostrel_prop does. No
+ * function here reads it out but ostrel_info, when it loads another fluid.
  */
 void get_tv(const char *inputspec, const double *input1, const double *input2, double *T, double *v,
             size_t inputspec_len);
@@ -108,8 +124,8 @@ double ostrel_info(const char *fluid, const char *name, char *errmsg, size_t flu
  *
  * count       [-] receives their number, at most 500; further files are left out
  * names       [-] receives 500 names of names_len characters each: the file's name up to its first point. The
- *             unused ones are blank
- * names_len   [-] length of one name, 256
+ *             unused ones are blank; so is, but counted, one that a host gives without a point or with one in front
+ * names_len   [-] length of one name, 256; in a shorter one a file's name is cut before its point is sought
  */
 void ostrel_fluids(int32_t *count, char *names, size_t names_len);
 
@@ -136,6 +152,8 @@ void read_init_fluiddata(const char *name, size_t name_len);
  * transport_properties::init_transport_properties).
  *
  * file        [-] path of the file, with its extension
+ *
+ * Failures are left in the shared error text, which this does not clear.
  */
 void read_init_fluiddatafile(const char *file, size_t file_len);
 
@@ -145,6 +163,8 @@ void read_init_fluiddatafile(const char *file, size_t file_len);
  *             path of an SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL), a line
  *             of text a record. One in WAL mode cannot be read from a folder that cannot be written
  * name        [-] fluid name, the key in that table
+ *
+ * Failures are left in the shared error text, which this does not clear.
  */
 void read_init_fluiddatadb(const char *location, const char *name, size_t location_len, size_t name_len);
 

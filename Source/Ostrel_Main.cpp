@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Ostrel_Main.h"
 
+#include "Algebra/console_stop.h"
 #include "Records/record_reader.h"
 #include "Records/record_writer.h"
 #include "Thermodynamics/thermodynamics.h"
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -311,6 +311,11 @@ bool same_state(std::string_view inputspec, double input1, double input2) {
     return same_text(inputspec, os_inputspec.padded()) && input1 == os_input1 && input2 == os_input2;
 }
 
+/// A code in whose second place stands a quality, which is not that of the saturated vapor.
+bool other_quality(std::string_view inputspec, double input2) {
+    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
+}
+
 double failure(std::span<char> errmsg, std::initializer_list<std::string_view> pieces) {
     fill_text(errmsg, pieces);
     return failure_value;
@@ -326,7 +331,7 @@ fixed_text<8> tolower_os(std::string_view text) {
 }
 
 bool mixture(std::string_view inputspec, double input2) {
-    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
+    return other_quality(inputspec, input2);
 }
 
 std::span<const described_pair> described_input_pairs() {
@@ -357,7 +362,7 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
         os_inputspec = fixed_text<2>(inputspec);
         os_input1 = input1;
         os_input2 = input2;
-        if (mixture(inputspec, input2) && (wanted == nullptr || !wanted->any_quality))
+        if (other_quality(inputspec, input2) && (wanted == nullptr || !wanted->any_quality))
             return failure(errmsg, {"Ostrel error: calculation as function of q, while q /= 1, only available for "
                                     "P, T, v or d."});
         double T_found = T;
@@ -418,8 +423,7 @@ std::array<std::int32_t, 4> getversion() {
 }
 
 void ostrel_sub() {
-    std::puts(records::list_directed({"****** Hello from the Ostrel      ******"}).c_str());
-    static_cast<void>(std::fflush(stdout));
+    console::write({"****** Hello from the Ostrel      ******"});
 }
 
 namespace {

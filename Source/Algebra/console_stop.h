@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The console of the toolkit, whose root finders and matrix routines report there and stop the process.
+// The console: the greeting goes there, and the toolkit's root finders and matrix routines report there and stop the
+// process.
 //
 // A line is a list-directed record: a blank, then its texts as they stand, so that a text which starts with a
 // blank itself comes out behind two.

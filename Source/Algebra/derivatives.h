@@ -5,7 +5,8 @@
 //            second: (f(x + h) - 2 f(x) + f(x - h))/h^2,   h = max(|x|, x_scale) sqrt(1e-7) sgn(x)
 // Given      f, x, and x_scale in the unit of x: its size where it is about 0
 // Returned   the derivative, in the units of f and x
-// Valid      f has values at x - h and x + h; x and x_scale not both 0, which gives NaN
+// Valid      f has values at x - h and x + h; x and x_scale not both 0, which gives NaN. For the second derivative
+//            1e-150 < max(|x|, x_scale) < 1e157: h^2 underflows or overflows beyond, into NaN or 0
 // Accuracy   for f good to its last digit and L = max(|x|, x_scale), with the derivatives near x:
 //            first: 2.3e-9 (|f|/L + |f'|) + 2e-15 L^2 |f'''|
 //            second: 1e-8 |f|/L^2 + 2.3e-9 |f'|/L + 1e-12 |f''| + 1e-8 L^2 |f''''|

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A function as an argument: refers to a plain function or to any object that can be called, such as a lambda
-// with captures, without copying it. For parameters only; what it refers to has to outlive the call.
+// with captures, without copying it. For parameters only; what it refers to has to outlive the call,
+// and is never null.
 #pragma once
 
 #include <memory>

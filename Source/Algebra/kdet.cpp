@@ -3,6 +3,9 @@
 
 #include "Algebra/console_stop.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace lin_algebra {
 
 double kdet(const factored_matrix &A) {
@@ -10,12 +13,21 @@ double kdet(const factored_matrix &A) {
         console::stop({must_factor, "BEFORE COMPUTING DETERMINANT"});
     if (A.state == factored_matrix::states::singular)
         return 0.0;
+    // The product's digits and its power of two apart, so that it does not overflow or vanish on its way.
+    long power = 0;
+    const auto digits = [&](double x) {
+        int exponent = 0;
+        const double result = std::isfinite(x) ? std::frexp(x, &exponent) : x;
+        power += exponent;
+        return result;
+    };
     double det = 1.0;
     for (std::size_t k = 0; k < A.order; ++k) {
-        const double pivot = A(k + 1, k + 1);
-        det *= A.pivots[k] == k ? pivot : -pivot;
+        const double pivot = digits(A(k + 1, k + 1));
+        det = digits(det * (A.pivots[k] == k ? pivot : -pivot));
     }
-    return det;
+    constexpr long beyond_any = 5000;
+    return std::ldexp(det, static_cast<int>(std::clamp(power, -beyond_any, beyond_any)));
 }
 
 } // namespace lin_algebra

@@ -5,7 +5,7 @@
 // Given      what kfact returned, no units
 // Returned   the determinant; 0 for a singular matrix
 // Valid      a matrix that was not factored is reported on the console and ends the process with exit status 1.
-//            The product may overflow, or vanish, on its way although the determinant would not.
+//            A column of zeros makes 0, also beside infinities.
 // Accuracy   that of A with its elements off by the errors of its factors (kfact.h), so 0 may come out as a
 //            number of rounding's size
 #pragma once

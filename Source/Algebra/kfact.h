@@ -6,7 +6,8 @@
 // Returned   in column order and in one array: L, whose diagonal of ones is left out, below the diagonal, U on and
 //            above it; and the exchanges P
 // Valid      a pivot of exactly 0 makes the matrix singular; one of rounding's size does not. A matrix that is not
-//            square is not factored. Elements of very different sizes are not scaled; NaN and infinity go through.
+//            square is not factored. Elements of very different sizes are not scaled. NaN and infinity go
+//            through, but a matrix with a column of zeros is singular all the same
 // Accuracy   |P A - L U| <= n 2.2e-16 |L| |U|, element by element, for order n
 // Reference  G. H. Golub, C. F. Van Loan, Matrix Computations (2013), 3.4
 #pragma once
@@ -19,6 +20,7 @@
 
 namespace lin_algebra OSTREL_VISIBLE {
 
+/// As kfact returns it: kdet and kvert rely on the lengths and pivots.
 struct factored_matrix {
     enum class states { not_factored, factored, singular };
 

@@ -7,7 +7,7 @@
 // Valid      inverse, determinant: orders 1 to 3; anything else, and a determinant of exactly 0, is reported in
 //            linalg_errmsg. minor, vec_prod: a wrong shape is reported on the console and ends the process with exit
 //            status 1. Factors for inverses and determinants of any order: kfact.h
-// Accuracy   a few roundings of the largest product in the formula; minors of orders above 4: kdet.h
+// Accuracy   a few roundings of the largest product in the formula; minors in matrices of order 5 and more: kdet.h
 // Reference  Cramer's rule
 #pragma once
 
@@ -24,7 +24,7 @@ namespace lin_algebra OSTREL_VISIBLE {
 extern records::error_text linalg_errmsg;
 
 struct matrix_view {
-    std::span<const double> elements; ///< column by column
+    std::span<const double> elements; ///< column by column, rows times columns of them
     std::size_t rows;
     std::size_t columns;
 

@@ -13,11 +13,12 @@ using function = algebra::function_ref<double(double)>;
 using namespace std::string_view_literals;
 
 constexpr double machine_epsilon = 2.220446049250313e-16;
+constexpr double ten_epsilon = 10.0 * machine_epsilon;
 
 std::int32_t kept_n_max = 50;
 double kept_f_sh = 0.0;
 
-/// What is passed is kept; what is not is as it was kept.
+/// Stores a passed value, for later calls too, and gives the one in force.
 template <class Value, class Passed>
 Value kept(Value &variable, const Passed &passed) {
     if (passed)
@@ -26,12 +27,12 @@ Value kept(Value &variable, const Passed &passed) {
 }
 
 double attainable(double rel_tol) {
-    if (!(rel_tol <= machine_epsilon))
-        return rel_tol;
-    constexpr double ten_epsilon = 2.220446049250313e-15;
-    console::write({" Attenzione: rel_tol ="sv, rel_tol, " < precisione macchina."sv});
-    console::write({" Precisione relativa modificata:"sv, ten_epsilon});
-    return ten_epsilon;
+    if (rel_tol <= machine_epsilon) {
+        console::write({" Attenzione: rel_tol ="sv, rel_tol, " < precisione macchina."sv});
+        console::write({" Precisione relativa modificata:"sv, ten_epsilon});
+        return ten_epsilon;
+    }
+    return rel_tol;
 }
 
 [[noreturn]] void interrupt() {
@@ -40,7 +41,7 @@ double attainable(double rel_tol) {
     console::stop();
 }
 
-/// The sign of the product, also where the product itself would be rounded to 0.
+/// Whether the product is positive, also where it would be rounded to 0.
 bool same_sign(double x, double y) {
     return (x > 0.0 && y > 0.0) || (x < 0.0 && y < 0.0);
 }

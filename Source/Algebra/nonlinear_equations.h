@@ -23,13 +23,15 @@
 namespace nonlinear_equations OSTREL_VISIBLE {
 
 /// From the first value x0. `n_max` gives the greatest number of iterations and receives the number it took.
-/// Stops after the last iteration, which a NaN always reaches, and where |df| < 2.220446049250313e-16; at a
-/// terminal it waits for a line from the operator before.
+/// Stops the process after the last iteration, which a NaN always reaches, and where |df| < 2.220446049250313e-16; at a
+/// terminal it waits for a line from the operator before that. An infinite x is taken for a root, its step being
+/// finite.
 double newton(algebra::function_ref<double(double)> f, algebra::function_ref<double(double)> df, double x0,
               double rel_tol, std::int32_t *n_max = nullptr, std::optional<double> f_sh = std::nullopt);
 
-/// In [a, b] or [b, a]; stops where f - f_sh has the same sign at both ends. Besides meeting the tolerance it
-/// ends, with the middle as it is, once no number is left between the ends, and where the interval or rel_tol is NaN.
+/// In [a, b] or [b, a]; stops the process where f - f_sh has the same sign at both ends, also where their product would
+/// be rounded to 0. Besides meeting the tolerance the search ends, with the middle as it is, once no number is left
+/// between the ends, which an infinite end is at once, and where the interval or rel_tol is NaN.
 /// A NaN of f counts as a value of the sign at a: the search goes on towards b.
 double bisection(algebra::function_ref<double(double)> f, double a, double b, double rel_tol,
                  std::optional<double> f_sh = std::nullopt);

@@ -8,10 +8,12 @@
 // Returned   viscosity [Pa s] and conductivity [W/(m K)], or both over their values at the critical point (the
 //            reference point of a fluid without critical data)
 // Valid      Chung: fluids with critical data; dense gas: v > vc/6, division by zero there. Kept because hosts rely on
-//            it: viscosity model 2 answers in 0.1 Pa s, without the factor 0.1 of model 3; both conductivities are
-//            17.506 times smaller than W/(m K), and the sine in the collision integral has a tenth of its constant
-// Accuracy   rounding, also at vanishing density. The published forms: 4 % in viscosity, 6 % in conductivity, with the
-//            fluid's own vc; with a model's larger Zc the dilute gas comes out lower by (Zc of the fluid/Zc)^(2/3)
+//            it: viscosity 2 answers in 0.1 Pa s, without the factor 0.1 of model 3; the conductivities of the same
+//            kind are 17.506 times smaller than W/(m K), 2 with another viscosity 175.06 times; 3 with another
+//            viscosity lacks the dilute gas's part; the sine in the collision integral has a tenth of its constant
+// Accuracy   rounding, also at vanishing density (not at v = infinity). The published forms: 4 % in viscosity, 6 % in
+//            conductivity, with the fluid's own vc; with a model's larger Zc the dilute gas comes out lower by (Zc of
+//            the fluid/Zc)^(2/3). The sine changes the collision integral by up to 0.2 %
 // Reference  T.-H. Chung, M. Ajlan, L. L. Lee, K. E. Starling, Ind. Eng. Chem. Res. 27 (1988) 671; P. D. Neufeld,
 //            A. R. Janzen, R. A. Aziz, J. Chem. Phys. 57 (1972) 1100; L. I. Stiel, G. Thodos, AIChE J. 7 (1961) 611;
 //            W. Sutherland, Phil. Mag. 36 (1893) 507

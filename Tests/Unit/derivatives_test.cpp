@@ -134,6 +134,14 @@ TEST(derivatives_test, as_written) {
     }
 }
 
+TEST(derivatives_test, beyond_the_sizes_of_the_header_the_square_of_the_step_is_lost) {
+    const auto parabola = [](double scale) { return [scale](double x) { return x / scale * (x / scale); }; };
+    for (const double L : {2e-150, 5e156})
+        EXPECT_NEAR(d2f_dx2(parabola(L), L, 0.0) * L * L, 2.0, 1e-6) << L;
+    EXPECT_EQ(d2f_dx2(parabola(1e160), 1e160, 0.0), 0.0);
+    EXPECT_TRUE(std::isnan(d2f_dx2([](double x) { return x; }, 1e-170, 0.0)));
+}
+
 TEST(derivatives_test, without_a_size_there_is_no_step) {
     const auto f = [](double x) { return x + 1.0; };
     const double nan = std::nan("");

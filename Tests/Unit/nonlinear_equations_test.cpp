@@ -196,6 +196,7 @@ TEST_F(newton_test, a_NaN_runs_to_the_cap) {
     expect_stop([] { newton(square, slope_of_square, 1.0, nan); }, not_found("          50"));
     expect_stop([] { newton(square, slope_of_square, 1.0, 1e-12, nullptr, nan); }, not_found("          50"));
     expect_stop([] { newton(identity, one, infinity, 1e-12); }, not_found("          50"));
+    EXPECT_EQ(newton(one, one, infinity, 1e-12), infinity);
 }
 
 TEST_F(newton_test, a_root_of_exactly_0_is_not_recognised) {
