@@ -119,8 +119,9 @@ int main(void) {
     printf("\nIsentropic compression from 1 bar and 300 K\n%-8s%8s%10s%12s%12s\n", "", "p bar", "t K", "d kg/m3",
            "w kJ/kg");
     for (int i = 0; i < count; ++i) {
-        char name[9] = ""; /* names are blank-padded */
-        sscanf(names[i], "%8s", name);
+        char name[9] = ""; /* names are blank-padded, without a NUL */
+        memcpy(name, names[i], 8);
+        name[strcspn(name, " ")] = '\0';
         for (double bar = 2; bar < 9; bar *= 2) {
             const double s = property(name, "pt", 1e5, 300, "s"), h = property(name, "pt", 1e5, 300, "h");
             printf("%-8s%8.1f%10.3f%12.5f%12.3f\n", name, bar, property(name, "ps", bar * 1e5, s, "t"),

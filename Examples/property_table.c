@@ -68,6 +68,16 @@ static double constant(const char *fluid, const char *name) {
     return value;
 }
 
+static double number(const char *text) {
+    char *end;
+    const double value = strtod(text, &end);
+    if (end == text || *end != '\0') {
+        fprintf(stderr, "\"%s\" is not a number\n", text);
+        exit(2);
+    }
+    return value;
+}
+
 /* Saturated liquid and vapor over a row of temperatures; says so where the model has no such states. */
 static void saturation_table(const char *fluid) {
     static const char *const titles[] = {"T", "p_sat", "d_liquid", "d_vapor", "h_vapor"};
@@ -90,16 +100,22 @@ static void saturation_table(const char *fluid) {
             printf("%.*s\n", text_length(text, (int)sizeof text), text);
             return;
         }
-        printf("%7.2f%11.3f%11.3f%11.3f%11.3f\n", t, p * 1e-3, property(fluid, "tq", t, liquid, "d"),
-               property(fluid, "tq", t, vapor, "d"), property(fluid, "tq", t, vapor, "h") * 1e-3);
+        const double d_liquid = property(fluid, "tq", t, liquid, "d");
+        const double d_vapor = property(fluid, "tq", t, vapor, "d");
+        if (!(d_liquid > 1.01 * d_vapor)) {
+            printf("The model's saturated phases are equal here.\n");
+            return;
+        }
+        printf("%7.2f%11.3f%11.3f%11.3f%11.3f\n", t, p * 1e-3, d_liquid, d_vapor,
+               property(fluid, "tq", t, vapor, "h") * 1e-3);
     }
 }
 
 int main(int argc, char **argv) {
     const char *fluid = argc > 1 ? argv[1] : "toluene";
-    const double density = argc > 2 ? atof(argv[2]) : 5.0;
-    const double first = argc > 4 ? atof(argv[3]) : 400.0;
-    const double last = argc > 4 ? atof(argv[4]) : 700.0;
+    const double density = argc > 2 ? number(argv[2]) : 5.0;
+    const double first = argc > 4 ? number(argv[3]) : 400.0;
+    const double last = argc > 4 ? number(argv[4]) : 700.0;
 
     property(fluid, "td", first, density, "t"); /* loads the fluid, or says why it cannot */
     printf("%s   M %.5g kg/kmol   Tc %.6g K   pc %.5g kPa\n\n", fluid, constant(fluid, "m_mol") * 1e3,

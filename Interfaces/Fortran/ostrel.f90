@@ -142,7 +142,7 @@ contains
 
     !> One property of a fluid, or ostrel_failure.
     function ostrel_prop(fluid, inputspec, input1, input2, outputspec, errmsg) result(property)
-        character(*), intent(in) :: fluid      !! [-] fluid name, of at most 8 characters
+        character(*), intent(in) :: fluid      !! [-] fluid name; one of more than 8 characters is read again at every request
         character(*), intent(in) :: inputspec  !! [-] input pair, such as "pt"
         real(c_double), intent(in) :: input1   !! [SI] first value of the pair: t K, p Pa, v m3/kg, d kg/m3, h J/kg
         real(c_double), intent(in) :: input2   !! [SI] second value of the pair; also s J/(kg K), u J/kg, quality q 1
@@ -187,7 +187,8 @@ contains
         call c_read_init_fluiddata(name, len(name, c_size_t))
     end subroutine read_init_fluiddata
 
-    !> Reads a parameter file without deriving anything from it.
+    !> Reads a parameter file without deriving anything from it. This and the next leave failures in the library's
+    !> shared error text only.
     subroutine read_init_fluiddatafile(file)
         character(*), intent(in) :: file !! [-] path of the file, with its extension
         call c_read_init_fluiddatafile(file, len(file, c_size_t))
@@ -212,7 +213,7 @@ contains
 
     !> Whether a request succeeded: a success may be any number, so the text tells.
     pure logical function succeeded(errmsg)
-        character(*), intent(in) :: errmsg !! [-] the error text of the request
+        character(*), intent(in) :: errmsg !! [-] the error text of the request, of at least 9 characters
         succeeded = index(errmsg, 'No errors') == 1
     end function succeeded
 

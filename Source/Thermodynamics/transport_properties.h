@@ -76,8 +76,8 @@ struct parameters {
     double beta = 0;             ///< of the dilute gas's conductivity [-]
     std::array<double, 10> aa{}; ///< E1 to E10 of the dense gas's viscosity [-]
     std::array<double, 7> bb{};  ///< B1 to B7 of the dense gas's conductivity [-]
-    double mu_ref = 0;           ///< reference viscosity [Pa s]
-    double kk_ref = 0;           ///< reference thermal conductivity [W/(m K)]
+    double mu_ref = 0;           ///< reference viscosity, in the active model's unit [Pa s]
+    double kk_ref = 0;           ///< reference thermal conductivity, likewise [W/(m K)]
 };
 
 // The pure algebra, T [K] and v [m3/kg].
@@ -173,7 +173,7 @@ Real dilute_conductivity(const parameters &p, Real T, Real mu, Real cv_oo) {
     return 7.452 * mu * Psi / p.m_mole;
 }
 
-/// Conductivity of the dense gas [W/(m K)] from that of the dilute gas in units of conductivity_unit.
+/// Conductivity of the dense gas [W/(m K)/17.506] from that of the dilute gas in units of conductivity_unit.
 template <class Real>
 Real dense_conductivity(const parameters &p, Real T, Real v, Real dilute) {
     using std::sqrt;
@@ -208,8 +208,8 @@ Real viscosity(const parameters &p, Real T, Real v, Real &mu0) {
 
 template <class Real>
 struct coefficients {
-    Real mu; ///< viscosity [Pa s]
-    Real k;  ///< thermal conductivity [W/(m K)], see the head for Chung's models
+    Real mu; ///< viscosity [Pa s]; see the head for Chung's models, also below
+    Real k;  ///< thermal conductivity [W/(m K)]
 };
 
 /// Both by the active models. cv_oo() gives the ideal gas's cv [J/(kg K)], cp() the isobaric heat capacity [R]; each
@@ -291,13 +291,14 @@ void transport_coefficients(double t, double vr, double &eta, double &lambda);
 void transport_coefficients_dim(double T, double v, double &mu, double &k);
 
 // The single formulas at T [K] and v [m3/kg], whatever the active models are; model 3 and 2 want their initialisation.
-double diluite_gas_viscosity(double T);                       ///< [0.1 Pa s]
-double dense_gas_viscosity(double T, double v, double &mu0);  ///< [Pa s], mu0 receives the dilute gas's [0.1 Pa s]
-double corresp_state_viscosity(double T);                     ///< [Pa s]
-double sutherland_law_viscosity(double T);                    ///< [Pa s]
-double linear_viscosity(double T);                            ///< [Pa s]
-double diluite_gas_thermal_cond(double T, double mu0);        ///< [W/(m K)] for mu0 in 0.1 Pa s
-double dense_gas_thermal_cond(double T, double v, double k0); ///< [W/(m K)] from the dilute gas's k0 [W/(m K)]
+double diluite_gas_viscosity(double T);                      ///< [0.1 Pa s]
+double dense_gas_viscosity(double T, double v, double &mu0); ///< [Pa s], mu0 receives the dilute gas's [0.1 Pa s]
+double corresp_state_viscosity(double T);                    ///< [Pa s]
+double sutherland_law_viscosity(double T);                   ///< [Pa s]
+double linear_viscosity(double T);                           ///< [Pa s]
+double diluite_gas_thermal_cond(double T, double mu0);       ///< [W/(m K)/17.506] for mu0 in 0.1 Pa s
+double dense_gas_thermal_cond(double T, double v,
+                              double k0); ///< [W/(m K)/17.506] from the dilute gas's k0 in this unit
 
 void read_param_transport_properties(records::file_reader &unit);
 void read_param_transport_propertiesdb(records::line_reader &lines);
