@@ -123,6 +123,11 @@ inline std::vector<std::string> shipped_fluids() {
     return names;
 }
 
+/// Some of them, for what takes long: every model, heat-capacity form and pair of transport models.
+inline const std::vector<std::string> sample_fluids = {
+    "argon",    "argon-iz", "co2",   "co2-cii",  "co2-pr",  "mdm",     "mdm-cii", "n2-ig",
+    "nitrogen", "aniline",  "r404a", "tolu-cii", "tolu-mh", "toluene", "water",   "water-ig"};
+
 inline std::string upper(std::string text) {
     for (char &c : text)
         if (c >= 'a' && c <= 'z')

@@ -449,7 +449,7 @@ struct fluid_switches : support::frame_test {
 };
 
 TEST_F(fluid_switches, leave_no_trace_in_the_numbers) {
-    const std::vector<std::string> fluids = support::shipped_fluids();
+    const std::vector<std::string> &fluids = support::sample_fluids;
     ASSERT_GE(fluids.size(), 6U);
     std::vector<std::vector<double>> alone;
     for (const std::string &fluid : fluids) {
@@ -467,7 +467,7 @@ TEST_F(fluid_switches, leave_no_trace_in_the_numbers) {
 }
 
 TEST_F(fluid_switches, with_failures_between_them_leave_no_trace_either) {
-    const std::vector<std::string> fluids = support::shipped_fluids();
+    const std::vector<std::string> &fluids = support::sample_fluids;
     for (const std::string &fluid : fluids) {
         support::fresh_frame();
         const std::vector<double> alone = all_outputs(fluid);

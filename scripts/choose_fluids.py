@@ -1,0 +1,186 @@
+# SPDX-License-Identifier: MIT
+"""Finds what scripts/make_fluids chooses per fluid: digits of Pc with which every model loads, and a default model that
+answers every input pair (at nine of ten states or more, where it searches). Both are tried through the built library
+itself."""
+import csv
+import importlib.machinery
+import importlib.util
+import math
+import pathlib
+import tempfile
+
+from ostrel_library import Failed, Library, child
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+# The most accurate first (Documentation/Accuracy.md). Peng-Robinson and Martin-Hou are no defaults: the first one's
+# saturation table collapses for most fluids, the other's solvers meet singular Jacobians.
+EQUATIONS_OF_STATE = ("COOLPROP", "HEOS", "PYCHEMQT")  # sources of constants, Fluids/README.md
+PREFERENCE = ("srk", "rk", "vdw", "cii", "ig")
+# Not "hs": from its ideal-gas first values it reaches the vapor of few fluids under any model.
+PAIRS = ("tv", "td", "pt", "pv", "pd", "ph", "ps", "ts", "vh", "vs", "vu", "dh", "ds", "du")
+
+
+def generator():
+    loader = importlib.machinery.SourceFileLoader("make_fluids", str(ROOT / "scripts/make_fluids"))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("make_fluids", loader))
+    loader.exec_module(module)
+    return module
+
+
+def candidates(row, make):
+    """Pc in atm, then its neighbours in the last digit, the nearest first."""
+    yield make.first_digits(row)
+    for step in range(1, 400):
+        yield make.first_digits(row, step)
+        yield make.first_digits(row, -step)
+
+
+def loads(library, folder, make, row, model, Pc_atm):
+    """Whether the fluid loads under the model; each file has a name of its own, so that it is read."""
+    loads.count += 1
+    name = f"f{loads.count}"
+    file = folder / f"{name}.osd"
+    file.write_text(make.parameter_file(row, model, Pc_atm, "0.9" if model == "izg" else None), encoding="utf-8")
+    try:
+        library.prop(name, "td", 1.1 * float(row["Tc"]), 0.1, "p")
+        return True
+    except Failed:
+        return False
+    finally:
+        file.unlink()
+
+
+loads.count = 0
+
+
+def choose_digits(row, make, library_path, folder):
+    library = Library(library_path, folder)
+    sensitive = ("pr", "srk", "rk")
+    for Pc_atm in candidates(row, make):
+        if all(loads(library, folder, make, row, model, Pc_atm) for model in sensitive):
+            if not all(loads(library, folder, make, row, model, Pc_atm) for model in make.MODELS):
+                break
+            return Pc_atm
+    return ""
+
+
+def vapor_states(library, fluid, Tc, Pc):
+    """(T, p) of superheated vapor, to a tenth of the fluid's own saturation pressure, and of the gas above Tc. Nearer to
+    saturation "ph" and "ps" do not answer from their default first values under any model for many fluids."""
+    for T in (0.7, 0.8, 0.9, 0.95):
+        p_sat = library.prop(fluid, "tq", T * Tc, 1, "p")
+        for fraction in (0.02, 0.05, 0.1):
+            yield T * Tc, fraction * p_sat
+    for T in (1.05, 1.2, 1.5):
+        for fraction in (0.02, 0.1, 0.3, 0.6):
+            yield T * Tc, fraction * Pc
+
+
+def answers_every_pair(row, file, library_path):
+    """'yes', with the states at which a search from its default first values misses; or what the model does not
+    answer."""
+    Tc, Pc = float(row["Tc"]), float(row["Pc"])
+    library = Library(library_path, file.parent)
+    fluid = file.stem
+
+    def value(pair, a, b, output):
+        return library.prop(fluid, pair, a, b, output)
+
+    def finds(pair, a, b, T, d):
+        try:
+            return (math.isclose(value(pair, a, b, "t"), T, rel_tol=1e-5)
+                    and math.isclose(value(pair, a, b, "d"), d, rel_tol=1e-4))
+        except Failed:
+            return False
+
+    try:
+        for T in (0.7 * Tc, 0.9 * Tc):
+            p = value("tq", T, 1, "p")
+            if not value("tq", T, 0, "d") > 2 * value("tq", T, 1, "d"):
+                return f"saturation table collapsed at {T / Tc:.2f} Tc"
+            if not math.isclose(value("pq", p, 1, "t"), T, rel_tol=1e-5):
+                return f"pq misses tq at {T / Tc:.2f} Tc"
+        states = list(vapor_states(library, fluid, Tc, Pc))
+        misses = []
+        for T, p in states:
+            d = value("pt", p, T, "d")
+            known = {"t": T, "p": p, "d": d, "v": 1 / d}
+            known.update((output, value("td", T, d, output)) for output in ("h", "s", "u"))
+            misses += [f"{pair} at {T / Tc:.4g} Tc {p / Pc:.2g} Pc"
+                       for pair in PAIRS if not finds(pair, known[pair[0]], known[pair[1]], T, d)]
+            for output in ("eta", "lambda"):
+                if not value("td", T, d, output) > 0:
+                    return f"{output} not positive at {T / Tc:.4g} Tc, {p / Pc:.2g} Pc"
+    except Failed as failure:
+        return str(failure)
+    if any(sum(miss.startswith(pair) for miss in misses) > len(states) / 10 for pair in PAIRS):
+        return "misses " + ", ".join(misses)
+    return " ".join(["yes"] + (["misses " + ", ".join(misses)] if misses else []))
+
+
+def saturation_pressure(row, file, library_path):
+    """p_sat [Pa] at the true boiling temperature, as text."""
+    library = Library(library_path, file.parent)
+    return repr(library.prop(file.stem, "tq", float(row["Tb"]), 1, "p"))
+
+
+def boiling_point(row, make, library_path, file, model, Pc_atm):
+    """Tb of the file: the table's Tb_edm, which gives its acentric factor. Where that factor is not of an equation of
+    state and the model misses 1 atm at the true boiling temperature by more than 3 %, the two disagree, and the measured
+    boiling point stands: the Tb with which the model meets it."""
+    def miss(Tb):
+        file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb), encoding="utf-8")
+        pressure = child(saturation_pressure, row, file, library_path)
+        return float(pressure) / 101325 - 1 if pressure else math.nan
+
+    first = float(row["Tb_edm"])
+    if make.sources(row)["omega"] in EQUATIONS_OF_STATE or abs(miss(row["Tb_edm"])) <= 0.03:
+        return ""
+    # The pressure falls as the acentric factor, and Tb with it, grows.
+    low, high = 0.95 * first, min(1.05 * first, 0.97 * float(row["Tc"]))
+    for _ in range(25):
+        middle = (low + high) / 2
+        if miss(f"{middle:.6f}") > 0:
+            low = middle
+        else:
+            high = middle
+    Tb = f"{middle:.3f}"
+    return Tb if abs(miss(Tb)) < 1e-3 else ""
+
+
+def choose(row, make, library_path, folder):
+    """(model, Pc_atm, Tb, remark), or (None, reason)."""
+    try:
+        make.parameter_file(row, "srk", "1")
+    except make.NotMade as reason:
+        return None, str(reason)
+    Pc_atm = child(choose_digits, row, make, library_path, folder)
+    if not Pc_atm:
+        return None, "no digits of Pc with which all models load"
+    file = folder / f"{row['short']}.osd"
+    refused = []
+    for model in PREFERENCE:
+        Tb = boiling_point(row, make, library_path, file, model, Pc_atm)
+        file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb), encoding="utf-8")
+        answer = child(answers_every_pair, row, file, library_path) or "died"
+        if answer.startswith("yes"):
+            return model, Pc_atm, Tb, "; ".join(refused + ([answer[4:]] if answer[4:] else []))
+        refused.append(f"{model}: {answer}")
+    return None, "; ".join(refused)
+
+
+def write_choices(rows, library_path):
+    make = generator()
+    with tempfile.TemporaryDirectory() as folder, \
+            open(ROOT / "Fluids/choices.csv", "w", encoding="utf-8", newline="") as output, \
+            open(ROOT / "Fluids/left_out.csv", "w", encoding="utf-8", newline="") as left_out:
+        chosen = csv.writer(output, lineterminator="\n")
+        chosen.writerow(("fluid", "model", "Pc_atm", "Tb", "remark"))
+        missing = csv.writer(left_out, lineterminator="\n")
+        missing.writerow(("fluid", "reason"))
+        for name, row in rows.items():
+            choice = choose(row, make, library_path, pathlib.Path(folder))
+            if choice[0]:
+                chosen.writerow((name, *choice))
+            else:
+                missing.writerow((name, choice[1]))

@@ -1,0 +1,81 @@
+# SPDX-License-Identifier: MIT
+"""The library as Python programs of this folder ask it."""
+import ctypes
+import os
+import traceback
+
+
+class Failed(Exception):
+    """A request failed; the message is the library's error text."""
+
+
+class Library:
+    """The entry points of a built library. Its state is one for the whole process: child() gives a fresh one."""
+
+    def __init__(self, path, fluids):
+        os.environ["OSTREL_FLUIDS"] = str(fluids)
+        self._library = ctypes.CDLL(str(path))
+        self._text = ctypes.create_string_buffer(256)
+        for name in ("ostrel_prop", "ostrel_info"):
+            getattr(self._library, name).restype = ctypes.c_double
+
+    def _ask(self, function, texts, values, output_text):
+        """Texts and values in the order of the call, the error text behind them, the lengths at the end."""
+        fields = [text.encode() for text in texts + [output_text]]
+        numbers = [ctypes.byref(ctypes.c_double(value)) for value in values]
+        result = function(*fields[:-1], *numbers, fields[-1], self._text,
+                          *(ctypes.c_size_t(len(field)) for field in fields), ctypes.c_size_t(256))
+        message = self._text.raw.decode("latin-1").rstrip()
+        if message != "No errors":
+            raise Failed(message)
+        return result
+
+    def prop(self, fluid, pair, value1, value2, output):
+        """One property, in SI units."""
+        return self._ask(self._library.ostrel_prop, [fluid, pair], [value1, value2], output)
+
+    def info(self, fluid, name):
+        """One constant: "m_mol" [kg/mol], "t_crit" [K], "p_crit" [Pa]."""
+        self._fluid = fluid
+        return self._ask(self._library.ostrel_info, [fluid], [], name)
+
+    # Of the C++ modules, for the fluid that info() loaded last.
+
+    def cp(self, T, d):
+        """Isobaric heat capacity [J/(kg K)] at T [K] and density d [kg/m3]."""
+        return self._derived("_ZN14thermodynamics7cp__T_vEdd", T, d) * 8.314 / self.info(self._fluid, "m_mol")
+
+    def c(self, T, d):
+        """Speed of sound [m/s]: reduced by the square root of P_ref v_ref, P_ref = Pc."""
+        v_ref = 1 / (d * self._reduced(T, d)[1])
+        return self._derived("_ZN14thermodynamics6c__T_vEdd", T, d) * (self.info(self._fluid, "p_crit") * v_ref) ** 0.5
+
+    def _reduced(self, T, d):
+        state = ctypes.c_double(), ctypes.c_double()
+        self._library.get_tv(b"td", ctypes.byref(ctypes.c_double(T)), ctypes.byref(ctypes.c_double(d)),
+                             ctypes.byref(state[0]), ctypes.byref(state[1]), ctypes.c_size_t(2))
+        return state[0].value, state[1].value
+
+    def _derived(self, symbol, T, d):
+        operation = getattr(self._library, symbol)
+        operation.restype, operation.argtypes = ctypes.c_double, (ctypes.c_double, ctypes.c_double)
+        return operation(*self._reduced(T, d))
+
+
+def child(work, *arguments):
+    """What work(*arguments) answers in a process of its own, as text; None if the process died."""
+    reading, writing = os.pipe()
+    process = os.fork()
+    if process == 0:
+        os.close(reading)
+        try:
+            with os.fdopen(writing, "w", encoding="utf-8") as pipe:
+                pipe.write(work(*arguments))
+        except BaseException:  # the child must never go on as if it were its parent
+            traceback.print_exc()
+            os._exit(1)
+        os._exit(0)
+    os.close(writing)
+    with os.fdopen(reading, encoding="utf-8") as pipe:
+        answer = pipe.read()
+    return answer if os.waitpid(process, 0)[1] == 0 else None
