@@ -69,7 +69,7 @@ void examine(const std::string &path) {
         std::cout << "warning: " << text << '\n';
     if (!unusable.empty())
         throw failure(unusable, advice);
-    std::cout << "This file can be used.\n";
+    std::cout << (warnings.empty() ? "This file can be used.\n" : "This file can be loaded; see the warnings above.\n");
 }
 
 } // namespace

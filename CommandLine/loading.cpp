@@ -8,6 +8,7 @@
 #include "Thermodynamics/model_choice.h"
 #include "Thermodynamics/transport_properties.h"
 
+#include <array>
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
@@ -51,7 +52,10 @@ std::vector<std::string> loading_advice(const std::string &fluid) {
     if (fluid.find('/') != std::string::npos)
         advice = {
             "A fluid is named by its file in the fluid folder, without \".osd\"; --fluids chooses another folder."};
-    const std::string meant = did_you_mean(fluid, fluid_names());
+    constexpr std::string_view extension = ".osd";
+    const std::string_view name = fluid;
+    const std::string meant =
+        did_you_mean(name.ends_with(extension) ? name.substr(0, name.size() - extension.size()) : name, fluid_names());
     advice.push_back(!meant.empty() ? meant : "\"ostrel fluids\" lists the fluids that are there.");
     return advice;
 }
@@ -98,6 +102,14 @@ void load_fluid(const std::string &fluid) {
     ostrel::read_init_fluiddata(fluid);
     if (!errmsg.clear())
         throw failure(error_text(errmsg.padded()), loading_advice(fluid));
+}
+
+answer request_property(std::string_view fluid, std::string_view pair, double input1, double input2,
+                        std::string_view output) {
+    std::array<char, 256> field{};
+    const double value = ostrel::ostrel_prop(fluid, pair, input1, input2, output, field);
+    const std::string text = error_text({field.data(), field.size()});
+    return {value, text == records::no_errors ? std::string() : text};
 }
 
 parameter_file load_file(const std::string &path) {

@@ -23,6 +23,15 @@ std::string path_of(const std::string &fluid);
 /// Loads a fluid of the folder as a request does; fails with the library's text, and what helps.
 void load_fluid(const std::string &fluid);
 
+struct answer {
+    double value;
+    std::string text; ///< empty if the request was served
+};
+
+/// A request to the library.
+answer request_property(std::string_view fluid, std::string_view pair, double input1, double input2,
+                        std::string_view output);
+
 /// What a parameter file says, and what became of it.
 struct parameter_file {
     std::string path{};

@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "CommandLine/notes.h"
 
+#include "Thermodynamics/thermodynamics.h"
 #include "Thermodynamics/transport_properties.h"
+
+#include <cmath>
 
 namespace command {
 
 using transport_properties::active;
+
+bool has_saturated_states() {
+    return thermodynamics::gas_type != ideal_gas && thermodynamics::gas_type != ideal_Z;
+}
+
+bool equal_phases(double liquid, double vapor) {
+    return !(liquid < 0.99 * vapor);
+}
 
 std::string viscosity_note() {
     if (active.viscosity_model != transport_properties::dilute_gas)
@@ -24,9 +35,15 @@ std::string conductivity_note() {
         // Its formula takes a viscosity in 0.1 Pa s, whatever the viscosity model answers in.
         return scaled(same_kind ? "17.506" : "175.06");
     case dense_gas_conductivity:
-        return same_kind
-                   ? scaled("17.506")
-                   : "lambda by Chung's dense gas lacks the dilute gas's part without his viscosity: do not use it.";
+        return same_kind ? scaled("17.506")
+                         : "lambda by Chung's dense gas lacks the dilute gas's part without Chung's dense-gas "
+                           "viscosity: do not use it.";
+    case constant_Prandtl:
+        // Before initialisation there is no scale to judge.
+        if (active.vc > 0 && (active.kk_ref == 0 || !std::isfinite(active.kk_ref)))
+            return "lambda by a constant Prandtl number is scaled by cp at the critical point, which diverges: do not "
+                   "use it.";
+        return {};
     default:
         return {};
     }

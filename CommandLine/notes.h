@@ -2,10 +2,19 @@
 // What a user must know of the viscosities and conductivities of the loaded fluid.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace command {
+
+/// The models that are named singly, by their codes in parameter files.
+enum model_code : std::int32_t { ideal_gas = 1, peng_robinson = 5, clausius_II = 7, ideal_Z = 8 };
+
+/// Whether the loaded fluid's model has saturated states; an ideal gas has none.
+bool has_saturated_states();
+/// Whether a saturation table gives the same volume twice, as one that has collapsed does.
+bool equal_phases(double liquid, double vapor);
 
 /// On "eta" and "lambda"; an empty text where the number is in the unit that is said.
 std::string viscosity_note();

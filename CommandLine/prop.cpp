@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -56,6 +57,11 @@ std::vector<std::string> output_names() {
     return names;
 }
 
+bool has_quality(const request &asked) {
+    const auto *const pair = find_pair(asked.pair);
+    return pair != nullptr && pair->second.name == "q";
+}
+
 /// Whether the library serves the output at this state; to a name that it does not know it may say so itself.
 bool served(const request &asked, std::string_view output) {
     const auto *const row = find_output(output);
@@ -77,16 +83,19 @@ std::vector<std::string> advice(const request &asked, const std::string &output,
         return list(output, "Outputs: ", output_names());
     if (!served(asked, output))
         return {"Ask t and v, and then the pair tv: for q = 0 that is the saturated liquid."};
+    if (has_quality(asked) && !has_saturated_states())
+        return {"An ideal gas has no saturated states."};
+    if (text.find("ERROR: in v__P_T") != std::string::npos)
+        return {"The search from its own first values did not converge: there may be no such state."};
     if (text.find("ERROR: in ") != std::string::npos)
-        return {"The solver of this pair did not converge from its own first values: there may be no such state."};
+        return {"The search from its own first values did not converge; the state may exist all the same: pt finds it "
+                "from p and t."};
     return {};
 }
 
 double ask(const request &asked, const std::string &output) {
-    std::array<char, 256> errmsg{};
-    const double value = ostrel::ostrel_prop(asked.fluid, asked.pair, asked.inputs[0], asked.inputs[1], output, errmsg);
-    const std::string text = error_text({errmsg.data(), errmsg.size()});
-    if (text != records::no_errors)
+    const auto [value, text] = request_property(asked.fluid, asked.pair, asked.inputs[0], asked.inputs[1], output);
+    if (!text.empty())
         throw failure(text, advice(asked, output, text));
     return value;
 }
@@ -100,6 +109,55 @@ double number_of(const std::string &name, std::string_view text) {
     if (status != std::errc{} || end != digits.data() + digits.size())
         throw CLI::ValidationError(name, '"' + std::string(text) + "\" is not a number that this program can hold");
     return value;
+}
+
+/// What a pair with a quality answers without a word about it.
+void add_quality_notes(std::vector<std::string> &notes, const request &asked, double t) {
+    if (asked.inputs[1] < 0 || asked.inputs[1] > 1)
+        notes.emplace_back("q is outside 0 to 1: the values are extrapolated beyond the saturated states.");
+    // Next to the critical point equal phases are right.
+    if (!has_saturated_states() || !(t < 0.999 * gas_properties::gas.Tc))
+        return;
+    const answer liquid = request_property(asked.fluid, asked.pair, asked.inputs[0], 0, "v");
+    const answer vapor = request_property(asked.fluid, asked.pair, asked.inputs[0], 1, "v");
+    if (liquid.text.empty() && vapor.text.empty() && equal_phases(liquid.value, vapor.value))
+        notes.emplace_back("The model's saturated phases are equal here: its saturation table has collapsed.");
+}
+
+/// On a state found from two values that another may have as well.
+void add_other_state(std::vector<std::string> &notes, const request &asked, double t, double v, double p) {
+    constexpr std::string_view searched[] = {"ph", "ps", "hs"};
+    const auto *const pair = find_pair(asked.pair);
+    if (pair == nullptr || std::find(std::begin(searched), std::end(searched), pair->name) == std::end(searched))
+        return;
+    const answer other = request_property(asked.fluid, "pt", p, t, "v");
+    if (other.text.empty() && std::abs(other.value - v) > 0.01 * std::abs(v))
+        notes.push_back("Another state may have the same two values: pt at this p and t finds v = " +
+                        number(other.value) + " m3/kg, not " + number(v) + ".");
+}
+
+/// What to know of the state behind the rows. The library keeps another state after this.
+void add_state_notes(report &found, const request &asked) {
+    const double t = ask(asked, "t");
+    const double v = ask(asked, "v");
+    const double p = ask(asked, "p");
+    std::vector<std::string> not_finite;
+    for (const auto &row : found.rows) {
+        const auto &name = std::get<std::string>(row[0]);
+        if (name == "p" && ostrel::mixture(asked.pair, asked.inputs[1]))
+            found.notes.emplace_back("p is the equation's own at this volume, not the saturation pressure.");
+        if (!std::isfinite(std::get<double>(row[1])))
+            not_finite.push_back(name);
+    }
+    if (t <= 0 || v <= 0)
+        found.notes.push_back("There is no such state: t = " + number(t) + " K, v = " + number(v) + " m3/kg.");
+    else if (p < 0)
+        found.notes.push_back("The equation's p is negative here, " + number(p) + " Pa: this is no stable state.");
+    if (!not_finite.empty())
+        found.notes.push_back("Not finite: " + joined(not_finite, " ", " "));
+    if (has_quality(asked))
+        add_quality_notes(found.notes, asked, t);
+    add_other_state(found.notes, asked, t, v, p);
 }
 
 void serve(request asked) {
@@ -134,10 +192,10 @@ void serve(request asked) {
     }
     if (!left_out.empty()) {
         found.notes.push_back("At a quality other than 1 these are not served: " + joined(left_out, " ", " "));
-        found.notes.emplace_back(asked.inputs[1] == 0
-                                     ? "For the saturated liquid ask the pair tv with the t and v above."
-                                     : "p is the equation's own at this volume, not the saturation pressure.");
+        if (asked.inputs[1] == 0)
+            found.notes.emplace_back("For the saturated liquid ask the pair tv with the t and v above.");
     }
+    add_state_notes(found, asked);
     write(found, asked.form);
 }
 

@@ -2,13 +2,13 @@
 #include "CommandLine/warnings.h"
 
 #include "CommandLine/description.h"
+#include "CommandLine/notes.h"
 #include "CommandLine/report.h"
 #include "Ostrel_Main.h"
 #include "Thermodynamics/model_choice.h"
 #include "Thermodynamics/transport_properties.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <filesystem>
@@ -22,8 +22,6 @@ using gas_properties::constant;
 using gas_properties::gas;
 using gas_properties::gas_constants;
 using texts = std::vector<std::string>;
-
-enum model_code : std::int32_t { ideal_gas = 1, peng_robinson = 5, clausius_II = 7, ideal_Z = 8 };
 
 /// Bounds that no known fluid passes, in the unit of the file.
 struct bounds {
@@ -56,11 +54,41 @@ void check_constants(texts &found, const gas_constants &fluid, std::span<const c
     }
 }
 
+/// What is written as 591,75 reads as 591: a comma ends a value. The constants have a record each.
+void check_commas(texts &found, const parameter_file &file) {
+    std::vector<std::string_view> names = {gas_properties::molar_mass.name, "vapor"};
+    for (const std::span<const constant> group : {std::span<const constant>(gas_properties::reference_and_critical),
+                                                  std::span<const constant>(gas_properties::transport)})
+        for (const constant &entry : group)
+            if (gas_properties::applies(entry, file.constants.vapor))
+                names.push_back(entry.name);
+    constexpr std::int64_t headings = 4;
+    std::string_view rest = file.text;
+    auto name = names.begin();
+    for (std::int64_t record = 1; !rest.empty() && name != names.end(); ++record) {
+        std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        line.remove_prefix(std::min(line.find_first_not_of(" \t\r"), line.size()));
+        if (record <= headings || line.empty())
+            continue;
+        const std::string_view text = line.substr(0, line.find_first_of(" \t\r"));
+        const std::size_t comma = text.find(',');
+        if (comma != std::string_view::npos && comma + 1 < text.size() && text[comma + 1] >= '0' &&
+            text[comma + 1] <= '9')
+            found.push_back("record " + std::to_string(record) + " has \"" + printable(text) +
+                            "\": " + std::string(*name) + " ends at the comma; a decimal sign is a point");
+        ++name;
+    }
+}
+
 void check_model(texts &found, const parameter_file &file) {
     const gas_constants &fluid = file.constants;
     if (fluid.vapor && fluid.Tb >= fluid.Tc)
         found.push_back("Tb is not below Tc: the acentric factor that follows from them, " + number(fluid.omega) +
                         ", has no meaning");
+    else if (fluid.vapor && !(fluid.omega >= -0.45 && fluid.omega <= 2))
+        found.push_back("the acentric factor that follows from Tb, Tc and Pc is " + number(fluid.omega) +
+                        ": look at Tb, Tc and Pc, which is in atm");
     if (thermodynamics::gas_type == clausius_II && fluid.vapor && fluid.Zc < 0.25)
         found.push_back("Zc < 0.25 makes the co-volume of Clausius II negative: right in the gas only");
     if (thermodynamics::gas_type == ideal_Z && !fluid.vapor)
@@ -162,25 +190,16 @@ void check_rest(texts &found, const parameter_file &file) {
     }
 }
 
-struct answer {
-    double value;
-    std::string text; ///< empty if the request was served
-};
-
 /// Asks for the fluid in memory: under the name that it knows the library loads nothing.
 answer ask(std::string_view pair, double input1, double input2, std::string_view output) {
     constexpr std::string_view in_memory = "checked";
     ostrel::os_fluid = records::fixed_text<8>(in_memory);
-    std::array<char, 256> errmsg{};
-    const double value = ostrel::ostrel_prop(in_memory, pair, input1, input2, output, errmsg);
-    const std::string text = error_text({errmsg.data(), errmsg.size()});
-    return {value, text == records::no_errors ? std::string() : text};
+    return request_property(in_memory, pair, input1, input2, output);
 }
 
 /// The saturated states well below the critical point, where a table can be seen to have gone wrong.
 void try_saturation(texts &found) {
-    const bool attracts = thermodynamics::gas_type != ideal_gas && thermodynamics::gas_type != ideal_Z;
-    if (!gas.vapor || !attracts)
+    if (!gas.vapor || !has_saturated_states())
         return;
     const double t = 0.9 * gas.Tc;
     const answer vapor = ask("tq", t, 1, "v");
@@ -190,11 +209,15 @@ void try_saturation(texts &found) {
             found.push_back("no saturated state at 0.9 Tc: " + got.text);
             return;
         }
-    if (!(liquid.value < 0.99 * vapor.value))
+    if (equal_phases(liquid.value, vapor.value))
         found.push_back("the saturation table has collapsed: pq and tq answer with a liquid like the vapor" +
                         std::string(thermodynamics::gas_type == peng_robinson
                                         ? " (with Peng-Robinson's rounded constants it does so for most fluids)"
                                         : ""));
+    const answer boiling = ask("pq", gas_properties::pascal_per_atm, 1, "t");
+    if (boiling.text.empty() && !(std::abs(boiling.value - gas.Tb) <= 0.05 * gas.Tb))
+        found.push_back("the model boils at 1 atm at " + number(boiling.value) + " K, not at Tb = " + number(gas.Tb) +
+                        " K");
 }
 
 } // namespace
@@ -205,6 +228,7 @@ std::vector<std::string> suspicions(const parameter_file &file) {
     check_constants(found, file.constants, {&gas_properties::molar_mass, 1});
     check_constants(found, file.constants, gas_properties::reference_and_critical);
     check_constants(found, file.constants, gas_properties::transport);
+    check_commas(found, file);
     check_model(found, file);
     check_heat_capacity(found, file.heat_capacity);
     check_transport(found, file.constants);

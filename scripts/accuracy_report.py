@@ -134,7 +134,8 @@ def measure(library_path):
         for name, fluid in FLUIDS.items():
             for model in MODELS:
                 Z = mean_Z(by_fluid[name][1], float(table[fluid]["MM"])) if model == "izg" else None
-                text = make.parameter_file(table[fluid], model, choices[fluid]["Pc_atm"], Z, choices[fluid]["Tb"])
+                text = make.parameter_file(table[fluid], model, choices[fluid]["Pc_atm"], Z, choices[fluid]["Tb"],
+                                           choices[fluid]["transport"] == "dense")
                 pathlib.Path(place, f"{fluid}.osd").write_text(text, encoding="utf-8")
                 for key, Tr, value in json.loads(child(compare, fluid, model, place, library_path, *by_fluid[name])):
                     results[key][fluid, model].append((Tr, value))

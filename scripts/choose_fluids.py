@@ -148,8 +148,17 @@ def boiling_point(row, make, library_path, file, model, Pc_atm):
     return Tb if abs(miss(Tb)) < 1e-3 else ""
 
 
+def stays_positive(row, file, library_path):
+    """'yes' if viscosity and conductivity are, of gas up to the critical density and far above Tc."""
+    library = Library(library_path, file.parent)
+    Tc = library.info(file.stem, "t_crit")
+    values = [library.prop(file.stem, "tv", T_r * Tc, v_r * library.vc(), output)
+              for T_r in (1, 1.3, 2, 5) for v_r in (1, 2, 3, 10) for output in ("eta", "lambda")]
+    return "yes" if min(values) > 0 else "no"
+
+
 def choose(row, make, library_path, folder):
-    """(model, Pc_atm, Tb, remark), or (None, reason)."""
+    """(model, Pc_atm, Tb, transport, remark), or (None, reason)."""
     try:
         make.parameter_file(row, "srk", "1")
     except make.NotMade as reason:
@@ -162,9 +171,11 @@ def choose(row, make, library_path, folder):
     for model in PREFERENCE:
         Tb = boiling_point(row, make, library_path, file, model, Pc_atm)
         file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb), encoding="utf-8")
+        dense = make.knows_chung(row) and child(stays_positive, row, file, library_path) == "yes"
+        file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb, dense=dense), encoding="utf-8")
         answer = child(answers_every_pair, row, file, library_path) or "died"
         if answer.startswith("yes"):
-            return model, Pc_atm, Tb, "; ".join(refused + ([answer[4:]] if answer[4:] else []))
+            return model, Pc_atm, Tb, "dense" if dense else "dilute", "; ".join(refused + ([answer[4:]] if answer[4:] else []))
         refused.append(f"{model}: {answer}")
     return None, "; ".join(refused)
 
@@ -175,7 +186,7 @@ def write_choices(rows, library_path):
             open(ROOT / "Fluids/choices.csv", "w", encoding="utf-8", newline="") as output, \
             open(ROOT / "Fluids/left_out.csv", "w", encoding="utf-8", newline="") as left_out:
         chosen = csv.writer(output, lineterminator="\n")
-        chosen.writerow(("fluid", "model", "Pc_atm", "Tb", "remark"))
+        chosen.writerow(("fluid", "model", "Pc_atm", "Tb", "transport", "remark"))
         missing = csv.writer(left_out, lineterminator="\n")
         missing.writerow(("fluid", "reason"))
         for name, row in rows.items():

@@ -50,6 +50,10 @@ class Library:
         v_ref = 1 / (d * self._reduced(T, d)[1])
         return self._derived("_ZN14thermodynamics6c__T_vEdd", T, d) * (self.info(self._fluid, "p_crit") * v_ref) ** 0.5
 
+    def vc(self):
+        """Critical volume of the model [m3/kg]."""
+        return 1 / self._reduced(300, 1)[1]
+
     def _reduced(self, T, d):
         state = ctypes.c_double(), ctypes.c_double()
         self._library.get_tv(b"td", ctypes.byref(ctypes.c_double(T)), ctypes.byref(ctypes.c_double(d)),
