@@ -43,7 +43,7 @@ QUANTITIES = (
           ("cp", "Isobaric heat capacity", ""),
           ("w", "Speed of sound", ""),
           ("eta", "Viscosity", ""),
-          ("lambda", "Thermal conductivity", "the library's values times 17.506"))),
+          ("lambda", "Thermal conductivity", "the library's values times 17.506, of ammonia as they are: a constant"))),
 )
 REGIONS = {"vapour": "vapor", "gas_T_above_Tc": "gas", "supercritical": "dense"}
 
@@ -79,7 +79,7 @@ def saturation(library, fluid, rows):
             yield key, Tr, deviation(ours[key], float(row[column]))
 
 
-def states(library, fluid, rows, R, Tc):
+def states(library, fluid, rows, R, Tc, conductivity_factor):
     """The same over single-phase states. Enthalpies are compared as differences to the first state of the list."""
     first = None
     for row in rows:
@@ -90,7 +90,7 @@ def states(library, fluid, rows, R, Tc):
             d = library.prop(fluid, "pt", p, T, "d")
             ours = {"d": d, "h": library.prop(fluid, "td", T, d, "h"), "cp": library.cp(T, d), "w": library.c(T, d),
                     "eta": library.prop(fluid, "td", T, d, "eta"),
-                    "lambda": CONDUCTIVITY_FACTOR * library.prop(fluid, "td", T, d, "lambda")}
+                    "lambda": conductivity_factor * library.prop(fluid, "td", T, d, "lambda")}
         except Failed as failure:
             for key in reference:
                 yield f"{key} {region}", Tr, str(failure)
@@ -104,12 +104,12 @@ def states(library, fluid, rows, R, Tc):
                 yield f"{key} {region}", Tr, deviation(ours[key], value)
 
 
-def compare(fluid, model, folder, library_path, saturation_rows, state_rows):
+def compare(fluid, model, folder, library_path, conductivity_factor, saturation_rows, state_rows):
     library = Library(library_path, folder)
     Tc, R = library.info(fluid, "t_crit"), 8.314 / library.info(fluid, "m_mol")
     result = []
     # A saturation request may leave a singular Jacobian behind, which spoils what follows: states first.
-    result += states(library, fluid, state_rows, R, Tc)
+    result += states(library, fluid, state_rows, R, Tc, conductivity_factor)
     if model not in ("ig", "izg"):
         result += saturation(library, fluid, saturation_rows)
     return json.dumps(result)
@@ -134,10 +134,12 @@ def measure(library_path):
         for name, fluid in FLUIDS.items():
             for model in MODELS:
                 Z = mean_Z(by_fluid[name][1], float(table[fluid]["MM"])) if model == "izg" else None
-                text = make.parameter_file(table[fluid], model, choices[fluid]["Pc_atm"], Z, choices[fluid]["Tb"],
-                                           choices[fluid]["transport"] == "dense")
+                dense = choices[fluid]["transport"] == "dense"
+                factor = CONDUCTIVITY_FACTOR if dense else 1
+                text = make.parameter_file(table[fluid], model, choices[fluid]["Pc_atm"], Z, choices[fluid]["Tb"], dense)
                 pathlib.Path(place, f"{fluid}.osd").write_text(text, encoding="utf-8")
-                for key, Tr, value in json.loads(child(compare, fluid, model, place, library_path, *by_fluid[name])):
+                for key, Tr, value in json.loads(
+                        child(compare, fluid, model, place, library_path, factor, *by_fluid[name])):
                     results[key][fluid, model].append((Tr, value))
     return results
 
