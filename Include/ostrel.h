@@ -64,14 +64,14 @@ extern "C" {
  * arithmetic makes of the formula, and a NaN is carried through.
  *
  * Viscosity and conductivity by Chung's models keep factors that hosts know. lambda of the models 3 and 3 (most fluids
- * shipped) or 2 and 2 is 17.506 times smaller than W/(m K), 418.4^2/10^4; conductivity 2 with another viscosity 175.06
- * times; conductivity 3 with another viscosity lacks the dilute gas's part and is of no use. eta of model 2 is in
- * 0.1 Pa s. They are taken at the model's own critical volume: where its Zc is above the fluid's, eta of the dilute gas
- * comes out lower, for Soave-Redlich-Kwong by 9 % (argon) to 22 % (water), for ideal gases by more than half.
- * Conductivity 4 (constant Prandtl number) of a fluid with critical data is scaled by cp at the critical point, which
- * diverges: lambda may be 0 or a NaN. Viscosities 2 and 3 on a fluid without critical data make its first request
- * fail, whatever it asks for; viscosity 4 and conductivities 2 and 3 there are not refused and answer with the
- * critical data of an earlier fluid.
+ * shipped; the others have a constant in W/(m K)) or 2 and 2 is 17.506 times smaller than W/(m K), 418.4^2/10^4;
+ * conductivity 2 with another viscosity 175.06 times; conductivity 3 with another viscosity lacks the dilute gas's
+ * part and is of no use. eta of model 2 is in 0.1 Pa s. They are taken at the model's own critical volume: where its
+ * Zc is above the fluid's, eta of the dilute gas comes out lower, for Soave-Redlich-Kwong by 9 % (argon) to 22 %
+ * (water), for ideal gases by more than half. Conductivity 4 (constant Prandtl number) of a fluid with critical data
+ * is scaled by cp at the critical point, which diverges: lambda may be 0 or a NaN. Viscosities 2 and 3 on a fluid
+ * without critical data make its first request fail, whatever it asks for; viscosity 4 and conductivities 2 and 3
+ * there are not refused and answer with the critical data of an earlier fluid.
  *
  * "ph", "ps" and "hs" search from ideal-gas first values. Near the saturated vapor, "hs" of heavy fluids also far
  * from it, they may fail, or end without a message at another state that has the same two values, of liquid density or
