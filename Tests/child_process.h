@@ -17,6 +17,16 @@ namespace support {
 
 enum class standard_input { empty, silent_pipe, terminal };
 
+/// Whether the system gives pseudo-terminals; a root folder without /dev/pts does not.
+inline bool has_pseudo_terminals() {
+    const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
+    if (keyboard < 0)
+        return false;
+    const bool usable = grantpt(keyboard) == 0 && unlockpt(keyboard) == 0 && ptsname(keyboard) != nullptr;
+    close(keyboard);
+    return usable;
+}
+
 class child_process {
 public:
     /// The exit status when the body returns.

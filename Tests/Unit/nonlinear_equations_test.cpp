@@ -433,6 +433,8 @@ TEST_F(bisection_test, a_NaN_ends_the_search) {
 }
 
 TEST_F(nonlinear_equations_test, at_a_terminal_newton_waits_for_a_line) {
+    if (!support::has_pseudo_terminals())
+        GTEST_SKIP() << "without pseudo-terminals";
     for (const std::string_view keys : {"\n", "va bene\n", "\4"}) { // the last one ends the input
         child_process child(
             [] {
@@ -457,6 +459,8 @@ TEST_F(nonlinear_equations_test, at_a_terminal_newton_waits_for_a_line) {
 }
 
 TEST_F(nonlinear_equations_test, one_line_is_read_and_no_more) {
+    if (!support::has_pseudo_terminals())
+        GTEST_SKIP() << "without pseudo-terminals";
     child_process child(
         [] {
             std::atexit([] { std::printf("next: %c\n", std::getchar()); });
@@ -475,6 +479,8 @@ TEST_F(nonlinear_equations_test, without_a_terminal_nothing_is_read) {
 }
 
 TEST_F(nonlinear_equations_test, at_a_terminal_bisection_does_not_wait) {
+    if (!support::has_pseudo_terminals())
+        GTEST_SKIP() << "without pseudo-terminals";
     child_process child([] { bisection(square, 1.0, 2.0, 1e-9); }, standard_input::terminal);
     EXPECT_EQ(child.read_text(), no_root);
     EXPECT_EQ(child.status(), 1);
