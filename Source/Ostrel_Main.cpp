@@ -104,7 +104,7 @@ constexpr quantity quantities[] = {
     {{"q", "-", "vapor quality, 0 for the saturated liquid, 1 for the saturated vapor"}, quality},
 };
 
-/// The quantity of a letter; in a table a letter of none does not compile.
+/// The quantity of a letter; an unknown letter in a constant table does not compile.
 constexpr const quantity &quantity_of(char letter) {
     const quantity *found = std::begin(quantities);
     while (found->text.name[0] != letter)
@@ -311,11 +311,6 @@ bool same_state(std::string_view inputspec, double input1, double input2) {
     return same_text(inputspec, os_inputspec.padded()) && input1 == os_input1 && input2 == os_input2;
 }
 
-/// A code in whose second place stands a quality, which is not that of the saturated vapor.
-bool other_quality(std::string_view inputspec, double input2) {
-    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
-}
-
 double failure(std::span<char> errmsg, std::initializer_list<std::string_view> pieces) {
     fill_text(errmsg, pieces);
     return failure_value;
@@ -331,7 +326,7 @@ fixed_text<8> tolower_os(std::string_view text) {
 }
 
 bool mixture(std::string_view inputspec, double input2) {
-    return other_quality(inputspec, input2);
+    return inputspec.size() >= 2 && lower(inputspec[1]) == 'q' && std::abs(input2 - 1) > 1e-6;
 }
 
 std::span<const described_pair> described_input_pairs() {
@@ -362,7 +357,7 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
         os_inputspec = fixed_text<2>(inputspec);
         os_input1 = input1;
         os_input2 = input2;
-        if (other_quality(inputspec, input2) && (wanted == nullptr || !wanted->any_quality))
+        if (mixture(inputspec, input2) && (wanted == nullptr || !wanted->any_quality))
             return failure(errmsg, {"Ostrel error: calculation as function of q, while q /= 1, only available for "
                                     "P, T, v or d."});
         double T_found = T;

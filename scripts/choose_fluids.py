@@ -12,10 +12,10 @@ import tempfile
 from ostrel_library import Failed, Library, child
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-# The most accurate first (Documentation/Accuracy.md). Peng-Robinson and Martin-Hou are no defaults: the first one's
+# The most accurate vapor pressure first (Documentation/Accuracy.md). Peng-Robinson and Martin-Hou are no defaults: the first one's
 # saturation table collapses for most fluids, the other's solvers meet singular Jacobians.
 EQUATIONS_OF_STATE = ("COOLPROP", "HEOS", "PYCHEMQT")  # sources of constants, Fluids/README.md
-PREFERENCE = ("srk", "rk", "vdw", "cii", "ig")
+PREFERENCE = ("srk", "rk", "cii", "vdw", "ig")
 # Not "hs": from its ideal-gas first values it reaches the vapor of few fluids under any model.
 PAIRS = ("tv", "td", "pt", "pv", "pd", "ph", "ps", "ts", "vh", "vs", "vu", "dh", "ds", "du")
 
