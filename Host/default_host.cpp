@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fnmatch.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -58,12 +60,14 @@ void searchdirectory(const char *directory, const char *pattern, char *names, si
     const std::string_view wanted_field(pattern, pattern_len);
     const std::string wanted(wanted_field.substr(0, wanted_field.find('\0')));
     std::vector<std::string> found;
-    std::error_code failed;
-    for (fs::directory_iterator entry(place, failed), end; !failed && entry != end; entry.increment(failed)) {
-        const std::string name = entry->path().filename().string();
-        if (fnmatch(wanted.c_str(), name.c_str(), FNM_PERIOD) == 0 && entry->is_regular_file(failed) && !failed)
+    // The standard library's iterator ends the process when memory is out.
+    const std::unique_ptr<DIR, int (*)(DIR *)> listing(opendir(place.c_str()), closedir);
+    while (const dirent *const entry = listing ? readdir(listing.get()) : nullptr) {
+        const std::string name = entry->d_name;
+        std::error_code failed;
+        if (fnmatch(wanted.c_str(), name.c_str(), FNM_PERIOD) == 0 &&
+            fs::is_regular_file(fs::path(place) / name, failed))
             found.push_back(name);
-        failed.clear();
     }
     std::sort(found.begin(), found.end());
     found.resize(std::min(found.size(), host::name_count));

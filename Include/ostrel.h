@@ -28,6 +28,16 @@
  * A number of a model that does not exist is not reported: a file with such a gas_type answers 0, with such a viscosity
  * or conductivity model a NaN.
  * Threads. One set of state for the whole library and no locks: calls must not overlap.
+ * Environment. The host's locales, rounding mode, floating-point traps and flushing of subnormal numbers neither count
+ * nor change. Its exception flags stay too, unless those three are as at a program's start: then some may be raised.
+ * The functions of ostrel_use_host compute with those three as at a program's start, and must leave them so; on
+ * x86-64 the x87 unit (long double, and what fegetround answers) is the host's in all but getfluid.
+ * Resources. A call needs less than 32 KiB of stack and leaves no descriptor open, but SQLite fills those of closed
+ * standard streams with /dev/null. A file is read whole and closed at once: what happens to it afterwards counts when
+ * its fluid is loaded again. A pipe, socket or terminal in its place is refused (code 6), and nothing waits for one.
+ * Loading. Unloaded with dlclose, the library is gone, and as new when it is loaded again. Copies of its file that are
+ * loaded with RTLD_LOCAL have a state each; beside one that is linked or loaded with RTLD_GLOBAL it takes
+ * RTLD_DEEPBIND or dlmopen, else they share.
  * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
  * compilers expect of an external procedure: call it as it is, without writing the lengths.
  */
@@ -135,7 +145,8 @@ void ostrel_fluids(int32_t *count, char *names, size_t names_len);
  */
 void getversion(int32_t version[4]);
 
-/* Writes one line of greeting to standard output, to show that the library is reachable. */
+/* Writes one line of greeting to standard output, to show that the library is reachable. As with any output, a pipe
+ * that nobody reads answers with SIGPIPE. */
 void ostrel_sub(void);
 
 /* Loads and initialises a fluid from its parameter file in the fluid directory.

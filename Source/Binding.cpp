@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The exported C symbols, each plain and with a trailing underscore: lengths in, fixed texts out.
 #include "Ostrel_Main.h"
+#include "floating_point.h"
 #include "host.h"
 
 #include "Thermodynamics/ideal_specific_heat.h"
@@ -23,9 +24,10 @@ double number(const double *value) {
 }
 
 /// Runs an entry point. No exception may reach a C or Fortran caller: memory may run out, and host routines are
-/// asked not to throw, but may.
-template <class Entry, class Failure>
+/// asked not to throw, but may. They too run in the standard floating-point environment.
+template <class Environment = floating_point::standard_environment, class Entry, class Failure>
 auto guarded(Entry entry, Failure failure) noexcept {
+    const Environment environment;
     try {
         return entry();
     } catch (const std::bad_alloc &) {
@@ -121,7 +123,9 @@ OSTREL_EXPORT(void, read_init_fluiddatafile, (const char *file, size_t file_len)
 OSTREL_EXPORT(void, read_init_fluiddatadb,
               (const char *location, const char *name, size_t location_len, size_t name_len),
               (location, name, location_len, name_len)) {
-    guarded([&] { ostrel::read_init_fluiddatadb(text(location, location_len), text(name, name_len)); }, nothing);
+    // A database may compute in other units of the processor: SQLite does where a number stands for a text.
+    guarded<floating_point::whole_environment>(
+        [&] { ostrel::read_init_fluiddatadb(text(location, location_len), text(name, name_len)); }, nothing);
 }
 
 OSTREL_EXPORT(void, ostrel_use_host, (const ostrel_host *host), (host)) {

@@ -73,13 +73,13 @@ public:
     }
 
     void type(std::string_view keys) const {
-        EXPECT_EQ(write(keyboard_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        EXPECT_EQ(::write(keyboard_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
     }
     /// Reads until this many characters have come, or the end.
     const std::string &read_text(std::size_t size = std::string::npos) {
         std::array<char, 256> piece{};
         while (text_.size() < size) {
-            const ssize_t count = read(output_, piece.data(), piece.size());
+            const ssize_t count = ::read(output_, piece.data(), piece.size());
             if (count <= 0)
                 break;
             text_.append(piece.data(), static_cast<std::size_t>(count));

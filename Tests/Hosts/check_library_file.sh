@@ -1,0 +1,30 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# What the library's file says of unloading and of floating-point arithmetic.
+#
+#   check_library_file.sh NM READELF OBJDUMP LIBRARY
+set -eu
+nm=$1 readelf=$2 objdump=$3 library=$4
+status=0
+complain() {
+    echo "$1" >&2
+    status=1
+}
+
+symbols=$("$nm" -D "$library")
+dynamic=$("$readelf" -dlW "$library")
+echo "$symbols" | grep -q ' T ostrel_prop$' || complain "$library: no ostrel_prop"
+echo "$dynamic" | grep -q SONAME || complain "$library: no SONAME"
+# Each of these keeps a library from being unloaded, or calls into it afterwards.
+echo "$symbols" | grep ' u ' && complain "Symbols unique in the process."
+echo "$symbols" | grep -E '__cxa_thread_atexit|__tls_get_addr' && complain "Variables of a thread."
+echo "$dynamic" | grep -E 'NODELETE|STATIC_TLS|^ *TLS ' && complain "Flags that keep it loaded, or variables of a thread."
+echo "$dynamic" | grep 'GNU_STACK.*RWE' && complain "A stack that can be executed."
+
+# The x87 unit has a rounding mode and a precision of its own, which nobody looks at.
+if "$objdump" -f "$library" | grep -q 'architecture: i386:x86-64'; then
+    instructions=$("$objdump" -d --no-show-raw-insn "$library" | awk '/^ / { print $2 }')
+    echo "$instructions" | grep -q '^mulsd$' || complain "$library: no multiplication found"
+    echo "$instructions" | grep '^f[a-z]' | sort | uniq -c | grep . && complain "Instructions of the x87 unit."
+fi
+exit $status
