@@ -255,7 +255,9 @@ bool record_reader::skip(std::string_view what) {
     if (failed())
         return false;
     ++record_number_;
-    return step() || fail(what, "the end of the file");
+    if (!step())
+        return fail(what, "the end of the file");
+    return true;
 }
 
 bool record_reader::read_name(std::string_view field, fixed_text<32> &name) {

@@ -1057,6 +1057,38 @@ TEST_F(fluid_catalogue, information_in_either_case) {
     EXPECT_DOUBLE_EQ(ask_info("wet", "M_MOL").value, 0.018015);
 }
 
+TEST_F(fluid_catalogue, the_told_tables_are_those_that_are_served) {
+    const fluid_folder fluids;
+    fluids.add("fluid", support::vapor_file());
+    std::vector<std::string> names;
+    for (const ostrel::described &constant : ostrel::described_informations()) {
+        SCOPED_TRACE(constant.name);
+        EXPECT_EQ(ask_info("fluid", constant.name).text, "No errors");
+        names.push_back(std::string(constant.name) + " [" + std::string(constant.unit) + "]");
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"m_mol [kg/mol]", "t_crit [K]", "p_crit [Pa]"}));
+    for (const ostrel::described_output &output : ostrel::described_outputs()) {
+        SCOPED_TRACE(output.text.name);
+        EXPECT_EQ(support::ask("fluid", "td", 400.0, 2.0, output.text.name).text, "No errors");
+        EXPECT_EQ(support::ask("fluid", "pq", 25 * 101325.0, 0.5, output.text.name).ok(), output.any_quality);
+    }
+    for (const ostrel::described_pair &pair : ostrel::described_input_pairs()) {
+        SCOPED_TRACE(pair.name);
+        EXPECT_EQ(pair.name.substr(0, 1), pair.first.name);
+        EXPECT_EQ(pair.name.substr(1), pair.second.name);
+        EXPECT_EQ(support::ask("fluid", pair.name, 1.0, 1.0, "t").text.find("not available"), std::string::npos);
+    }
+}
+
+TEST_F(fluid_catalogue, entries_without_length_are_not_written) {
+    const listing_host host({"a.osd"});
+    std::int32_t count = -1;
+    char names = '#';
+    ostrel::ostrel_fluids(count, &names, 0);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(names, '#');
+}
+
 TEST_F(fluid_catalogue, other_constants_are_unknown_and_quoted_without_trailing_blanks) {
     for (const std::string name : {"", " m_mol", "mmol", "m_mol2", "t", "v_crit", "Z_Crit"}) {
         SCOPED_TRACE(name);

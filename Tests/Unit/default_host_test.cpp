@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <gmock/gmock.h>
+#include <new>
 
 namespace {
 
@@ -394,12 +395,7 @@ TEST_F(default_host, a_host_may_end_its_fields_with_a_NUL) {
     EXPECT_EQ(std::string(gas.name.padded()), "model fluid                     ");
 }
 
-TEST_F(default_host, a_host_that_throws_fails_the_call) {
-    const ostrel_host throwing = {[](char *, const char *, std::size_t, std::size_t) { throw 1; }, nullptr,
-                                  [](const char *, const char *, char *, std::int32_t *, std::size_t, std::size_t,
-                                     std::size_t) -> std::int32_t { throw std::runtime_error("x"); }};
-    ostrel_use_host(&throwing);
-    const std::string text = "Ostrel error: a host routine threw an exception.";
+void expect_failed_calls(const std::string &text) {
     const auto answer = ask("toluene", "td", 500, 2.0, "t");
     EXPECT_EQ(answer.text, text);
     EXPECT_EQ(answer.value, -8888.8);
@@ -415,6 +411,23 @@ TEST_F(default_host, a_host_that_throws_fails_the_call) {
             read_init_fluiddatadb("x", "y", 1, 1);
         EXPECT_EQ(support::shared_text(), text);
     }
+}
+
+TEST_F(default_host, a_host_that_throws_fails_the_call) {
+    const ostrel_host throwing = {[](char *, const char *, std::size_t, std::size_t) { throw 1; }, nullptr,
+                                  [](const char *, const char *, char *, std::int32_t *, std::size_t, std::size_t,
+                                     std::size_t) -> std::int32_t { throw std::runtime_error("x"); }};
+    ostrel_use_host(&throwing);
+    expect_failed_calls("Ostrel error: a host routine threw an exception.");
+}
+
+TEST_F(default_host, a_host_without_memory_fails_the_call) {
+    const ostrel_host throwing = {[](char *, const char *, std::size_t, std::size_t) { throw std::bad_alloc(); },
+                                  nullptr,
+                                  [](const char *, const char *, char *, std::int32_t *, std::size_t, std::size_t,
+                                     std::size_t) -> std::int32_t { throw std::bad_alloc(); }};
+    ostrel_use_host(&throwing);
+    expect_failed_calls("Ostrel error: out of memory.");
 }
 
 TEST_F(default_host, a_host_that_fills_the_path_leaves_no_room_for_a_name) {

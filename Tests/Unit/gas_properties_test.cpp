@@ -215,6 +215,25 @@ TEST_F(gas_properties_test, a_value_that_is_none_is_an_error_of_its_record) {
 }
 
 // A pressure is taken for atm whether its record holds it or keeps the one before.
+TEST_F(gas_properties_test, the_record_of_the_critical_pressure_is_found_without_changing_the_fluid) {
+    const support::temporary_folder folder;
+    const auto record_in = [&](const std::string &text) {
+        records::file_reader file(folder.write("fluid.osd", text));
+        return gas_properties::record_of_critical_pressure(file);
+    };
+    const std::string before_head(vapor_text, 0, vapor_text.find("T     vapor"));
+    const std::string before_Pc(vapor_text, 0, vapor_text.find("50    Pc"));
+    EXPECT_EQ(record_in(vapor_text), 8);
+    EXPECT_EQ(record_in(before_Pc + "50\n"), 8);
+    EXPECT_EQ(record_in(before_Pc), 0) << "the end of the file";
+    EXPECT_EQ(record_in(before_Pc + "high\n"), 0) << "no number";
+    EXPECT_EQ(record_in(before_head), 0) << "neither a vapor nor none";
+    EXPECT_EQ(record_in(reference_text), 0) << "no critical data";
+    EXPECT_EQ(gas.MM, 0.0);
+    EXPECT_EQ(gas.Pc, 0.0);
+    EXPECT_EQ(support::shared_text(), "No errors");
+}
+
 TEST_F(gas_properties_test, null_values_keep_the_old_ones) {
     support::read_well(gas_section, vapor_text);
     gas.R = 0;

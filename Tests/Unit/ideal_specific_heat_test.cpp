@@ -197,6 +197,12 @@ TEST_F(ideal_specific_heat_test, null_values_keep_the_old_ones) {
     EXPECT_EQ(active.cv_0, 500.0);
     read_well(heat_section, "F\n4\n,\n1 2 3\n4 5 6\n3*0\n\n\n\n\n\n\n");
     EXPECT_THAT(active.T_k, ElementsAre(1.0, 2.0, 3.0, largest));
+    // What belongs to intervals starts from 0 each time.
+    read_well(heat_section, "F\n4\n,\n1 2 3\n3*\n3*\n\n\n\n\n\n\n");
+    EXPECT_THAT(active.cv_0_k, ElementsAre(0.0, 0.0, 0.0));
+    EXPECT_THAT(active.n_k, ElementsAre(0, 0, 0));
+    EXPECT_THAT(active.phi0_k, ElementsAre(0.0, 0.0, 0.0));
+    EXPECT_THAT(active.psi0_k, ElementsAre(0.0, 0.0, 0.0));
     read_well(heat_section, "F\n5\n,\n,\n7 8 9\n");
     EXPECT_THAT(active.Tv, ElementsAre(7.0, 8.0, 9.0));
     EXPECT_EQ(active.cv_0, 500.0);

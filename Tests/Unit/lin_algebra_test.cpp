@@ -145,7 +145,8 @@ TEST_F(lin_algebra_test, other_shapes_are_reported) {
 }
 
 TEST_F(lin_algebra_test, orders_above_3_are_reported_with_their_number_in_three_characters) {
-    for (const auto &[order, number] : {std::pair<std::size_t, std::string>(4, "  4"), {5, "  5"}, {10, " 10"}}) {
+    for (const auto &[order, number] :
+         {std::pair<std::size_t, std::string>(4, "  4"), {5, "  5"}, {10, " 10"}, {999, "999"}, {1000, "***"}}) {
         SCOPED_TRACE(order);
         auto A = std::vector<double>(order * order);
         for (std::size_t i = 0; i < order; ++i)

@@ -350,6 +350,9 @@ TEST_F(bisection_test, a_root_at_an_end_is_returned_first) {
     const auto f = [](double x) { return (x - 1.0) * (x - 2.0); };
     EXPECT_EQ(bisection(f, 1.0, 5.0, 1e-9), 1.0);
     EXPECT_EQ(bisection(f, -5.0, 2.0, 1e-9), 2.0);
+    const auto negative = [&](double x) { return -f(x); };
+    EXPECT_EQ(bisection(negative, 1.0, 5.0, 1e-9), 1.0);
+    EXPECT_EQ(bisection(negative, -5.0, 2.0, 1e-9), 2.0);
     EXPECT_EQ(bisection(f, 2.0, 1.0, 1e-9), 2.0) << "both ends";
     EXPECT_EQ(bisection(f, 1.0, nan, 1e-9), 1.0);
     EXPECT_EQ(written([&] { bisection(f, 1.0, 5.0, 0.0); }), "") << "before the tolerance is looked at";

@@ -401,6 +401,14 @@ TEST_F(thermodynamics_saturation_test, a_failed_build_keeps_what_it_solved_and_t
     EXPECT_EQ(support::shared_text(), "Pressure out of range: 50.663 < P < inf bar");
 }
 
+TEST_F(thermodynamics_saturation_test, a_fluid_without_a_critical_compressibility_has_no_curve) {
+    load(4);
+    gas.Zc = 0; // the reduced temperatures are infinite
+    init_saturation_curves();
+    EXPECT_EQ(support::shared_text(), no_curve);
+    EXPECT_EQ(TTs.size(), 256U) << "one pass";
+}
+
 TEST_F(thermodynamics_saturation_test, every_pass_starts_without_a_message) {
     load(4);
     errmsg.report({"an old message"});
@@ -780,18 +788,22 @@ std::map<int, phases> starts_by_passes(Passes passes, double v_g_ratio, double v
 TEST_F(thermodynamics_saturation_test, at_a_temperature_fifty_passes_count) {
     load_ideal_gas_without_bounds("T\n1\n3.5\n");
     const auto starts = starts_by_passes([](phases &at) { return passes_at_T(0.9, at); }, 1.0, 0.83);
-    for (const int passes : {3, 25, 49, 50, 51}) {
+    for (const int passes : {3, 25, 49, 50, 51, 0}) {
         SCOPED_TRACE(passes);
         ASSERT_TRUE(starts.contains(passes));
         phases at = starts.at(passes);
         start_everywhere_at(at);
         passes_at_T(0.9, at);
         double P = 0, v_g = 0, v_l = 0;
-        bool success = passes > 50;
+        const bool counts = passes >= 1 && passes <= 50;
+        bool success = !counts;
         saturation__T(0.9, P, v_g, v_l, &success);
-        EXPECT_EQ(success, passes <= 50);
-        EXPECT_EQ(support::shared_text(),
-                  passes <= 50 ? "No errors" : "Newton method failed to converge in subroutine saturation_T.");
+        EXPECT_EQ(success, counts);
+        const std::string text = counts ? "No errors" : "Newton method failed to converge in subroutine saturation_T.";
+        EXPECT_EQ(support::shared_text(), text);
+        errmsg.reset();
+        saturation__T(0.9, P, v_g, v_l); // nobody asks for success
+        EXPECT_EQ(support::shared_text(), text);
         EXPECT_NEAR(v_g / at.v_g, 1.0, 1e-9);
         EXPECT_NEAR(v_l / at.v_l, 1.0, 1e-9);
         EXPECT_EQ(P, P__T_v(0.9, v_g));
@@ -809,14 +821,30 @@ TEST_F(thermodynamics_saturation_test, at_a_pressure_a_hundred_passes_count) {
         start_everywhere_at(at);
         passes_at_P(0.9, at);
         double T = 0, v_g = 0, v_l = 0;
-        bool success = passes > 100;
+        const bool counts = passes <= 100;
+        bool success = !counts;
         saturation__P(0.9, T, v_g, v_l, &success);
-        EXPECT_EQ(success, passes <= 100);
-        EXPECT_EQ(support::shared_text(),
-                  passes <= 100 ? "No errors" : "Newton method failed to converge in subroutine saturation_P.");
+        EXPECT_EQ(success, counts);
+        const std::string text = counts ? "No errors" : "Newton method failed to converge in subroutine saturation_P.";
+        EXPECT_EQ(support::shared_text(), text);
+        errmsg.reset();
+        saturation__P(0.9, T, v_g, v_l); // nobody asks for success
+        EXPECT_EQ(support::shared_text(), text);
         EXPECT_NEAR(v_g / at.v_g, 1.0, 1e-9);
         EXPECT_NEAR(v_l / at.v_l, 1.0, 1e-9);
     }
+}
+
+TEST_F(thermodynamics_saturation_test, the_temperature_search_behind_a_pass_may_fail) {
+    // A first pass that takes the vapor below the covolume, where so low a pressure needs a temperature of almost 0.
+    load(2);
+    start_everywhere_at({1.5, 2.2});
+    Tmin = 0.1;
+    double T = 0, v_g = 0, v_l = 0;
+    saturation__P(0.85, T, v_g, v_l);
+    EXPECT_EQ(support::shared_text(), "ERROR: in T__P_v");
+    EXPECT_EQ(v_g, vmin);
+    EXPECT_GT(v_l, vmin);
 }
 
 // Sampled curves
@@ -902,6 +930,16 @@ TEST_F(thermodynamics_saturation_test, a_sampled_curve_stops_at_its_first_failur
     saturation_curves_P(P, v_g, v_l, T, 1e-9, &success);
     EXPECT_THAT(support::shared_text(), testing::StartsWith("Pressure out of range: "));
     EXPECT_FALSE(success);
+    errmsg.reset();
+    load_ideal_gas_without_bounds("T\n2\n3.5 1.0\n");
+    start_everywhere_at({1e30, 0.999});
+    v_g.fill(-1);
+    success = true;
+    saturation_curves_P(P, v_g, v_l, T, 0.8, &success);
+    EXPECT_EQ(support::shared_text(), "Newton method failed to converge in subroutine saturation_P.");
+    EXPECT_FALSE(success);
+    EXPECT_NE(v_g[1], -1.0);
+    EXPECT_EQ(v_g[2], -1.0);
     errmsg.reset();
     saturation_curves_P({}, {}, {}, {}, 0.5, &success);
     saturation_curves_T({}, {}, {}, {}, 0.5, &success);
