@@ -22,6 +22,7 @@ using gas_properties::gas;
 using gas_properties::gas_constants;
 using records::fill_text;
 using records::fixed_text;
+using records::lower;
 using records::no_errors;
 using records::same_text;
 using records::trimmed;
@@ -39,23 +40,19 @@ records::error_text &shared_errmsg() {
     return ideal_specific_heat::errmsg;
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 /// A code or name of one of the tables below, as it is compared and as it is told to people.
 struct keyword {
     std::uint64_t packed;
     described text;
     consteval keyword(std::string_view name, std::string_view unit = {}, std::string_view meaning = {})
         : keyword(described{name, unit, meaning}) {}
-    consteval keyword(const described &row) : packed(fixed_text<8>(row.name).packed()), text(row) {}
+    consteval keyword(const described &row) : packed(records::packed(row.name)), text(row) {}
 };
 
 /// The row of a table whose keyword is the folded text, or null.
 template <class Row, std::size_t rows>
 const Row *find(const Row (&table)[rows], std::string_view text) {
-    const std::uint64_t wanted = tolower_os(text).packed();
+    const std::uint64_t wanted = lower(records::packed(text));
     for (const Row &row : table)
         if (row.name.packed == wanted)
             return &row;
@@ -210,15 +207,11 @@ std::array<double, 4> pressure_hessian(double T, double v) {
     return d2P;
 }
 
-struct transport {
-    double viscosity;
-    double conductivity;
-};
-
-transport reduced_transport(double T, double v) {
-    transport result{};
-    transport_properties::transport_coefficients(T, v, result.viscosity, result.conductivity);
-    return result;
+double reduced_conductivity(double T, double v) {
+    double viscosity = 0;
+    double conductivity = 0;
+    transport_properties::transport_coefficients(T, v, viscosity, conductivity);
+    return conductivity;
 }
 
 struct output {
@@ -264,9 +257,9 @@ constexpr output outputs[] = {
          return dcv[0] * g.R / g.T_ref;
      }},
     {{"eta", "Pa s", "dynamic viscosity"},
-     [](double T, double v, const gas_constants &g) { return reduced_transport(T, v).viscosity * g.mu_ref; }},
+     [](double T, double v, const gas_constants &g) { return transport_properties::eta__T_v(T, v) * g.mu_ref; }},
     {{"lambda", "W/(m K)", "thermal conductivity"},
-     [](double T, double v, const gas_constants &g) { return reduced_transport(T, v).conductivity * g.kk_ref; }},
+     [](double T, double v, const gas_constants &g) { return reduced_conductivity(T, v) * g.kk_ref; }},
 };
 
 struct information {
@@ -300,7 +293,7 @@ constexpr auto told_informations =
 /// Loads the fluid if its name is not the kept one, and says whether it did. A name of more than eight characters
 /// never is the kept one.
 bool loaded_anew(std::string_view fluid) {
-    if (same_text(fluid, os_fluid.padded()))
+    if (same_text(fluid, os_fluid))
         return false;
     os_fluid = fixed_text<8>(fluid);
     read_init_fluiddata(fluid);
@@ -308,7 +301,15 @@ bool loaded_anew(std::string_view fluid) {
 }
 
 bool same_state(std::string_view inputspec, double input1, double input2) {
-    return same_text(inputspec, os_inputspec.padded()) && input1 == os_input1 && input2 == os_input2;
+    return input1 == os_input1 && input2 == os_input2 && same_text(inputspec, os_inputspec);
+}
+
+void report_success(std::span<char> errmsg) {
+    std::fill(errmsg.begin(), errmsg.end(), ' ');
+    if (errmsg.size() >= no_errors.size()) // a constant number of bytes takes two instructions
+        std::copy_n(no_errors.begin(), no_errors.size(), errmsg.begin());
+    else
+        fill_text(errmsg, {no_errors});
 }
 
 double failure(std::span<char> errmsg, std::initializer_list<std::string_view> pieces) {
@@ -319,10 +320,7 @@ double failure(std::span<char> errmsg, std::initializer_list<std::string_view> p
 } // namespace
 
 fixed_text<8> tolower_os(std::string_view text) {
-    fixed_text<8> result(trimmed(text));
-    for (char &c : result.characters())
-        c = lower(c);
-    return result;
+    return fixed_text<8>::unpacked(lower(records::packed(text)));
 }
 
 bool mixture(std::string_view inputspec, double input2) {
@@ -371,7 +369,7 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
 
     if (wanted == nullptr)
         return failure(errmsg, {"Ostrel error: calculation of ", outputspec, " not available."});
-    fill_text(errmsg, {no_errors});
+    report_success(errmsg);
     return wanted->evaluate(T, v, gas);
 }
 
@@ -393,7 +391,7 @@ double ostrel_info(std::string_view fluid, std::string_view name, std::span<char
     const information *const wanted = find(informations, name);
     if (wanted == nullptr)
         return failure(errmsg, {"Ostrel error: no info available for ", trimmed(name), "."});
-    fill_text(errmsg, {no_errors});
+    report_success(errmsg);
     return wanted->value(gas);
 }
 

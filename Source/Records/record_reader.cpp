@@ -20,11 +20,7 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-std::string lower(std::string_view text) {
+std::string lowered(std::string_view text) {
     std::string result(text);
     for (char &c : result)
         c = lower(c);
@@ -75,7 +71,7 @@ std::optional<bool> logical_value(std::string_view token) {
 
 /// Infinity and NaN, in any case, without their sign.
 std::optional<double> special_value(std::string_view token) {
-    const std::string name = lower(token);
+    const std::string name = lowered(token);
     if (name == "inf" || name == "infinity")
         return std::numeric_limits<double>::infinity();
     if (name == "nan" || (name.starts_with("nan(") && name.find(')') == name.size() - 1))

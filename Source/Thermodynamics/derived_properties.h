@@ -15,12 +15,12 @@ using separated_attraction::gradient;
 using separated_attraction::hessian;
 
 /// Everything about one state that derived properties need; what one of them does not use is not computed.
-template <class Point>
+template <class Point, class Ideal = separated_attraction::ideal_part>
 struct properties {
     using Real = decltype(Point::T);
 
     const Point &at;
-    const separated_attraction::ideal_part &ideal;
+    const Ideal &ideal;
     Real T = at.T;
     Real v = at.v;
 

@@ -183,11 +183,11 @@ void join_intervals(heat_capacity &h) {
     h.phi0_k.assign(K, 0.0);
     h.psi0_k.assign(K, 0.0);
     for (std::size_t k = 1; k < K; ++k) {
-        const powers below = interval_terms(h, k - 1);
-        const powers above = interval_terms(h, k);
         const double bound = h.T_k[k];
-        h.phi0_k[k] = h.phi0_k[k - 1] + below.phi(bound) - above.phi(bound);
-        h.psi0_k[k] = h.psi0_k[k - 1] + below.psi(bound) - above.psi(bound);
+        const caloric<double> below = interval_terms(h, k - 1).at(bound);
+        const caloric<double> above = interval_terms(h, k).at(bound);
+        h.phi0_k[k] = h.phi0_k[k - 1] + below.phi - above.phi;
+        h.psi0_k[k] = h.psi0_k[k - 1] + below.psi - above.psi;
     }
 }
 

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "Thermodynamics/gas_properties.h"
+#include "visibility.h"
 
 #include <algorithm>
 #include <cmath>
@@ -73,49 +74,51 @@ inline double real_part(const std::complex<double> &x) {
     return x.real();
 }
 
-/// x or -x, whichever has a positive real part.
+/// What there is to know of the ideal gas at one temperature T [K].
 template <class Real>
-Real magnitude(Real x) {
-    return real_part(x) < 0 ? -x : x;
+struct caloric {
+    Real phi{}; ///< energy [J/kg]
+    Real psi{}; ///< entropy [J/(kg K)]
+    Real cv{};  ///< isochoric heat capacity [J/(kg K)]
+    Real dcv{}; ///< its slope [J/(kg K2)]
+};
+
+/// T^n; the exponents of most polynomials are small whole numbers, for which products are much faster.
+template <class Real>
+Real power(Real T, double n) {
+    using std::pow;
+    if (n == 1)
+        return T;
+    if (n == 2)
+        return T * T;
+    if (n == 3)
+        return T * T * T;
+    if (n == 4)
+        return (T * T) * (T * T);
+    return pow(T, static_cast<decltype(real_part(T))>(n));
 }
 
-/// A sum of power terms: n exponents and coefficients.
+/// A constant and power terms: n exponents and coefficients.
 struct powers {
     double constant;
     const double *coefficient;
     const double *exponent;
     std::size_t count;
 
+    /// phi_0 and psi_0 are the constants of integration.
     template <class Real>
-    Real cv(Real T) const {
-        return sum(Real(constant), [&](double a, double n) { return a * pow(T, n); });
-    }
-    template <class Real>
-    Real dcv(Real T) const {
-        return sum(Real(0), [&](double a, double n) { return n * a * pow(T, n - 1); });
-    }
-    /// With `offset` as the constant of integration; so psi.
-    template <class Real>
-    Real phi(Real T, double offset = 0) const {
-        return sum(constant * T + offset, [&](double a, double n) { return a * pow(T, n + 1) / (n + 1); });
-    }
-    template <class Real>
-    Real psi(Real T, double offset = 0) const {
+    OSTREL_INLINE caloric<Real> at(Real T, double phi_0 = 0, double psi_0 = 0) const {
         using std::log;
-        return sum(constant * log(T) + offset, [&](double a, double n) { return a * pow(T, n) / n; });
-    }
-
-private:
-    template <class Real>
-    static Real pow(Real T, double n) {
-        using std::pow;
-        return pow(T, static_cast<decltype(real_part(T))>(n));
-    }
-    template <class Real, class Term>
-    Real sum(Real result, Term term) const {
-        for (std::size_t i = 0; i < count; ++i)
-            result += term(coefficient[i], exponent[i]);
-        return result;
+        caloric<Real> sum = {constant * T + phi_0, constant * log(T) + psi_0, Real(constant), Real(0)};
+        for (std::size_t i = 0; i < count; ++i) {
+            const double n = exponent[i];
+            const Real term = coefficient[i] * power(T, n);
+            sum.phi += term * T / (n + 1);
+            sum.psi += term / n;
+            sum.cv += term;
+            sum.dcv += n * term / T;
+        }
+        return sum;
     }
 };
 
@@ -141,137 +144,116 @@ std::size_t interval_of(const heat_capacity &h, Real T) {
     return found;
 }
 
-/// A sum over the Einstein terms, each given Tv and x = Tv/T.
-template <class Real, class Term>
-Real einstein_sum(const heat_capacity &h, Real T, Term term) {
-    Real result = 0;
-    for (const double Tv : h.Tv)
-        result += term(Tv, Tv / T);
-    return result;
+/// Form 5. All is formed from e^(-|x|), so that a term far below its temperature is 0 instead of inf/inf; equal
+/// characteristic temperatures next to each other are one term, counted.
+template <class Real>
+OSTREL_INLINE caloric<Real> einstein_terms(const heat_capacity &h, Real T) {
+    using std::exp;
+    using std::log;
+    caloric<Real> sum;
+    for (std::size_t i = 0; i < h.Tv.size();) {
+        const double Tv = h.Tv[i];
+        double count = 0;
+        do {
+            ++count;
+            ++i;
+        } while (i < h.Tv.size() && h.Tv[i] == Tv);
+        const Real signed_x = Tv / T;
+        const bool below_zero = real_part(signed_x) < 0;
+        const Real x = below_zero ? -signed_x : signed_x;
+        const Real decay = exp(-x);
+        if (decay == Real(0)) {
+            // Nothing is left of the term; below zero 1/(e^x - 1) is -1, and the entropy has no value.
+            if (below_zero) {
+                sum.phi += Real(-count * Tv);
+                sum.psi += log(signed_x);
+            }
+            continue;
+        }
+        const Real rise = Real(1) - decay;
+        const Real occupation = (below_zero ? Real(-1) : decay) / rise; // 1/(e^x - 1)
+        const Real weight = count * decay / (rise * rise);              // e^x/(e^x - 1)^2
+        sum.phi += count * (Tv * occupation);
+        sum.psi += count * (signed_x * occupation - log(below_zero ? Real(1) - Real(1) / decay : rise));
+        sum.cv += weight * x * x;
+        sum.dcv += weight * (Tv * Tv / (T * T * T) * (Real(2) * x / rise - Real(2) - x));
+    }
+    return {h.cv_0 * T + h.Rgas * sum.phi, h.cv_0 * log(T) + h.Rgas * sum.psi, h.cv_0 + h.Rgas * sum.cv,
+            h.Rgas * sum.dcv};
 }
 
-/// The same with each term, given Tv, |x| and 1 - e^(-|x|), times e^x/(e^x - 1)^2. This even function is multiplied
-/// through by e^(-2|x|), so that a term far below its temperature is 0 instead of inf/inf.
-template <class Real, class Term>
-Real damped_einstein_sum(const heat_capacity &h, Real T, Term term) {
-    using std::exp;
-    return einstein_sum(h, T, [&](double Tv, Real signed_x) {
-        const Real x = magnitude(signed_x);
-        const Real decay = exp(-x);
-        const Real rise = Real(1) - decay;
-        return decay == Real(0) ? decay : decay / (rise * rise) * term(Tv, x, rise);
-    });
+/// All of them by the form in use; 0 by an unknown one, and by form 4 at and outside its bounds.
+template <class Real>
+OSTREL_INLINE caloric<Real> everything(const heat_capacity &h, Real T) {
+    using std::log;
+    using std::pow;
+    switch (h.function_type) {
+    case constant:
+        return {h.cv_0 * T, h.cv_0 * log(T), Real(h.cv_0), Real(0)};
+    case power_law: {
+        const Real cv = h.cv_oo_Tc * pow(T / h.Tc, Real(h.np));
+        return {cv * T / (h.np + 1), cv / h.np, cv, h.np * cv / T};
+    }
+    case polynomial:
+        return polynomial_terms(h).at(T);
+    case piecewise: {
+        const std::size_t k = interval_of(h, T);
+        return k < h.cv_0_k.size() ? interval_terms(h, k).at(T, h.phi0_k[k], h.psi0_k[k]) : caloric<Real>{};
+    }
+    case einstein:
+        return einstein_terms(h, T);
+    default:
+        return {};
+    }
+}
+
+/// What may be wanted at one temperature; sums of these.
+enum wanted : unsigned { energy = 1, entropy = 2, heat = 4, heat_slope = 8 };
+
+/// Some of them, from one pass over the terms; what is not wanted is not computed and stays 0.
+template <unsigned these, class Real>
+caloric<Real> evaluate(const heat_capacity &h, Real T) {
+    const caloric<Real> all = everything(h, T);
+    caloric<Real> result;
+    if constexpr ((these & energy) != 0)
+        result.phi = all.phi;
+    if constexpr ((these & entropy) != 0)
+        result.psi = all.psi;
+    if constexpr ((these & heat) != 0)
+        result.cv = all.cv;
+    if constexpr ((these & heat_slope) != 0)
+        result.dcv = all.dcv;
+    return result;
 }
 
 /// Isochoric heat capacity at T [K] in J/(kg K).
 template <class Real>
 Real cv(const heat_capacity &h, Real T) {
-    using std::pow;
-    switch (h.function_type) {
-    case constant:
-        return Real(h.cv_0);
-    case power_law:
-        return h.cv_oo_Tc * pow(T / h.Tc, Real(h.np));
-    case polynomial:
-        return polynomial_terms(h).cv(T);
-    case piecewise: {
-        const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? interval_terms(h, k).cv(T) : Real(0);
-    }
-    case einstein:
-        return h.cv_0 + h.Rgas * damped_einstein_sum(h, T, [](double, Real x, Real) { return x * x; });
-    default:
-        return Real(0);
-    }
+    return evaluate<heat>(h, T).cv;
 }
 
-/// dcv/dT at T [K] in J/(kg K2).
-template <class Real>
-Real dcv(const heat_capacity &h, Real T) {
-    using std::pow;
-    switch (h.function_type) {
-    case power_law:
-        return h.np * h.cv_oo_Tc * pow(T / h.Tc, Real(h.np - 1)) / h.Tc;
-    case polynomial:
-        return polynomial_terms(h).dcv(T);
-    case piecewise: {
-        const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? interval_terms(h, k).dcv(T) : Real(0);
-    }
-    case einstein:
-        return h.Rgas * damped_einstein_sum(h, T, [&](double Tv, Real x, Real rise) {
-                   return Tv * Tv / (T * T * T) * (Real(2) * x / rise - Real(2) - x);
-               });
-    default:
-        return Real(0);
-    }
+/// The same reduced, as functions of t = T/T_ref: phi, psi, dphi/dt and d2phi/dt2.
+template <unsigned these, class Real>
+caloric<Real> evaluate_reduced(const heat_capacity &h, Real t) {
+    const auto [phi, psi, cv, dcv] = evaluate<these>(h, t * h.T_ref);
+    const double energy_unit = h.P_ref * h.v_ref;
+    return {phi / energy_unit, psi / h.Rgas, cv * h.T_ref / energy_unit, dcv * (h.T_ref * h.T_ref) / energy_unit};
 }
-
-/// Caloric energy at T [K] in J/kg.
-template <class Real>
-Real phi(const heat_capacity &h, Real T) {
-    using std::exp;
-    using std::pow;
-    switch (h.function_type) {
-    case constant:
-        return h.cv_0 * T;
-    case power_law:
-        return h.Tc * pow(T / h.Tc, Real(h.np + 1)) * h.cv_oo_Tc / (h.np + 1);
-    case polynomial:
-        return polynomial_terms(h).phi(T);
-    case piecewise: {
-        const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? interval_terms(h, k).phi(T, h.phi0_k[k]) : Real(0);
-    }
-    case einstein:
-        return h.cv_0 * T + h.Rgas * einstein_sum(h, T, [](double Tv, Real x) { return Tv / (exp(x) - Real(1)); });
-    default:
-        return Real(0);
-    }
-}
-
-/// Caloric entropy at T [K] in J/(kg K).
-template <class Real>
-Real psi(const heat_capacity &h, Real T) {
-    using std::exp;
-    using std::log;
-    using std::pow;
-    switch (h.function_type) {
-    case constant:
-        return h.cv_0 * log(T);
-    case power_law:
-        return pow(T / h.Tc, Real(h.np)) * h.cv_oo_Tc / h.np;
-    case polynomial:
-        return polynomial_terms(h).psi(T);
-    case piecewise: {
-        const std::size_t k = interval_of(h, T);
-        return k < h.cv_0_k.size() ? interval_terms(h, k).psi(T, h.psi0_k[k]) : Real(0);
-    }
-    case einstein:
-        return h.cv_0 * log(T) + h.Rgas * einstein_sum(h, T, [](double, Real x) {
-                                     return x / (exp(x) - Real(1)) - log(Real(1) - exp(-x));
-                                 });
-    default:
-        return Real(0);
-    }
-}
-
-/// The four functions the models are built on, t = T/T_ref: phi, dphi/dt, d2phi/dt2 and psi.
 template <class Real>
 Real phi_reduced(const heat_capacity &h, Real t) {
-    return phi(h, t * h.T_ref) / (h.P_ref * h.v_ref);
+    return evaluate_reduced<energy>(h, t).phi;
 }
 template <class Real>
 Real phip_reduced(const heat_capacity &h, Real t) {
-    return cv(h, t * h.T_ref) * h.T_ref / (h.P_ref * h.v_ref);
+    return evaluate_reduced<heat>(h, t).cv;
 }
 template <class Real>
 Real phipp_reduced(const heat_capacity &h, Real t) {
-    return dcv(h, t * h.T_ref) * (h.T_ref * h.T_ref) / (h.P_ref * h.v_ref);
+    return evaluate_reduced<heat_slope>(h, t).dcv;
 }
 template <class Real>
 Real psi_reduced(const heat_capacity &h, Real t) {
-    return psi(h, t * h.T_ref) / h.Rgas;
+    return evaluate_reduced<entropy>(h, t).psi;
 }
 
 /// Makes freshly read coefficients dimensional, sets the interval constants of form 4 and the fluid's

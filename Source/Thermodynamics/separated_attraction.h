@@ -36,12 +36,49 @@ struct ideal_part {
     const ideal_specific_heat::heat_capacity &heat;
     double e_0;
     double s_0;
+
+    template <class Real>
+    Real phi(Real T) const {
+        return phi_reduced(heat, T);
+    }
+    template <class Real>
+    Real psi(Real T) const {
+        return psi_reduced(heat, T);
+    }
+    template <class Real>
+    Real phip(Real T) const {
+        return phip_reduced(heat, T);
+    }
+    template <class Real>
+    Real phipp(Real T) const {
+        return phipp_reduced(heat, T);
+    }
 };
 
 /// The ideal part of the active fluid.
 inline ideal_part active_ideal_part() {
     return {ideal_specific_heat::active, gas_properties::gas.e_0, gas_properties::gas.s_0};
 }
+
+/// The same at one temperature, for whoever wants more than one of them: `these` are formed together, once.
+template <unsigned these>
+class ideal_part_at {
+public:
+    double e_0;
+    double s_0;
+
+    ideal_part_at(const ideal_part &ideal, double T) : e_0(ideal.e_0), s_0(ideal.s_0) {
+        if constexpr (these != 0)
+            values_ = ideal_specific_heat::evaluate_reduced<these>(ideal.heat, T);
+    }
+    double phi(double) const requires((these & ideal_specific_heat::energy) != 0) { return values_.phi; }
+    double psi(double) const requires((these & ideal_specific_heat::entropy) != 0) { return values_.psi; }
+    double phip(double) const requires((these & ideal_specific_heat::heat) != 0) { return values_.cv; }
+    double phipp(double) const requires((these & ideal_specific_heat::heat_slope) != 0) { return values_.dcv; }
+
+private:
+    ideal_specific_heat::caloric<double> values_;
+};
 
 /// A model is a struct of reduced parameters with
 ///   terms          the number of attraction terms, 0 to 4
@@ -62,21 +99,43 @@ struct no_attraction {
     }
 };
 
-/// One state of a model: all that is wanted at one (T, v) comes from one evaluation of q and f.
+/// The half of a state that depends on the temperature, and the one that depends on the volume. Who keeps one of the
+/// two fixed evaluates it once.
 template <class Model, class Real>
-struct state_point {
+struct temperature_side {
+    Real T;
+    factors<Real, Model::terms> qq;
+
+    OSTREL_INLINE temperature_side(const Model &model, Real temperature) : T(temperature), qq(model.q(temperature)) {}
+};
+template <class Model, class Real>
+struct volume_side {
+    Real v;
+    Real w; ///< v - b
+    factors<Real, Model::terms> ff;
+
+    OSTREL_INLINE volume_side(const Model &model, Real volume)
+        : v(volume), w(volume - model.covolume()), ff(model.f(volume)) {}
+};
+
+/// One state of a model: all that is wanted at one (T, v) comes from one evaluation of q and f. The ideal part is an
+/// ideal_part, or an ideal_part_at of the same temperature.
+template <class Model, class Real>
+struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
     static constexpr std::size_t terms = Model::terms;
 
-    Real T;
-    Real v;
-    Real w;           ///< v - b
+    using temperature_side<Model, Real>::T;
+    using temperature_side<Model, Real>::qq;
+    using volume_side<Model, Real>::v;
+    using volume_side<Model, Real>::w;
+    using volume_side<Model, Real>::ff;
     double repulsion; ///< factor of T/(v - b)
-    factors<Real, terms> qq;
-    factors<Real, terms> ff;
 
-    state_point(const Model &model, Real temperature, Real volume)
-        : T(temperature), v(volume), w(volume - model.covolume()), repulsion(model.repulsion()),
-          qq(model.q(temperature)), ff(model.f(volume)) {}
+    OSTREL_INLINE state_point(const Model &model, const temperature_side<Model, Real> &at_T,
+                              const volume_side<Model, Real> &at_v)
+        : temperature_side<Model, Real>(at_T), volume_side<Model, Real>(at_v), repulsion(model.repulsion()) {}
+    OSTREL_INLINE state_point(const Model &model, Real temperature, Real volume)
+        : state_point(model, temperature_side(model, temperature), volume_side(model, volume)) {}
 
     /// Sum over the terms of a product formed from q, q', q'', q''' and f, f', f'', f'''.
     template <class Term>
@@ -99,24 +158,32 @@ struct state_point {
         return {sum([](const auto &q, const auto &f) { return q[2] * f[1]; }), mixed, mixed,
                 sum([](const auto &q, const auto &f) { return q[0] * f[3]; }) + 2.0 * repulsion * T / (w * w * w)};
     }
-    Real e(const ideal_part &ideal) const {
-        return ideal.e_0 + phi_reduced(ideal.heat, T) +
+    template <class Ideal>
+    Real e(const Ideal &ideal) const {
+        return ideal.e_0 + ideal.phi(T) +
                sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[0]; });
     }
-    Real s(const ideal_part &ideal) const {
+    template <class Ideal>
+    Real s(const Ideal &ideal) const {
         using std::log;
-        return psi_reduced(ideal.heat, T) + sum([](const auto &q, const auto &f) { return q[1] * f[0]; }) + ideal.s_0 +
+        return ideal.psi(T) + sum([](const auto &q, const auto &f) { return q[1] * f[0]; }) + ideal.s_0 +
                repulsion * log(w);
     }
-    Real cv(const ideal_part &ideal) const { return phip_reduced(ideal.heat, T) + cv_attraction(); }
-    gradient<Real> dcv(const ideal_part &ideal) const {
-        return {phipp_reduced(ideal.heat, T) + dcv_dT_attraction(), dcv_dv_attraction()};
+    template <class Ideal>
+    Real cv(const Ideal &ideal) const {
+        return ideal.phip(T) + cv_attraction();
     }
-    gradient<Real> de(const ideal_part &ideal) const {
+    template <class Ideal>
+    gradient<Real> dcv(const Ideal &ideal) const {
+        return {ideal.phipp(T) + dcv_dT_attraction(), dcv_dv_attraction()};
+    }
+    template <class Ideal>
+    gradient<Real> de(const Ideal &ideal) const {
         return {cv(ideal), sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[1]; })};
     }
-    hessian<Real> d2e(const ideal_part &ideal) const {
-        return {phipp_reduced(ideal.heat, T) + dcv_dT_attraction(), dcv_dv_attraction(), dcv_dv_attraction(),
+    template <class Ideal>
+    hessian<Real> d2e(const Ideal &ideal) const {
+        return {ideal.phipp(T) + dcv_dT_attraction(), dcv_dv_attraction(), dcv_dv_attraction(),
                 sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[2]; })};
     }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Derived properties of the active model: at (T, v), and at other pairs after the search for T or v.
-#include "Thermodynamics/derived_properties.h"
 #include "Thermodynamics/model_choice.h"
 
 namespace thermodynamics {
@@ -9,26 +8,13 @@ using ideal_specific_heat::errmsg;
 
 namespace {
 
-/// Without a model pressure, energy, entropy and their derivatives are zero.
-const ideal_gas::parameters no_model{};
-const ideal_specific_heat::heat_capacity no_heat = [] {
-    ideal_specific_heat::heat_capacity heat;
-    heat.Rgas = heat.P_ref = heat.v_ref = 1.0;
-    return heat;
-}();
-
 /// A derived property of the active model at (T, v); without a model, what the formula makes of zeros.
 template <class Evaluation>
 auto at_state(double T, double v, Evaluation evaluate) {
-    const auto evaluate_with = [&](const auto &model, const separated_attraction::ideal_part &ideal) {
+    return with_model_or_zeros([&](const auto &model, const separated_attraction::ideal_part &ideal) {
         const separated_attraction::state_point point(model, T, v);
         return evaluate(derived_properties::properties<std::remove_cvref_t<decltype(point)>>{point, ideal});
-    };
-    return with_model(
-        [&](const auto &model) { return evaluate_with(model, separated_attraction::active_ideal_part()); },
-        [&] {
-            return evaluate_with(no_model, {no_heat, 0.0, 0.0});
-        });
+    });
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 // Accuracy   1e-6 in g and P at a given T, 1e-5 in g and T at a given P
 // Reference  J. W. Gibbs, Trans. Connecticut Acad. 3 (1875) 108: equal potentials of coexisting phases
 #include "Algebra/lin_algebra.h"
-#include "Thermodynamics/thermodynamics.h"
+#include "Thermodynamics/model_choice.h"
 
 #include <algorithm>
 #include <charconv>
@@ -43,12 +43,24 @@ struct interpolation {
     double of(std::span<const double> y) const { return (1.0 - w) * y[i1] + w * y[i2]; }
 };
 
+/// The neighbours of x, which lies between the elements of a vector of two or more.
 interpolation locate(double x, std::span<const double> xx) {
-    std::int32_t i1 = 1;
-    std::int32_t i2 = 2;
-    double w = 0;
-    seek_in_vector(x, xx, i1, i2, w);
-    return {static_cast<std::size_t>(i1) - 1, static_cast<std::size_t>(i2) - 1, w};
+    const std::size_t N = xx.size();
+    std::size_t k = 0;
+    double nearest = std::abs(xx[0] - x);
+    for (std::size_t i = 1; i < N; ++i) {
+        const double distance = std::abs(xx[i] - x);
+        if (distance < nearest) {
+            nearest = distance;
+            k = i;
+        }
+    }
+    std::size_t first = k;
+    if (k == N - 1)
+        first = N - 2;
+    else if (k > 0 && !((x < xx[k] && xx[k + 1] <= xx[k]) || (x >= xx[k] && xx[k] < xx[k + 1])))
+        first = k - 1;
+    return {first, first + 1, (x - xx[first]) / (xx[first + 1] - xx[first])};
 }
 
 /// Keeps the volumes on their own sides of the critical one.
@@ -82,10 +94,13 @@ bool within(const pair &F, double tolerance) {
     return std::abs(F[0]) < tolerance && std::abs(F[1]) < tolerance;
 }
 
-pair pressure_slopes(double T, double v) {
-    pair dP{};
-    dP__dT_dv(T, v, dP);
-    return dP;
+/// Gives `use` the states at one temperature: both phases share what depends on it.
+template <class Use>
+auto at_temperature(double T, Use use) {
+    return with_model_or_zeros([&]<class Model>(const Model &model, const separated_attraction::ideal_part &ideal) {
+        using namespace ideal_specific_heat;
+        return use(isotherm<Model, energy | entropy | heat>(model, ideal, T));
+    });
 }
 
 std::string fixed_point(double value) {
@@ -98,11 +113,18 @@ std::string fixed_point(double value) {
 struct extremes {
     double low;
     double high;
-    explicit extremes(std::span<const double> xx)
-        : low(*std::min_element(xx.begin(), xx.end())), high(*std::max_element(xx.begin(), xx.end())) {}
+    explicit extremes(std::span<const double> xx) : low(xx[0]), high(xx[0]) {
+        for (const double x : xx) {
+            low = std::min(low, x);
+            high = std::max(high, x);
+        }
+    }
 };
 
 bool out_of_range(double x, std::span<const double> xx) {
+    // Between the ends, as nearly always, is within the range.
+    if ((x >= xx.front() && x <= xx.back()) || (x <= xx.front() && x >= xx.back()))
+        return false;
     const extremes range(xx);
     return x < range.low || x > range.high;
 }
@@ -141,11 +163,15 @@ struct curve_slopes {
     double dvl_dT;
 
     curve_slopes(double T, double v_g, double v_l) {
-        const auto [P_T_g, P_v_g] = pressure_slopes(T, v_g);
-        const auto [P_T_l, P_v_l] = pressure_slopes(T, v_l);
-        dP_dT = (h__T_v(T, v_g) - h__T_v(T, v_l)) / ((v_g - v_l) * T);
-        dvg_dT = (dP_dT - P_T_g) / P_v_g;
-        dvl_dT = (dP_dT - P_T_l) / P_v_l;
+        at_temperature(T, [&](const auto &at) {
+            const auto g = at(v_g);
+            const auto l = at(v_l);
+            const auto [P_T_g, P_v_g] = g.point.dP();
+            const auto [P_T_l, P_v_l] = l.point.dP();
+            dP_dT = (g.all().h() - l.all().h()) / ((v_g - v_l) * T);
+            dvg_dT = (dP_dT - P_T_g) / P_v_g;
+            dvl_dT = (dP_dT - P_T_l) / P_v_l;
+        });
     }
 };
 
@@ -210,19 +236,10 @@ void seek_in_vector(double x, std::span<const double> xx, std::int32_t &i1, std:
         errmsg.report({"x is not in xx."});
         return;
     }
-    const std::size_t N = xx.size();
-    std::size_t k = 0;
-    for (std::size_t i = 1; i < N; ++i)
-        if (std::abs(xx[i] - x) < std::abs(xx[k] - x))
-            k = i;
-    std::size_t first = k;
-    if (k == N - 1)
-        first = N - 2;
-    else if (k > 0 && !((x < xx[k] && xx[k + 1] <= xx[k]) || (x >= xx[k] && xx[k] < xx[k + 1])))
-        first = k - 1;
-    i1 = static_cast<std::int32_t>(first + 1);
-    i2 = i1 + 1;
-    w = (x - xx[first]) / (xx[first + 1] - xx[first]);
+    const interpolation found = locate(x, xx);
+    i1 = static_cast<std::int32_t>(found.i1 + 1);
+    i2 = static_cast<std::int32_t>(found.i2 + 1);
+    w = found.w;
 }
 
 void init_saturation_curves() {
@@ -270,21 +287,25 @@ void saturation__T(double T, double &P, double &v_g, double &v_l, bool *success)
     v_l = start.of(vvls);
     if (success != nullptr)
         *success = true;
-    constexpr int counted_passes = 50;
-    bool converged = false;
-    for (int pass = 1; pass <= counted_passes + 1; ++pass) {
-        const pair F = {mu__T_v(T, v_g) - mu__T_v(T, v_l), P__T_v(T, v_g) - P__T_v(T, v_l)};
-        if (within(F, 1.0e-6)) {
-            converged = pass <= counted_passes;
-            break;
+    enum class ending { converged, too_late, singular };
+    const ending end = at_temperature(T, [&](const auto &at) {
+        constexpr int counted_passes = 50;
+        for (int pass = 1; pass <= counted_passes + 1; ++pass) {
+            const auto g = at(v_g);
+            const auto l = at(v_l);
+            const pair F = {g.all().mu() - l.all().mu(), g.point.P() - l.point.P()};
+            if (within(F, 1.0e-6))
+                return pass <= counted_passes ? ending::converged : ending::too_late;
+            if (!newton_step(F, {g.all().dmu()[1], g.point.dP()[1]}, {l.all().dmu()[1], l.point.dP()[1]}, v_g, v_l))
+                return ending::singular;
+            guard_sides(v_g, v_l);
         }
-        if (!newton_step(F, {dmu__dT_dv(T, v_g)[1], pressure_slopes(T, v_g)[1]},
-                         {dmu__dT_dv(T, v_l)[1], pressure_slopes(T, v_l)[1]}, v_g, v_l))
-            return;
-        guard_sides(v_g, v_l);
-    }
+        return ending::too_late;
+    });
+    if (end == ending::singular)
+        return;
     P = P__T_v(T, v_g);
-    if (!converged)
+    if (end == ending::too_late)
         not_converged("Newton method failed to converge in subroutine saturation_T.", success);
 }
 
@@ -308,34 +329,37 @@ void saturation__P(double P, double &T, double &v_g, double &v_l, bool *success)
     v_l = start.of(vvls);
     if (success != nullptr)
         *success = true;
-    // What the iteration needs of a phase; false after a message.
-    const auto phase = [&](double v, double &T_phase, pair &slopes) {
-        pair dmu{};
-        pair dT{};
-        dmu__dP_dv(P, v, dmu, T_phase);
-        if (!errmsg.clear())
-            return false;
-        dT__dP_dv(P, v, dT, T_phase);
-        slopes = {dmu[1], dT[1]};
-        return errmsg.clear();
+    // What the iteration needs of a phase at P: its temperature, the Gibbs energy there, and the slopes of both to
+    // the volume. False after a message.
+    struct phase {
+        double T;
+        double mu;
+        pair slopes;
+        bool find(double P_wanted, double v, double T_start) {
+            T = T__P_v(P_wanted, v, T_start);
+            if (!errmsg.clear())
+                return false;
+            at_temperature(T, [&](const auto &at) {
+                const auto state = at(v);
+                mu = state.all().mu();
+                slopes = {state.all().dmu_in_P_v()[1], state.all().dT_in_P_v()[1]};
+            });
+            return true;
+        }
     };
     constexpr int counted_passes = 100;
     for (int pass = 1; pass <= counted_passes + 1; ++pass) {
-        double T_g = T__P_v(P, v_g, T);
-        if (!errmsg.clear())
+        phase g{};
+        phase l{};
+        if (!g.find(P, v_g, T) || !l.find(P, v_l, T))
             return;
-        double T_l = T__P_v(P, v_l, T);
-        if (!errmsg.clear())
-            return;
-        const pair F = {mu__T_v(T_g, v_g) - mu__T_v(T_l, v_l), T_g - T_l};
+        const pair F = {g.mu - l.mu, g.T - l.T};
         if (within(F, 1.0e-5)) {
             if (pass <= counted_passes)
                 return;
             break;
         }
-        pair slopes_g{};
-        pair slopes_l{};
-        if (!phase(v_g, T_g, slopes_g) || !phase(v_l, T_l, slopes_l) || !newton_step(F, slopes_g, slopes_l, v_g, v_l))
+        if (!newton_step(F, g.slopes, l.slopes, v_g, v_l))
             return;
         v_g = std::max(v_g, vmin);
         v_l = std::max(v_l, vmin);

@@ -8,7 +8,6 @@
 // Accuracy   residuals below 1e-9 in reduced units
 // Reference  I. Newton, J. Raphson; W. H. Press et al., Numerical Recipes (2007) ch. 9.4 and 9.6
 #include "Algebra/lin_algebra.h"
-#include "Thermodynamics/derived_properties.h"
 #include "Thermodynamics/model_choice.h"
 
 #include <cmath>
@@ -19,7 +18,6 @@ using gas_properties::gas;
 using ideal_specific_heat::errmsg;
 using separated_attraction::active_ideal_part;
 using separated_attraction::gradient;
-using separated_attraction::state_point;
 
 namespace {
 
@@ -33,34 +31,36 @@ double lifted(double x, double lower_bound) {
     return x < lower_bound ? lower_bound : x;
 }
 
-template <class Point>
-using property_set = derived_properties::properties<Point>;
-
-// What the solvers are solved for: a value, its derivatives to T and v where it has them, and the
-// derivative that a one-dimensional solve uses.
+// What the solvers are solved for: a value, its derivatives to T and v where it has them, the derivative that a
+// one-dimensional solve uses, and what of the ideal gas all these want.
 struct energy {
+    static constexpr unsigned caloric = ideal_specific_heat::energy | ideal_specific_heat::heat;
     static double value(const auto &p) { return p.at.e(p.ideal); }
     static double slope_T(const auto &p) { return p.at.de(p.ideal)[0]; }
 };
 struct pressure {
+    static constexpr unsigned caloric = 0;
     static double value(const auto &p) { return p.at.P(); }
     static double slope_T(const auto &p) { return p.at.dP()[0]; }
     static double slope_v(const auto &p) { return p.at.dP()[1]; }
     static gradient<double> slopes(const auto &p) { return p.at.dP(); }
 };
 struct entropy {
+    static constexpr unsigned caloric = ideal_specific_heat::entropy | ideal_specific_heat::heat;
     static double value(const auto &p) { return p.at.s(p.ideal); }
     static double slope_T(const auto &p) { return p.at.cv(p.ideal) / p.T; }
     static double slope_v(const auto &p) { return p.ds()[1]; }
     static gradient<double> slopes(const auto &p) { return p.ds(); }
 };
 struct enthalpy {
+    static constexpr unsigned caloric = ideal_specific_heat::energy | ideal_specific_heat::heat;
     static double value(const auto &p) { return p.h(); }
     static double slope_T(const auto &p) { return p.dh()[0]; }
     static gradient<double> slopes(const auto &p) { return p.dh(); }
 };
 /// The square of the speed of sound.
 struct sound {
+    static constexpr unsigned caloric = ideal_specific_heat::heat | ideal_specific_heat::heat_slope;
     static double value(const auto &p) {
         const auto [P_T, P_v] = p.at.dP();
         return p.v * p.v * (p.T * (P_T * P_T) / p.at.cv(p.ideal) - P_v);
@@ -75,8 +75,8 @@ struct sound {
 };
 
 /// Newton's method in one unknown; `at` gives the state for a value of it.
-template <class Quantity, class PropertiesAt, class Slope>
-double newton(double target, double x, double lower_bound, std::string_view failure, PropertiesAt at, Slope slope) {
+template <class Quantity, class StateAt, class Slope>
+double newton(double target, double x, double lower_bound, std::string_view failure, const StateAt &at, Slope slope) {
     for (int step = 0; step < most_steps; ++step) {
         x = lifted(x, lower_bound);
         const auto state = at(x);
@@ -89,52 +89,35 @@ double newton(double target, double x, double lower_bound, std::string_view fail
     return x;
 }
 
-template <class Model>
-struct solved_state {
-    state_point<Model, double> point;
-    separated_attraction::ideal_part ideal;
-    property_set<state_point<Model, double>> all() const { return {point, ideal}; }
-};
-
 template <class Quantity>
 double solve_T(double target, double v, double T, std::string_view failure) {
-    return with_model(
-        [&](const auto &model) {
-            using Model = std::remove_cvref_t<decltype(model)>;
-            return newton<Quantity>(
-                target, T, Tmin, failure,
-                [&](double x) {
-                    return solved_state<Model>{{model, x, v}, active_ideal_part()};
-                },
-                [](const auto &p) { return Quantity::slope_T(p); });
-        },
-        [&] { return T; });
+    const auto solve = [&]<class Model>(const Model &model) {
+        return newton<Quantity>(target, T, Tmin, failure,
+                                isochore<Model, Quantity::caloric>(model, active_ideal_part(), v),
+                                [](const auto &p) { return Quantity::slope_T(p); });
+    };
+    return with_model(solve, [&] { return T; });
 }
 
 template <class Quantity>
 double solve_v(double target, double T, double v, std::string_view failure) {
-    return with_model(
-        [&](const auto &model) {
-            using Model = std::remove_cvref_t<decltype(model)>;
-            return newton<Quantity>(
-                target, v, vmin, failure,
-                [&](double x) {
-                    return solved_state<Model>{{model, T, x}, active_ideal_part()};
-                },
-                [](const auto &p) { return Quantity::slope_v(p); });
-        },
-        [&] { return v; });
+    const auto solve = [&]<class Model>(const Model &model) {
+        return newton<Quantity>(target, v, vmin, failure,
+                                isotherm<Model, Quantity::caloric>(model, active_ideal_part(), T),
+                                [](const auto &p) { return Quantity::slope_v(p); });
+    };
+    return with_model(solve, [&] { return v; });
 }
 
 /// Newton's method in T and v together; answers v.
 template <class First, class Second>
 double solve_T_v(double target1, double target2, double T, double v, std::string_view failure) {
-    const auto solve = [&](const auto &model) {
-        using Model = std::remove_cvref_t<decltype(model)>;
+    const auto solve = [&]<class Model>(const Model &model) {
         for (int step = 0; step < most_steps; ++step) {
             v = lifted(v, vmin);
             T = lifted(T, Tmin);
-            const solved_state<Model> state{{model, T, v}, active_ideal_part()};
+            const evaluated_state<Model, First::caloric | Second::caloric> state{{model, T, v},
+                                                                                 {active_ideal_part(), T}};
             const auto p = state.all();
             const double F1 = First::value(p) - target1;
             const double F2 = Second::value(p) - target2;

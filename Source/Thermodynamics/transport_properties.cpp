@@ -112,6 +112,9 @@ bool initialise(parameters &p, const gas_properties::gas_constants &fluid, recor
         p.mur = fluid.mur;
         p.kh = fluid.kh;
     }
+    p.area = std::pow(1000.0 * p.vc * p.m_mole, 2.0 / 3.0);
+    p.mu_corr = 3.4e-7 * std::sqrt(p.m_mole) * std::pow(p.Pc / gas_properties::pascal_per_atm, 2.0 / 3.0) /
+                std::pow(p.Tc, 1.0 / 6.0);
     if (p.viscosity_model == dilute_gas || p.viscosity_model == dense_gas)
         p.fc = 1.0 - 0.2756 * p.omega + 0.059035 * fourth_power(p.mur) + p.kh;
     if (p.viscosity_model == dense_gas)
@@ -133,6 +136,11 @@ coefficients<double> at_state(double T, double v, double t, double vr) {
 }
 
 } // namespace
+
+double eta__T_v(double t, double vr) {
+    double mu0 = 0;
+    return viscosity(active, t * active.T_ref, vr * active.v_ref, mu0) / active.mu_ref;
+}
 
 void transport_coefficients(double t, double vr, double &eta, double &lambda) {
     const auto [mu, k] = at_state(t * active.T_ref, vr * active.v_ref, t, vr);

@@ -72,6 +72,8 @@ struct parameters {
     double kh = 0;     ///< association factor [-]
 
     // What it derives.
+    double area = 0;             ///< critical molar volume to the power 2/3 [(cm3/mol)^(2/3)]
+    double mu_corr = 0;          ///< corresponding states: the viscosity at Tc [Pa s]
     double fc = 0;               ///< shape and polarity factor of the dilute gas [-]
     double beta = 0;             ///< of the dilute gas's conductivity [-]
     std::array<double, 10> aa{}; ///< E1 to E10 of the dense gas's viscosity [-]
@@ -89,8 +91,9 @@ Real collision_integral(Real T_star) {
     using std::exp;
     using std::pow;
     using std::sin;
-    return 1.16145 * pow(T_star, Real(-0.14874)) + 0.52487 * exp(-0.7732 * T_star) + 2.16178 * exp(-2.43787 * T_star) -
-           0.0006435 * pow(T_star, Real(0.14874)) * sin(1.80323 * pow(T_star, Real(-0.7683)) - 7.27371);
+    const Real rise = pow(T_star, Real(0.14874));
+    return 1.16145 / rise + 0.52487 * exp(-0.7732 * T_star) + 2.16178 * exp(-2.43787 * T_star) -
+           0.0006435 * rise * sin(1.80323 * pow(T_star, Real(-0.7683)) - 7.27371);
 }
 
 template <class Real>
@@ -98,17 +101,12 @@ Real reduced_temperature(const parameters &p, Real T) {
     return T / p.Tc;
 }
 
-/// Critical molar volume [cm3/mol] to the power 2/3.
-inline double molar_area(const parameters &p) {
-    return std::pow(1000.0 * p.vc * p.m_mole, 2.0 / 3.0);
-}
-
 /// Viscosity of the dilute gas in Chung's unit, 0.1 Pa s.
 template <class Real>
 Real dilute_viscosity(const parameters &p, Real T) {
     using std::sqrt;
     const Real T_star = 1.2593 * reduced_temperature(p, T);
-    return 4.0785e-5 * p.fc * sqrt(p.m_mole * T) / (molar_area(p) * collision_integral(T_star));
+    return 4.0785e-5 * p.fc * sqrt(p.m_mole * T) / (p.area * collision_integral(T_star));
 }
 
 /// The functions of density that viscosity and conductivity of the dense gas share, each with its coefficients.
@@ -137,14 +135,13 @@ Real dense_viscosity(const parameters &p, Real T, Real v, Real mu0) {
     const auto [y, G2] = density_factors<Real>(p, E, v);
     const Real T_star = 1.2593 * reduced_temperature(p, T);
     const Real dense = E[6] * (y * y) * G2 * exp(E[7] + E[8] / T_star + E[9] / (T_star * T_star));
-    return 0.1 * (mu0 * (1.0 / G2 + E[5] * y) + 3.6344e-5 * sqrt(p.m_mole * p.Tc) / molar_area(p) * dense);
+    return 0.1 * (mu0 * (1.0 / G2 + E[5] * y) + 3.6344e-5 * sqrt(p.m_mole * p.Tc) / p.area * dense);
 }
 
 template <class Real>
 Real corresponding_states_viscosity(const parameters &p, Real T) {
     using std::pow;
-    return 3.4e-7 * std::sqrt(p.m_mole) * std::pow(p.Pc / gas_properties::pascal_per_atm, 2.0 / 3.0) /
-           std::pow(p.Tc, 1.0 / 6.0) * pow(reduced_temperature(p, T), Real(0.94));
+    return p.mu_corr * pow(reduced_temperature(p, T), Real(0.94));
 }
 
 template <class Real>
@@ -180,8 +177,8 @@ Real dense_conductivity(const parameters &p, Real T, Real v, Real dilute) {
     const std::array<double, 7> &B = p.bb;
     const auto [y, G2] = density_factors<Real>(p, B, v);
     return conductivity_unit *
-           (dilute * (1.0 / G2 + B[5] * y) + 0.0003039 * std::sqrt(p.Tc / p.m_mole) / molar_area(p) * B[6] * (y * y) *
-                                                 G2 * sqrt(reduced_temperature(p, T)));
+           (dilute * (1.0 / G2 + B[5] * y) +
+            0.0003039 * std::sqrt(p.Tc / p.m_mole) / p.area * B[6] * (y * y) * G2 * sqrt(reduced_temperature(p, T)));
 }
 
 /// Viscosity by the active model, 0 by an unknown one. mu0 receives the dilute gas's if the model is the dense gas.
@@ -285,6 +282,8 @@ namespace transport_properties OSTREL_VISIBLE {
 
 extern parameters active;
 
+/// Reduced viscosity [mu_ref] at t [T_ref] and vr [v_ref].
+double eta__T_v(double t, double vr);
 /// Reduced viscosity [mu_ref] and conductivity [kk_ref] at t [T_ref] and vr [v_ref].
 void transport_coefficients(double t, double vr, double &eta, double &lambda);
 /// Viscosity [Pa s] and conductivity [W/(m K)] at T [K] and v [m3/kg].

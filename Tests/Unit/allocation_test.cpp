@@ -60,11 +60,11 @@ TEST_F(allocation, only_loading_and_the_table_allocate) {
             continue; // finds few states of a real gas; below
         SCOPED_TRACE(code);
         const auto [value1, value2] = support::inputs_at(fluid, code, 510.0, 3.0);
-        for (const char *output : {"t", "p", "s", "cv", "d2p_dtdv"}) {
+        for (const auto &output : support::output_cases) {
             allocations = 0;
-            ostrel_prop(fluid.data(), code, &value1, &value2, output, text, fluid.size(), 2, std::strlen(output),
-                        sizeof text);
-            EXPECT_EQ(allocations, 0U) << output;
+            ostrel_prop(fluid.data(), code, &value1, &value2, output.name, text, fluid.size(), 2,
+                        std::strlen(output.name), sizeof text);
+            EXPECT_EQ(allocations, 0U) << output.name;
             EXPECT_EQ(std::string_view(text, 9), "No errors");
         }
     }

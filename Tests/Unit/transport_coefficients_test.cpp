@@ -125,7 +125,7 @@ pair_of_coefficients at(double t, double vr) {
 /// All of the module's state, bit by bit.
 using bits = std::array<std::uint64_t, sizeof(parameters) / sizeof(double)>;
 bits whole_state() {
-    static_assert(sizeof(parameters) == 2 * sizeof(std::int32_t) + (8 + 13 + 2 + 10 + 7 + 2) * sizeof(double));
+    static_assert(sizeof(parameters) == 2 * sizeof(std::int32_t) + (8 + 13 + 4 + 10 + 7 + 2) * sizeof(double));
     return std::bit_cast<bits>(active);
 }
 

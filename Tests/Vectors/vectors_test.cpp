@@ -33,6 +33,11 @@ double dense_conductivity(double T, double volume, double mu0) {
     return transport_properties::dense_gas_thermal_cond(T, volume * 1e-3 / gas.MM, k0) * 418.4 * 418.4 / 1e4;
 }
 
+template <unsigned these>
+ideal_specific_heat::caloric<double> of_ideal_gas(double T) {
+    return ideal_specific_heat::evaluate<these>(ideal_specific_heat::active, T);
+}
+
 /// What can be asked beside requests; an argument that is not needed is 0.
 double value_of(const std::string &name, double argument) {
     const std::map<std::string, double (*)(double)> values = {
@@ -54,10 +59,8 @@ double value_of(const std::string &name, double argument) {
         {"conductivity_at_172.1_from_134", [](double T) { return dense_conductivity(T, 172.1, 134); }},
         // Of the ideal gas at T [K], in units of R and of R K.
         {"cv/R", [](double T) { return ideal_specific_heat::cv_oo__Tdim(T) / gas_properties::gas.R; }},
-        {"phi/R",
-         [](double T) { return ideal_specific_heat::phi(ideal_specific_heat::active, T) / gas_properties::gas.R; }},
-        {"psi/R",
-         [](double T) { return ideal_specific_heat::psi(ideal_specific_heat::active, T) / gas_properties::gas.R; }},
+        {"phi/R", [](double T) { return of_ideal_gas<ideal_specific_heat::energy>(T).phi / gas_properties::gas.R; }},
+        {"psi/R", [](double T) { return of_ideal_gas<ideal_specific_heat::entropy>(T).psi / gas_properties::gas.R; }},
     };
     const auto found = values.find(name);
     EXPECT_NE(found, values.end()) << name;
