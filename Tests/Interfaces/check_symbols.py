@@ -16,13 +16,17 @@ import re
 import subprocess
 import sys
 
-INLINE_VARIABLE = "u"  # nm's letter for them
 
 
 def exported(nm, library):
     listing = subprocess.run([nm, "-D", "-C", "--defined-only", library], check=True, capture_output=True, text=True)
     symbols = (line.split(" ", 2)[1:] for line in listing.stdout.splitlines())
-    return sorted({name for kind, name in symbols if kind != INLINE_VARIABLE})
+    return sorted({name for kind, name in symbols if not inline_variable(kind, name)})
+
+
+def inline_variable(kind, name):
+    # Unique in the process or weak, as the tables of types are too.
+    return kind == "u" or (kind == "V" and not name.startswith(("vtable ", "typeinfo ")))
 
 
 def c_functions(header):
