@@ -26,13 +26,13 @@ struct parameters {
 
     /// q = a/T
     template <class Real>
-    separated_attraction::factors<Real, terms> q(Real T) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real T) const {
         const Real T2 = T * T;
         return {{{a / T, -a / T2, 2.0 * a / (T2 * T), -6.0 * a / (T2 * T2)}}};
     }
     /// f = 1/(v + c)
     template <class Real>
-    separated_attraction::factors<Real, terms> f(Real v) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
         const Real w = v + c;
         const Real w2 = w * w;
         return {{{1.0 / w, -1.0 / w2, 2.0 / (w2 * w), -6.0 / (w2 * w2)}}};

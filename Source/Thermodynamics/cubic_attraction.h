@@ -94,7 +94,7 @@ struct soave_parameters {
     double covolume() const { return b; }
     double repulsion() const { return Rgas; }
     template <class Real>
-    separated_attraction::factors<Real, terms> q(Real T) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real T) const {
         return {soave_q(c_a, fw, Zc, T)};
     }
 

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "Thermodynamics/separated_attraction.h"
+#include "visibility.h"
 
 namespace derived_properties {
 
@@ -24,7 +25,7 @@ struct properties {
     Real T = at.T;
     Real v = at.v;
 
-    Real h() const { return at.e(ideal) + at.P() * v; }
+    OSTREL_INLINE Real h() const { return at.e(ideal) + at.P() * v; }
     Real mu() const { return at.e(ideal) + at.P() * v - T * at.s(ideal); }
     Real c2() const {
         const auto [P_T, P_v] = at.dP();
@@ -48,12 +49,12 @@ struct properties {
                                            slope * slope * (3.0 * P_TT + (P_T / T) * (1.0 - T_cv * at.dcv(ideal)[0])));
     }
 
-    gradient<Real> dh() const {
+    OSTREL_INLINE gradient<Real> dh() const {
         const auto [P_T, P_v] = at.dP();
         const auto [e_T, e_v] = at.de(ideal);
         return {e_T + v * P_T, e_v + at.P() + v * P_v};
     }
-    gradient<Real> ds() const { return {at.cv(ideal) / T, (at.P() + at.de(ideal)[1]) / T}; }
+    OSTREL_INLINE gradient<Real> ds() const { return {at.cv(ideal) / T, (at.P() + at.de(ideal)[1]) / T}; }
     gradient<Real> dmu() const {
         const auto [P_T, P_v] = at.dP();
         const auto [e_T, e_v] = at.de(ideal);

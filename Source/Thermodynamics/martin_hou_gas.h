@@ -30,27 +30,28 @@ struct parameters {
 
     /// q_i = A_i + B_i T + C_i exp(-kk T)
     template <class Real>
-    separated_attraction::factors<Real, terms> q(Real T) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real T) const {
         using std::exp;
         const Real E = exp(-kk * T);
         separated_attraction::factors<Real, terms> result;
-        for (std::size_t i = 0; i < terms; ++i)
+        separated_attraction::for_each_index<terms>([&](std::size_t i) {
             result[i] = {aa[i] + T * bb[i] + E * cc[i], bb[i] - kk * E * cc[i], kk * kk * E * cc[i],
                          -kk * kk * kk * E * cc[i]};
+        });
         return result;
     }
     /// f_i = -1/(i (v - b)^i)
     template <class Real>
-    separated_attraction::factors<Real, terms> f(Real v) const {
-        const Real w = v - b;
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
+        const Real r = 1.0 / (v - b);
         separated_attraction::factors<Real, terms> result;
-        Real power = w; // w^i
-        for (std::size_t k = 0; k < terms; ++k) {
+        Real power = r; // r^i
+        separated_attraction::for_each_index<terms>([&](std::size_t k) {
             const auto i = static_cast<double>(k + 1);
-            result[k] = {-1.0 / (i * power), 1.0 / (power * w), -(i + 1.0) / (power * w * w),
-                         (i + 1.0) * (i + 2.0) / (power * w * w * w)};
-            power *= w;
-        }
+            result[k] = {-power / i, power * r, -(i + 1.0) * (power * (r * r)),
+                         (i + 1.0) * (i + 2.0) * (power * (r * r * r))};
+            power *= r;
+        });
         return result;
     }
 };

@@ -67,7 +67,7 @@ class isotherm {
 public:
     isotherm(const Model &model, const separated_attraction::ideal_part &ideal, double T)
         : model_(model), side_(model, T), ideal_(ideal, T) {}
-    evaluated_state<Model, these> operator()(double v) const {
+    OSTREL_INLINE evaluated_state<Model, these> operator()(double v) const {
         return {{model_, side_, separated_attraction::volume_side<Model, double>(model_, v)}, ideal_};
     }
 
@@ -83,7 +83,7 @@ class isochore {
 public:
     isochore(const Model &model, const separated_attraction::ideal_part &ideal, double v)
         : model_(model), side_(model, v), ideal_(ideal) {}
-    evaluated_state<Model, these> operator()(double T) const {
+    OSTREL_INLINE evaluated_state<Model, these> operator()(double T) const {
         return {{model_, separated_attraction::temperature_side<Model, double>(model_, T), side_}, {ideal_, T}};
     }
 

@@ -16,7 +16,7 @@ namespace peng_robinson_gas OSTREL_VISIBLE {
 
 struct parameters : cubic_attraction::soave_parameters {
     template <class Real>
-    separated_attraction::factors<Real, terms> f(Real v) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
         return {cubic_attraction::peng_robinson_f(b, v)};
     }
 };

@@ -25,7 +25,7 @@ struct parameters {
 
     /// q = a/sqrt(T)
     template <class Real>
-    separated_attraction::factors<Real, terms> q(Real T) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real T) const {
         using std::sqrt;
         const Real root = sqrt(T);
         return {{{a / root, -a / (2.0 * T * root), 3.0 * a / (4.0 * (T * T) * root),
@@ -33,7 +33,7 @@ struct parameters {
     }
     /// f = ln((v + b)/v)/b
     template <class Real>
-    separated_attraction::factors<Real, terms> f(Real v) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
         return {cubic_attraction::redlich_kwong_f(b, v)};
     }
 };

@@ -16,12 +16,22 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace separated_attraction {
 
 /// Per attraction term a factor and its first three derivatives: q, q', q'', q''' or f, f', f'', f'''.
 template <class Real, std::size_t terms>
 using factors = std::array<std::array<Real, 4>, terms>;
+
+/// Calls use(0) to use(count - 1), written out: in a loop, compilers compute of each term also what is not used.
+template <std::size_t count, class Use>
+OSTREL_INLINE void for_each_index(Use use) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+        (use(i), ...);
+    }
+    (std::make_index_sequence<count>());
+}
 
 /// First derivatives: (d/dT at constant v, d/dv at constant T).
 template <class Real>
@@ -90,11 +100,11 @@ struct no_attraction {
     static constexpr std::size_t terms = 0;
     static double covolume() { return 0; }
     template <class Real>
-    static factors<Real, terms> q(Real) {
+    OSTREL_INLINE static factors<Real, terms> q(Real) {
         return {};
     }
     template <class Real>
-    static factors<Real, terms> f(Real) {
+    OSTREL_INLINE static factors<Real, terms> f(Real) {
         return {};
     }
 };
@@ -139,50 +149,49 @@ struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
 
     /// Sum over the terms of a product formed from q, q', q'', q''' and f, f', f'', f'''.
     template <class Term>
-    Real sum(Term term) const {
+    OSTREL_INLINE Real sum(Term term) const {
         Real result = 0;
-        for (std::size_t i = 0; i < terms; ++i)
-            result += term(qq[i], ff[i]);
+        for_each_index<terms>([&](std::size_t i) { result += term(qq[i], ff[i]); });
         return result;
     }
 
-    Real P() const {
+    OSTREL_INLINE Real P() const {
         return sum([](const auto &q, const auto &f) { return q[0] * f[1]; }) + repulsion * T / w;
     }
-    gradient<Real> dP() const {
+    OSTREL_INLINE gradient<Real> dP() const {
         return {sum([](const auto &q, const auto &f) { return q[1] * f[1]; }) + repulsion / w,
                 sum([](const auto &q, const auto &f) { return q[0] * f[2]; }) - repulsion * T / (w * w)};
     }
-    hessian<Real> d2P() const {
+    OSTREL_INLINE hessian<Real> d2P() const {
         const Real mixed = sum([](const auto &q, const auto &f) { return q[1] * f[2]; }) - repulsion / (w * w);
         return {sum([](const auto &q, const auto &f) { return q[2] * f[1]; }), mixed, mixed,
                 sum([](const auto &q, const auto &f) { return q[0] * f[3]; }) + 2.0 * repulsion * T / (w * w * w)};
     }
     template <class Ideal>
-    Real e(const Ideal &ideal) const {
+    OSTREL_INLINE Real e(const Ideal &ideal) const {
         return ideal.e_0 + ideal.phi(T) +
                sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[0]; });
     }
     template <class Ideal>
-    Real s(const Ideal &ideal) const {
+    OSTREL_INLINE Real s(const Ideal &ideal) const {
         using std::log;
         return ideal.psi(T) + sum([](const auto &q, const auto &f) { return q[1] * f[0]; }) + ideal.s_0 +
                repulsion * log(w);
     }
     template <class Ideal>
-    Real cv(const Ideal &ideal) const {
+    OSTREL_INLINE Real cv(const Ideal &ideal) const {
         return ideal.phip(T) + cv_attraction();
     }
     template <class Ideal>
-    gradient<Real> dcv(const Ideal &ideal) const {
+    OSTREL_INLINE gradient<Real> dcv(const Ideal &ideal) const {
         return {ideal.phipp(T) + dcv_dT_attraction(), dcv_dv_attraction()};
     }
     template <class Ideal>
-    gradient<Real> de(const Ideal &ideal) const {
+    OSTREL_INLINE gradient<Real> de(const Ideal &ideal) const {
         return {cv(ideal), sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[1]; })};
     }
     template <class Ideal>
-    hessian<Real> d2e(const Ideal &ideal) const {
+    OSTREL_INLINE hessian<Real> d2e(const Ideal &ideal) const {
         return {ideal.phipp(T) + dcv_dT_attraction(), dcv_dv_attraction(), dcv_dv_attraction(),
                 sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[2]; })};
     }

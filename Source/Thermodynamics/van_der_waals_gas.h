@@ -24,12 +24,12 @@ struct parameters {
 
     /// q = 1, so that the attraction is f' = -a/v^2
     template <class Real>
-    separated_attraction::factors<Real, terms> q(Real) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real) const {
         return {{{Real(1), Real(0), Real(0), Real(0)}}};
     }
     /// f = a/v
     template <class Real>
-    separated_attraction::factors<Real, terms> f(Real v) const {
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
         const Real v2 = v * v;
         return {{{a / v, -a / v2, 2.0 * a / (v2 * v), -6.0 * a / (v2 * v2)}}};
     }
