@@ -140,9 +140,10 @@ inline std::vector<path> paths() {
         all.push_back(request("cached/" + std::string(model), model, "tv", "p", true));
     for (const ostrel::described_output &output : ostrel::described_outputs())
         all.push_back(request("tv/PR/" + std::string(output.text.name), "PR", "tv", output.text.name));
+    constexpr std::array<std::string_view, 2> caloric[] = {{"tv", "u"}, {"tv", "s"}, {"tv", "cv"},
+                                                           {"vu", "t"}, {"vs", "t"}, {"ph", "t"}};
     for (const heat_case &heat : heats)
-        for (const auto &[pair, output] : {std::array<std::string_view, 2>{"tv", "u"}, {"tv", "s"}, {"tv", "cv"},
-                                           {"vu", "t"}, {"vs", "t"}, {"ph", "t"}})
+        for (const auto &[pair, output] : caloric)
             all.push_back(request(std::string(pair) + "/" + std::string(heat.name) + "/" + std::string(output),
                                   heat.name, pair, output));
     for (const std::string_view model : models) {
