@@ -541,12 +541,13 @@ SCALE = ("Beside each number stands its scale: its magnitude, plus by how much i
 DERIVED = ("What is computed from P, e, s and their derivatives carries, in place of the inputs' changes, theirs:"
            " the sum over them of its partial derivative times their own scale.")
 FILES = {
-    "states.txt":
-        "The eight models under the five heat capacities at 800 states: everything by differentiation of the "
+    **{f"states_{form}.txt":
+        f"The eight models under the heat capacity of form {form} at 160 states: everything by differentiation of the "
         "Helmholtz energy. " +
         SCALE +
         " " +
-        DERIVED,
+        DERIVED
+       for form in helmholtz.HEATS},
     "initialisation.txt":
         "What loading makes of the records of 13 fluids of the catalogue under the eight models, and of fluids "
         "without critical data under the ideal ones. " +
@@ -572,7 +573,7 @@ def jobs():
     """(file, function, arguments) in the files' order."""
     for form in helmholtz.HEATS:
         for model in range(len(helmholtz.MODELS)):
-            yield "states.txt", state_lines, (model, form)
+            yield f"states_{form}.txt", state_lines, (model, form)
     for n in range(len(FLUIDS)):
         yield "initialisation.txt", initialisation_lines, (n,)
     yield "initialisation.txt", reference_fluid_lines, ()

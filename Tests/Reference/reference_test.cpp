@@ -337,27 +337,27 @@ const std::map<std::string, operation> &operations() {
 /// Walks through a vector file.
 class walk {
 public:
-    explicit walk(std::string name) : name_(std::move(name)) {
-        std::ifstream in(OSTREL_TESTS "/Reference/" + name_);
-        EXPECT_TRUE(in) << name_;
-        int number = 0;
-        for (std::string text; std::getline(in, text);) {
-            where_ = name_ + ":" + std::to_string(++number);
-            if (text.starts_with('#'))
-                continue;
-            if (text.starts_with('|')) {
-                records_ += text.substr(2) + '\n';
-                continue;
+    explicit walk(std::initializer_list<const char *> names) {
+        for (const std::string name : names) {
+            std::ifstream in(OSTREL_TESTS "/Reference/" + name);
+            EXPECT_TRUE(in) << name;
+            int number = 0;
+            for (std::string text; std::getline(in, text) && !testing::Test::HasFatalFailure();) {
+                where_ = name + ":" + std::to_string(++number);
+                if (text.starts_with('#'))
+                    continue;
+                if (text.starts_with('|')) {
+                    records_ += text.substr(2) + '\n';
+                    continue;
+                }
+                std::istringstream line(text);
+                std::string kind, word;
+                line >> kind;
+                words values;
+                while (line >> word)
+                    values.push_back(word);
+                use(kind, values);
             }
-            std::istringstream line(text);
-            std::string kind, word;
-            line >> kind;
-            words values;
-            while (line >> word)
-                values.push_back(word);
-            use(kind, values);
-            if (testing::Test::HasFatalFailure())
-                return;
         }
     }
 
@@ -435,7 +435,6 @@ private:
     void prepare_curve(const words &values);
     void saturated(const std::string &kind, const words &values);
 
-    std::string name_;
     std::string where_;
     std::string model_;
     std::string records_;
@@ -484,7 +483,7 @@ void walk::saturated(const std::string &kind, const words &values) {
 struct reference : support::thermodynamics_test {};
 
 TEST_F(reference, states) {
-    const auto counts = walk("states.txt").finish();
+    const auto counts = walk({"states_1.txt", "states_2.txt", "states_3.txt", "states_4.txt", "states_5.txt"}).finish();
     EXPECT_EQ(counts.size(), 34U);
     // Each state by the dispatcher, those of a model also by its own operation; c where c^2 is positive.
     for (const auto &[name, count] : counts)
@@ -492,7 +491,7 @@ TEST_F(reference, states) {
 }
 
 TEST_F(reference, initialisation) {
-    const auto counts = walk("initialisation.txt").finish();
+    const auto counts = walk({"initialisation.txt"}).finish();
     // 13 fluids under 8 models, and 4 heat capacities of fluids without critical data under 2.
     for (const char *name : {"gas.omega", "gas.vc", "thermodynamics.vmin"})
         EXPECT_EQ(counts.at(name), 13 * 8) << name;
@@ -503,14 +502,14 @@ TEST_F(reference, initialisation) {
 }
 
 TEST_F(reference, saturation) {
-    const auto counts = walk("saturation.txt").finish();
+    const auto counts = walk({"saturation.txt"}).finish();
     EXPECT_EQ(counts.size(), 12U);
     for (const auto &[name, count] : counts)
         EXPECT_GE(count, 15) << name;
 }
 
 TEST_F(reference, transport) {
-    const auto counts = walk("transport.txt").finish();
+    const auto counts = walk({"transport.txt"}).finish();
     EXPECT_EQ(counts.at("transport.aa"), 20);
     EXPECT_EQ(counts.at("transport.bb"), 28);
 }
