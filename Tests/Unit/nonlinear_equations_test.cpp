@@ -359,6 +359,15 @@ TEST_F(bisection_test, a_root_at_an_end_is_returned_first) {
     EXPECT_EQ(bisection([](double x) { return x - 7.0; }, 10.0, 20.0, 1e-9, 3.0), 10.0) << "where f is f_sh";
 }
 
+// The first middle is judged by f_sh too: at 0.5 the function itself has another sign than its distance from f_sh.
+TEST_F(bisection_test, f_sh_is_what_f_is_to_be) {
+    const auto f = [](double x) { return x; };
+    for (const double f_sh : {0.1, 0.3, 0.6, 0.9}) {
+        EXPECT_NEAR(bisection(f, 0.0, 1.0, 1e-12, f_sh), f_sh, 1e-12);
+        EXPECT_NEAR(bisection(f, 1.0, 0.0, 1e-12, f_sh), f_sh, 1e-12);
+    }
+}
+
 TEST_F(bisection_test, a_root_in_the_middle_ends_the_search) {
     int calls = 0;
     const auto f = [&](double x) {
