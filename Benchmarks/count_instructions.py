@@ -94,14 +94,14 @@ def write(baseline, compiler, found):
 
 
 def main(counter, baseline, compiler, *options):
-    found = count(counter)
     if options == ("--update",):
-        write(baseline, compiler, found)
+        write(baseline, compiler, count(counter))
         return 0
     committed_compiler, committed = read(baseline)
     if committed_compiler != compiler:
         print(f"The committed counts are those of {committed_compiler}, this is {compiler}: nothing to compare.")
         return SKIPPED
+    found = count(counter)
     worse = False
     print(f"{'path':24}{'instructions':>14}{'committed':>12}{'calls':>8}{'committed':>12}")
     for name in sorted(found.keys() | committed.keys()):

@@ -22,7 +22,13 @@
 
 namespace benchmarks {
 
-inline constexpr std::string_view models[] = {"IG", "VDW", "MH", "SRK", "PR", "RK", "CII", "IZG"};
+/// The short names of the models, in the order of gas_type.
+inline std::array<std::string_view, 8> models() {
+    std::array<std::string_view, 8> names = thermodynamics::gas_short_names;
+    for (std::string_view &name : names)
+        name = records::trimmed(name);
+    return names;
+}
 
 /// The ideal gas with one of the heat capacities each, by the end of their names.
 struct heat_case {
@@ -44,8 +50,9 @@ public:
     fluids() {
         std::string name = (std::filesystem::temp_directory_path() / "ostrel-benchmark-XXXXXX").string();
         path_ = mkdtemp(name.data());
-        for (std::size_t i = 0; i < std::size(models); ++i)
-            write(models[i], i + 1, std::end(heats)[-1].records);
+        std::size_t gas_type = 0;
+        for (const std::string_view model : models())
+            write(model, ++gas_type, std::end(heats)[-1].records);
         for (const heat_case &heat : heats)
             write(heat.name, 1, heat.records);
         setenv("OSTREL_FLUIDS", path_.c_str(), 1);
@@ -129,27 +136,28 @@ inline path request(const std::string &name, std::string_view fluid, std::string
 inline std::vector<path> paths() {
     std::vector<path> all;
     for (const ostrel::described_pair &pair : ostrel::described_input_pairs())
-        for (const std::string_view model : models) {
+        for (const std::string_view model : models()) {
             // Neither has a saturation curve; Martin-Hou's search does not end.
             if ((pair.name[1] == 'q' && (model == "IG" || model == "IZG")) ||
                 (model == "MH" && (pair.name == "ps" || pair.name == "hs")))
                 continue;
             all.push_back(request(std::string(pair.name) + "/" + std::string(model), model, pair.name, "p"));
         }
-    for (const std::string_view model : models)
+    for (const std::string_view model : models())
         all.push_back(request("cached/" + std::string(model), model, "tv", "p", true));
     for (const ostrel::described_output &output : ostrel::described_outputs())
-        all.push_back(request("tv/PR/" + std::string(output.text.name), "PR", "tv", output.text.name));
+        if (output.text.name != "p") // that of the pairs
+            all.push_back(request("tv/PR/" + std::string(output.text.name), "PR", "tv", output.text.name));
     constexpr std::array<std::string_view, 2> caloric[] = {{"tv", "u"}, {"tv", "s"}, {"tv", "cv"},
                                                            {"vu", "t"}, {"vs", "t"}, {"ph", "t"}};
     for (const heat_case &heat : heats)
         for (const auto &[pair, output] : caloric)
             all.push_back(request(std::string(pair) + "/" + std::string(heat.name) + "/" + std::string(output),
                                   heat.name, pair, output));
-    for (const std::string_view model : models) {
+    for (const std::string_view model : models()) {
         all.push_back({"load/" + std::string(model), [] {},
                        [=] {
-                           ostrel_prop("", "tv", nullptr, nullptr, "p", nullptr, 0, 2, 1, 0);
+                           ostrel::os_fluid = {}; // so that the name is a new one
                            return ask(model, "tv", 334.541, 0.01, "p").ok;
                        },
                        true});

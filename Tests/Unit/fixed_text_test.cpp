@@ -41,6 +41,14 @@ TEST(same_text, ignores_trailing_blanks) {
     EXPECT_FALSE(same_text("a", "a\t"));
     EXPECT_FALSE(same_text("a", "a\0"sv));
     EXPECT_FALSE(same_text("", "\0"sv));
+    // With a text of a fixed length, of which the rest of the other one has to be blank.
+    EXPECT_TRUE(same_text("tv", fixed_text<2>("tv")));
+    EXPECT_TRUE(same_text("tv         ", fixed_text<2>("tv")));
+    EXPECT_TRUE(same_text("abcdefgh   ", fixed_text<8>("abcdefgh")));
+    EXPECT_FALSE(same_text("abcdefgh  i", fixed_text<8>("abcdefgh")));
+    EXPECT_FALSE(same_text("abcdefghi", fixed_text<8>("abcdefgh")));
+    EXPECT_FALSE(same_text("tvx", fixed_text<2>("tv")));
+    EXPECT_FALSE(same_text("t", fixed_text<2>("tv")));
 }
 
 std::string filled(std::size_t size, std::initializer_list<std::string_view> pieces) {
@@ -120,6 +128,18 @@ TEST(fixed_text, packs_eight_characters) {
         EXPECT_NE(fixed_text<8>(other).packed(), fixed_text<8>(text).packed()) << i;
     }
     EXPECT_NE(fixed_text<8>("ab").packed(), fixed_text<8>("ba").packed());
+    // The same number however it is made, and letters in lower case whatever stands beside them.
+    for (int byte = 0; byte < 256; ++byte)
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            std::string other = "AZ@[\xC1\xFFz`";
+            other[i] = static_cast<char>(byte);
+            std::string folded = other;
+            for (char &c : folded)
+                c = records::lower(c);
+            EXPECT_EQ(records::packed(other), fixed_text<8>(other).packed());
+            EXPECT_EQ(records::lower(records::packed(other)), fixed_text<8>(folded).packed()) << byte << " " << i;
+            EXPECT_EQ(fixed_text<8>::unpacked(records::packed(other)).padded(), other);
+        }
 }
 
 TEST(error_text, says_no_errors_until_something_fails) {
