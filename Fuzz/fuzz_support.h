@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Ostrel_Main.h"
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <algorithm>
 #include <bit>

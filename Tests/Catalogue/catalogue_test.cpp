@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Every shipped fluid: it loads, under every model, and answers in the vapor and on the saturation curve.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The catalogue as a fluid database, read through the default host: each fluid gives the numbers of its file, bit by
 // bit.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <bit>
 

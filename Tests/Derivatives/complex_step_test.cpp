@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every derivative operation against the complex step of what it is the derivative of.
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // Fluid files and databases that cannot be written, that are replaced or broken while they are in use, and things of
 // other kinds in their place: a fluid that is loaded stays, what is there at the next load counts, nothing waits.
 #include "Tests/Hosts/hosts_support.h"
-#include "Tests/child_process.h"
+#include "Tests/Support/child_process.h"
 
 #include <cerrno>
 #include <grp.h>

@@ -3,7 +3,7 @@
 // descriptors that are open.
 #pragma once
 
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #ifdef OSTREL_WITH_SQLITE
 #include <sqlite3.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Hosts that load the library while they run: two copies side by side, unloading and loading anew. The program is not
 // linked with the library, whose symbols would else be everyone's.
-#include "Tests/child_process.h"
+#include "Tests/Support/child_process.h"
 #include "ostrel.h"
 
 #include <dlfcn.h>

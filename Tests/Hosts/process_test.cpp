@@ -2,7 +2,7 @@
 // Hosts short of descriptors or memory, without standard streams, full of signals, that move about and change their
 // environment: a message instead of a crash, nothing left open, and the same answers once things are well again.
 #include "Tests/Hosts/hosts_support.h"
-#include "Tests/child_process.h"
+#include "Tests/Support/child_process.h"
 
 #include <cerrno>
 #include <csignal>

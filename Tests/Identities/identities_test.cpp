@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The identities between pressure, energy, entropy and heat capacity: each written once and asked of
 // every model with every heat capacity at every state, to the rounding of its terms.
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 
 namespace {
 

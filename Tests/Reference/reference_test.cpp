@@ -12,7 +12,7 @@
 //   name value scale ...        a result: of an operation at the state, for each component, or a parameter
 //   along name value scale c1 c2 c3
 //                               a parameter that moves by c1 x + c2 x^2 + c3 x^3 with a critical volume off by x
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <algorithm>
 #include <cmath>

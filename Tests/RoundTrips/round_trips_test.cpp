@@ -3,7 +3,7 @@
 // much does not converge is counted.
 #include "Algebra/lin_algebra.h"
 #include "Ostrel_Main.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <array>
 #include <cmath>

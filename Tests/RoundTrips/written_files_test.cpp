@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Whole parameter files: what the writers write of all sections is a file that gives the same numbers.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cmath>
 #include <cstring>

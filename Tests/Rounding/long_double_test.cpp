@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every operation at double against the same algebra at long double, within the bound of its rounding.
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Scripts of calls in one process: what a call answers depends on those before it.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cerrno>
 #include <cmath>

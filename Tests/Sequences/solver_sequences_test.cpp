@@ -2,7 +2,7 @@
 // What one request with an input pair leaves behind for the next.
 #include "Algebra/lin_algebra.h"
 #include "Ostrel_Main.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <array>
 #include <cmath>

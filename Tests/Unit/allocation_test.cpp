@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A successful request allocates nothing, but for loading a fluid and building the saturation table.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cstdlib>
 #include <cstring>

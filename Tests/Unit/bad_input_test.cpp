@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Input of any kind gives the documented text or a value: no crash, no overrun, no hang.
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cerrno>
 #include <cmath>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #include <cerrno>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Tests/frame_support.h"
+#include "Tests/Support/frame.h"
 
 #ifdef OSTREL_WITH_SQLITE
 #include <chrono>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/kfact.h"
 
-#include "Tests/exact_determinant.h"
+#include "Tests/Support/exact_determinant.h"
 
 #include <algorithm>
 #include <cmath>

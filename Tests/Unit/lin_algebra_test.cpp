@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/lin_algebra.h"
 
-#include "Tests/child_process.h"
-#include "Tests/exact_determinant.h"
+#include "Tests/Support/child_process.h"
+#include "Tests/Support/exact_determinant.h"
 
 #include <algorithm>
 #include <cmath>

@@ -10,7 +10,7 @@
 // The item that fails may be overwritten there; here it keeps its value.
 #include "Records/record_reader.h"
 #include "Records/record_writer.h"
-#include "Tests/support.h"
+#include "Tests/Support/entry_points.h"
 
 #include <bit>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/nonlinear_equations.h"
 
-#include "Tests/child_process.h"
+#include "Tests/Support/child_process.h"
 
 #include <cmath>
 #include <cstdio>

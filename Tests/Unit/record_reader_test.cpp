@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The records a reader meets, one a row: what stands there, what is wanted, and what comes of it.
 #include "Records/record_reader.h"
-#include "Tests/support.h"
+#include "Tests/Support/entry_points.h"
 
 #include <bit>
 #include <cerrno>

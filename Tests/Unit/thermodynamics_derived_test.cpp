@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 #include "Thermodynamics/derived_properties.h"
 
 namespace {

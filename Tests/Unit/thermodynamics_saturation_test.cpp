@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/lin_algebra.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The choice of the model, the sections of all models, the reference state and the state vectors.
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <gmock/gmock.h>
 

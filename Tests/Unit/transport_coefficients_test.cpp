@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Viscosity and thermal conductivity: what an initialisation takes, derives and refuses, and every model against
 // formulas of the test's own.
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <bit>
 #include <cstring>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The section's readers and writer.
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <gmock/gmock.h>
 

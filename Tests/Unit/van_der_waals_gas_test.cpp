@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Tests/critical_models.h"
+#include "Tests/Support/critical_models.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 //   value name argument published lowest highest                   something inside, by the table below
 // where lowest and highest bound computed/published - 1. A band that is not about zero says how far the
 // model is from the fluid.
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <map>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Ostrel_Main.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/thermodynamics.h"
 
 #include <span>
 

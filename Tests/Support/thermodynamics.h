@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Algebra/lin_algebra.h"
-#include "Tests/support.h"
+#include "Tests/Support/entry_points.h"
 #include "Thermodynamics/clausius_II_gas.h"
 #include "Thermodynamics/ideal_Z_gas.h"
 #include "Thermodynamics/ideal_gas.h"

@@ -3,8 +3,8 @@
 // and after, the message about a fluid without critical data, and the operations written out from q and f.
 #pragma once
 
-#include "Tests/rounding.h"
-#include "Tests/thermodynamics_support.h"
+#include "Tests/Support/rounding.h"
+#include "Tests/Support/thermodynamics.h"
 
 namespace support {
 
