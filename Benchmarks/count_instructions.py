@@ -25,17 +25,22 @@ SKIPPED = 77
 
 
 def dumps(lines):
-    """(trigger, {object: own instructions}, calls into libm) of each dump, inclusive costs of calls left out."""
-    trigger, own, calls = None, {}, 0
+    """(trigger, all instructions, {object: own instructions}, calls into libm) of each dump.
+
+    All instructions are those of its summary: callgrind may count for a function what was spent before the dump began.
+    """
+    trigger, total, own, calls = None, 0, {}, 0
     current, called, count = "", None, None
     for line in lines:
         line = line.rstrip("\n")
         if line.startswith("part:"):
             if trigger:
-                yield trigger, own, calls
-            trigger, own, calls, current = None, {}, 0, ""
+                yield trigger, total, own, calls
+            trigger, total, own, calls, current = None, 0, {}, 0, ""
         elif line.startswith("desc: Trigger: "):
             trigger = line.removeprefix("desc: Trigger: ").removeprefix("Client Request: ")
+        elif line.startswith("summary: "):
+            total = int(line.split()[1])
         elif line.startswith("ob="):
             current = line[3:]
         elif line.startswith("cob="):
@@ -50,7 +55,7 @@ def dumps(lines):
                     calls += count
                 called, count = None, None
     if trigger:
-        yield trigger, own, calls
+        yield trigger, total, own, calls
 
 
 def is_library(path, name):
@@ -68,12 +73,12 @@ def count(counter):
             sys.exit(run.stderr)
         found = {}
         with open(out, encoding="utf-8", errors="replace") as lines:
-            for trigger, own, calls in dumps(lines):
+            for trigger, total, own, calls in dumps(lines):
                 if trigger == "Program termination":
                     continue
                 passes, name = trigger.split(" ", 1)
-                instructions = sum(cost for ob, cost in own.items()
-                                   if ob != os.path.realpath(counter) and not is_library(ob, "libm.so"))
+                instructions = total - sum(cost for ob, cost in own.items()
+                                           if ob == os.path.realpath(counter) or is_library(ob, "libm.so"))
                 found[name] = (round(instructions / int(passes)), round(calls / int(passes)))
         return found
 

@@ -13,7 +13,7 @@
 namespace command {
 namespace {
 
-using gas_properties::pascal_per_atm;
+using equations::pascal_per_atm;
 
 constexpr int digits = 10;
 constexpr int furthest = 1000;
@@ -60,7 +60,7 @@ place first_value(const std::string &text, std::int64_t record) {
 
 std::optional<replacement> nearest_critical_pressure(const parameter_file &file) {
     records::file_reader reader(file.path);
-    const std::int64_t record = gas_properties::record_of_critical_pressure(reader);
+    const std::int64_t record = equations::record_of_critical_pressure(reader);
     const double Pc = file.constants.Pc / pascal_per_atm;
     const temporary_file changed;
     if (record == 0 || !(Pc > 0) || !std::isfinite(Pc) || changed.path().empty())

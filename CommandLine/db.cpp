@@ -6,8 +6,7 @@
 #include "CommandLine/suggestions.h"
 #include "Host/fluid_database.h"
 #include "Host/fluid_database_files.h"
-#include "Thermodynamics/thermodynamics.h"
-#include "Thermodynamics/transport_properties.h"
+#include "fluid_loading.h"
 #include "host.h"
 
 #include <algorithm>
@@ -26,17 +25,14 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view extension = ".osd";
 
-/// What keeps the library from reading the text from a database, empty if nothing does.
+/// The reason why the library cannot read the text from a database; an empty text if it can.
 std::string unreadable(const fluid_database::entry &fluid) {
-    if (std::string reason = fluid_database::unreadable(fluid.text); !reason.empty())
+    std::vector<char> entries(static_cast<std::size_t>(host::line_count) * host::line_length);
+    if (std::string reason = fluid_database::split(fluid.text, entries, host::line_length); !reason.empty())
         return reason;
-    std::string entries(static_cast<std::size_t>(host::line_count) * host::line_length, ' ');
-    fluid_database::split(fluid.text, entries, host::line_length);
     std::int32_t index = 0;
-    records::line_reader lines(fluid.name + " as lines of a database", entries.data(), index, host::line_count,
-                               static_cast<std::int32_t>(host::line_length));
-    thermodynamics::read_param_thermodynamicsdb(lines);
-    transport_properties::read_param_transport_propertiesdb(lines);
+    records::line_reader lines = loading::line_reader_of(fluid.name + " as lines of a database", entries, index);
+    loading::read(lines);
     return std::string(lines.message());
 }
 

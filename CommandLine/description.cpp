@@ -13,9 +13,9 @@
 namespace command {
 namespace {
 
-using gas_properties::constant;
-using gas_properties::gas_constants;
-using gas_properties::given;
+using equations::constant;
+using equations::gas_constants;
+using equations::given;
 using ideal_specific_heat::heat_capacity;
 
 /// What a model makes of the constants, in SI units.
@@ -37,7 +37,7 @@ constexpr constant completed[] = {
 /// Rows for those of the constants that the fluid has.
 void add(report &rows, const gas_constants &fluid, std::span<const constant> constants) {
     for (const constant &entry : constants)
-        if (gas_properties::applies(entry, fluid.vapor))
+        if (equations::applies(entry, fluid.vapor))
             rows.rows.push_back({std::string(entry.name), fluid.*entry.value / entry.read_factor,
                                  std::string(entry.unit), std::string(entry.meaning)});
 }
@@ -71,20 +71,20 @@ void describe_terms(std::ostream &out, const heat_capacity &h) {
     const std::string cv = h.coeff_adim ? " R" : " J/(kg K)";
     const std::string temperature = h.coeff_adim ? " T_ref" : " K";
     switch (h.function_type) {
-    case ideal_specific_heat::constant:
+    case ideal_gas_heat::constant:
         out << "  cv_0 = " << number(h.cv_0) << cv << '\n';
         break;
-    case ideal_specific_heat::power_law:
+    case ideal_gas_heat::power_law:
         out << "  cv_oo_Tc = " << number(h.cv_oo_Tc) << cv << ", np = " << number(h.np) << '\n';
         break;
-    case ideal_specific_heat::polynomial:
+    case ideal_gas_heat::polynomial:
         out << "  cv_0 = " << number(h.cv_0) << cv << '\n'
             << "  a_i  = " << list(h.a_i) << cv << "/K^n_i\n"
             << "  n_i  = " << list(h.n_i) << '\n';
         break;
-    case ideal_specific_heat::piecewise:
+    case ideal_gas_heat::piecewise:
         for (std::size_t k = 0; k < h.cv_0_k.size(); ++k) {
-            const ideal_specific_heat::powers terms = interval_terms(h, k);
+            const ideal_gas_heat::powers terms = interval_terms(h, k);
             out << "  above " << number(h.T_k[k]) << temperature << ": cv_0_k = " << number(h.cv_0_k[k]) << cv;
             if (terms.count > 0)
                 out << ", a_ik = " << list(std::span(terms.coefficient, terms.count)) << cv
@@ -92,7 +92,7 @@ void describe_terms(std::ostream &out, const heat_capacity &h) {
             out << '\n';
         }
         break;
-    case ideal_specific_heat::einstein:
+    case ideal_gas_heat::einstein:
         out << "  cv_0 = " << number(h.cv_0) << cv << '\n' << "  Tv   = " << list(h.Tv) << temperature << '\n';
         break;
     default:
@@ -101,10 +101,10 @@ void describe_terms(std::ostream &out, const heat_capacity &h) {
 }
 
 void describe_heat_capacity(std::ostream &out, const heat_capacity &h) {
-    const auto *const form = std::find_if(std::begin(ideal_specific_heat::forms), std::end(ideal_specific_heat::forms),
+    const auto *const form = std::find_if(std::begin(ideal_gas_heat::forms), std::end(ideal_gas_heat::forms),
                                           [&](const auto &candidate) { return candidate.code == h.function_type; });
     out << "\nHeat capacity of the ideal gas: " << h.function_type << ", ";
-    if (form == std::end(ideal_specific_heat::forms)) {
+    if (form == std::end(ideal_gas_heat::forms)) {
         out << "unknown\n";
         return;
     }
@@ -114,7 +114,7 @@ void describe_heat_capacity(std::ostream &out, const heat_capacity &h) {
 
 /// A transport model, its parameters and what to know of its result.
 void describe_transport(std::ostream &out, std::string_view title, std::int32_t code,
-                        std::span<const transport_properties::model> models, const std::string &note) {
+                        std::span<const transport::model> models, const std::string &note) {
     const auto model =
         std::find_if(models.begin(), models.end(), [&](const auto &candidate) { return candidate.code == code; });
     out << '\n' << title << ": " << code << ", " << (model != models.end() ? model->name : "unknown") << '\n';
@@ -132,15 +132,8 @@ void describe_transport(std::ostream &out, std::string_view title, std::int32_t 
 } // namespace
 
 std::string model_name() {
-#define OSTREL_MODEL_NAME(unused, type, module, X, short_name, long_name, name) \
-    case type:                                                                  \
-        return name;
-    switch (thermodynamics::gas_type) {
-        OSTREL_MODELS(OSTREL_MODEL_NAME, )
-    default:
-        return "unknown";
-    }
-#undef OSTREL_MODEL_NAME
+    const equations::model_names *const model = equations::find_model(thermodynamics::gas_type);
+    return std::string(model != nullptr ? model->name : "unknown");
 }
 
 void describe(std::ostream &out, const parameter_file &file) {
@@ -148,19 +141,19 @@ void describe(std::ostream &out, const parameter_file &file) {
     out << printable(read.name.trimmed()) << '\n' << printable(read.label.trimmed()) << '\n' << file.path << "\n\n";
     out << "Constants in the file, " << (read.vapor ? "with critical data" : "with a reference state") << '\n';
     report constants = table();
-    add(constants, read, {&gas_properties::molar_mass, 1});
-    add(constants, read, gas_properties::reference_and_critical);
-    add(constants, read, gas_properties::transport);
+    add(constants, read, {&equations::molar_mass, 1});
+    add(constants, read, equations::reference_and_critical);
+    add(constants, read, equations::of_transport);
     write_columns(out, constants, "  ");
 
     out << "\nEquation of state: " << thermodynamics::gas_type << ", " << model_name() << '\n';
-    if (thermodynamics::gas_type == 8)
+    if (thermodynamics::gas_type == gas_types::ideal_Z)
         out << "  Z_const = " << number(ideal_Z_gas::active.Z_const) << '\n';
     describe_heat_capacity(out, file.heat_capacity);
-    describe_transport(out, "Viscosity", transport_properties::active.viscosity_model,
-                       transport_properties::viscosity_models, viscosity_note());
+    describe_transport(out, "Viscosity", transport_properties::active.viscosity_model, transport::viscosity_models,
+                       viscosity_note());
     describe_transport(out, "Thermal conductivity", transport_properties::active.thermal_cond_model,
-                       transport_properties::thermal_cond_models, conductivity_note());
+                       transport::thermal_cond_models, conductivity_note());
     if (!file.not_initialised.empty())
         return;
     out << "\nWith this model\n";

@@ -5,8 +5,9 @@
 #include "CommandLine/report.h"
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
-#include "Thermodynamics/model_choice.h"
-#include "Thermodynamics/transport_properties.h"
+#include "Thermodynamics/gas_properties.h"
+#include "fluid_loading.h"
+#include "library_state.h"
 
 #include <array>
 #include <charconv>
@@ -22,25 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using ideal_specific_heat::errmsg;
-
-/// Puts what a fluid sets at the value it has when the library is loaded.
-void forget_fluid() {
-    gas_properties::gas = {};
-    ideal_specific_heat::active = {};
-    errmsg.reset();
-#define OSTREL_FORGET_MODEL(unused, type, module, ...) module::active = {};
-    OSTREL_MODELS(OSTREL_FORGET_MODEL, )
-#undef OSTREL_FORGET_MODEL
-    transport_properties::active = {};
-    thermodynamics::gas_type = 0;
-}
-
-std::string initialise() {
-    thermodynamics::init_thermodynamics();
-    if (errmsg.clear())
-        transport_properties::init_transport_properties();
-    return errmsg.clear() ? std::string() : error_text(errmsg.padded());
-}
 
 /// What a user may do about a fluid that does not load.
 std::vector<std::string> loading_advice(const std::string &fluid) {
@@ -98,7 +80,7 @@ std::string path_of(const std::string &fluid) {
 
 void load_fluid(const std::string &fluid) {
     fluid_folder();
-    forget_fluid();
+    library_state::forget_fluid();
     ostrel::read_init_fluiddata(fluid);
     if (!errmsg.clear())
         throw failure(error_text(errmsg.padded()), loading_advice(fluid));
@@ -114,7 +96,7 @@ answer request_property(std::string_view fluid, std::string_view pair, double in
 
 parameter_file load_file(const std::string &path) {
     parameter_file result{.path = path};
-    forget_fluid();
+    library_state::forget_fluid();
     std::error_code ignored;
     if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored)) {
         result.unreadable = path + (fs::is_directory(path, ignored) ? " is a folder" : " is not a regular file");
@@ -127,15 +109,17 @@ parameter_file load_file(const std::string &path) {
     }
     std::ifstream stream(path, std::ios::binary);
     result.text.assign(std::istreambuf_iterator<char>(stream), {});
-    thermodynamics::read_param_thermodynamics(file);
-    transport_properties::read_param_transport_properties(file);
+    const loading::outcome outcome = loading::read(file);
     result.last_record = file.record_number();
     result.constants = gas_properties::gas;
     result.heat_capacity = ideal_specific_heat::active;
-    if (file.failed())
+    if (outcome == loading::outcome::broken) {
         result.unreadable = file.message();
-    else
-        result.not_initialised = initialise();
+    } else {
+        loading::initialise();
+        if (!errmsg.clear())
+            result.not_initialised = error_text(errmsg.padded());
+    }
     return result;
 }
 

@@ -2,6 +2,7 @@
 // Fluids from their folder and parameter files from anywhere, loaded with the library's own routines.
 #pragma once
 
+#include "Thermodynamics/gas_properties.h"
 #include "Thermodynamics/ideal_specific_heat.h"
 
 #include <cstdint>
@@ -35,12 +36,12 @@ answer request_property(std::string_view fluid, std::string_view pair, double in
 /// What a parameter file says, and what became of it.
 struct parameter_file {
     std::string path{};
-    std::string text{};                                 ///< the whole file
-    std::string unreadable{};                           ///< why it cannot be read, empty if it can be
-    std::int64_t last_record = 0;                       ///< the record read last
-    gas_properties::gas_constants constants{};          ///< as read; in gas_properties::gas they are completed
-    ideal_specific_heat::heat_capacity heat_capacity{}; ///< likewise
-    std::string not_initialised{};                      ///< the library's text, empty if all went well
+    std::string text{};                            ///< the whole file
+    std::string unreadable{};                      ///< why it cannot be read, empty if it can be
+    std::int64_t last_record = 0;                  ///< the record read last
+    equations::gas_constants constants{};          ///< as read; in gas_properties::gas they are completed
+    ideal_gas_heat::heat_capacity heat_capacity{}; ///< likewise
+    std::string not_initialised{};                 ///< the library's text, empty if all went well
 };
 
 /// Reads and initialises a parameter file in a library that has forgotten the fluid before it.

@@ -11,7 +11,7 @@ namespace command {
 using transport_properties::active;
 
 bool has_saturated_states() {
-    return thermodynamics::gas_type != ideal_gas && thermodynamics::gas_type != ideal_Z;
+    return thermodynamics::gas_type != gas_types::ideal_gas && thermodynamics::gas_type != gas_types::ideal_Z;
 }
 
 bool equal_phases(double liquid, double vapor) {
@@ -19,13 +19,13 @@ bool equal_phases(double liquid, double vapor) {
 }
 
 std::string viscosity_note() {
-    if (active.viscosity_model != transport_properties::dilute_gas)
+    if (active.viscosity_model != transport::dilute_gas)
         return {};
     return "eta by Chung's dilute gas is in 0.1 Pa s: divide it by 10 for Pa s.";
 }
 
 std::string conductivity_note() {
-    using namespace transport_properties;
+    using namespace transport;
     const bool same_kind = active.thermal_cond_model == active.viscosity_model;
     const auto scaled = [](const std::string &factor) {
         return "lambda by Chung's models is " + factor + " times smaller than W/(m K): multiply it by " + factor + ".";

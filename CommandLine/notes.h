@@ -2,14 +2,10 @@
 // What a user must know of the viscosities and conductivities of the loaded fluid.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace command {
-
-/// The models that are named singly, by their codes in parameter files.
-enum model_code : std::int32_t { ideal_gas = 1, peng_robinson = 5, clausius_II = 7, ideal_Z = 8 };
 
 /// Whether the loaded fluid's model has saturated states; an ideal gas has none.
 bool has_saturated_states();

@@ -6,6 +6,7 @@
 #include "CommandLine/report.h"
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
+#include "Thermodynamics/gas_properties.h"
 
 #include <algorithm>
 #include <array>

@@ -18,7 +18,7 @@
 namespace command {
 namespace {
 
-using gas_properties::constant;
+using equations::constant;
 using gas_properties::gas;
 using gas_properties::gas_constants;
 using texts = std::vector<std::string>;
@@ -38,7 +38,7 @@ constexpr bounds plausible[] = {
 
 void check_constants(texts &found, const gas_constants &fluid, std::span<const constant> constants) {
     for (const constant &entry : constants) {
-        if (!gas_properties::applies(entry, fluid.vapor))
+        if (!equations::applies(entry, fluid.vapor))
             continue;
         const auto *const range = std::find_if(std::begin(plausible), std::end(plausible),
                                                [&](const bounds &row) { return row.value == entry.value; });
@@ -56,11 +56,11 @@ void check_constants(texts &found, const gas_constants &fluid, std::span<const c
 
 /// What is written as 591,75 reads as 591: a comma ends a value. The constants have a record each.
 void check_commas(texts &found, const parameter_file &file) {
-    std::vector<std::string_view> names = {gas_properties::molar_mass.name, "vapor"};
-    for (const std::span<const constant> group : {std::span<const constant>(gas_properties::reference_and_critical),
-                                                  std::span<const constant>(gas_properties::transport)})
+    std::vector<std::string_view> names = {equations::molar_mass.name, "vapor"};
+    for (const std::span<const constant> group : {std::span<const constant>(equations::reference_and_critical),
+                                                  std::span<const constant>(equations::of_transport)})
         for (const constant &entry : group)
-            if (gas_properties::applies(entry, file.constants.vapor))
+            if (equations::applies(entry, file.constants.vapor))
                 names.push_back(entry.name);
     constexpr std::int64_t headings = 4;
     std::string_view rest = file.text;
@@ -89,12 +89,12 @@ void check_model(texts &found, const parameter_file &file) {
     else if (fluid.vapor && !(fluid.omega >= -0.45 && fluid.omega <= 2))
         found.push_back("the acentric factor that follows from Tb, Tc and Pc is " + number(fluid.omega) +
                         ": look at Tb, Tc and Pc, which is in atm");
-    if (thermodynamics::gas_type == clausius_II && fluid.vapor && fluid.Zc < 0.25)
+    if (thermodynamics::gas_type == gas_types::clausius_II && fluid.vapor && fluid.Zc < 0.25)
         found.push_back("Zc < 0.25 makes the co-volume of Clausius II negative: right in the gas only");
-    if (thermodynamics::gas_type == ideal_Z && !fluid.vapor)
+    if (thermodynamics::gas_type == gas_types::ideal_Z && !fluid.vapor)
         found.push_back("an ideal gas with constant Z wants critical data: pressures come out Z times and heat "
                         "capacities 1/Z times what they should be");
-    if (thermodynamics::gas_type == ideal_Z && !(ideal_Z_gas::active.Z_const > 0))
+    if (thermodynamics::gas_type == gas_types::ideal_Z && !(ideal_Z_gas::active.Z_const > 0))
         found.push_back("Z_const is not positive");
 }
 
@@ -108,21 +108,21 @@ void check_exponents(texts &found, std::string_view name, std::span<const double
 
 void check_heat_capacity(texts &found, const ideal_specific_heat::heat_capacity &h) {
     switch (h.function_type) {
-    case ideal_specific_heat::constant:
+    case ideal_gas_heat::constant:
         break;
-    case ideal_specific_heat::power_law:
+    case ideal_gas_heat::power_law:
         check_exponents(found, "np", {&h.np, 1});
         break;
-    case ideal_specific_heat::polynomial:
+    case ideal_gas_heat::polynomial:
         check_exponents(found, "n_i", h.n_i);
         break;
-    case ideal_specific_heat::piecewise:
+    case ideal_gas_heat::piecewise:
         for (std::size_t k = 0; k < h.cv_0_k.size(); ++k)
             check_exponents(found, "n_ik", {h.n_ik.data() + k * h.terms, interval_terms(h, k).count});
         if (!std::is_sorted(h.T_k.begin(), h.T_k.end()))
             found.emplace_back("the bounds T_k do not ascend: of intervals that overlap the last one holds");
         break;
-    case ideal_specific_heat::einstein:
+    case ideal_gas_heat::einstein:
         if (std::any_of(h.Tv.begin(), h.Tv.end(), [](double Tv) { return !(Tv > 0); }))
             found.emplace_back("a characteristic temperature Tv is not positive");
         break;
@@ -133,12 +133,12 @@ void check_heat_capacity(texts &found, const ideal_specific_heat::heat_capacity 
     }
 }
 
-bool known(std::int32_t code, std::span<const transport_properties::model> models) {
+bool known(std::int32_t code, std::span<const transport::model> models) {
     return std::any_of(models.begin(), models.end(), [&](const auto &model) { return model.code == code; });
 }
 
 void check_transport(texts &found, const gas_constants &fluid) {
-    using namespace transport_properties;
+    using namespace transport;
     const std::int32_t viscosity = active.viscosity_model;
     const std::int32_t conductivity = active.thermal_cond_model;
     const bool chung = conductivity == dilute_gas_conductivity || conductivity == dense_gas_conductivity;
@@ -211,10 +211,10 @@ void try_saturation(texts &found) {
         }
     if (equal_phases(liquid.value, vapor.value))
         found.push_back("the saturation table has collapsed: pq and tq answer with a liquid like the vapor" +
-                        std::string(thermodynamics::gas_type == peng_robinson
+                        std::string(thermodynamics::gas_type == gas_types::peng_robinson
                                         ? " (with Peng-Robinson's rounded constants it does so for most fluids)"
                                         : ""));
-    const answer boiling = ask("pq", gas_properties::pascal_per_atm, 1, "t");
+    const answer boiling = ask("pq", equations::pascal_per_atm, 1, "t");
     if (boiling.text.empty() && !(std::abs(boiling.value - gas.Tb) <= 0.05 * gas.Tb))
         found.push_back("the model boils at 1 atm at " + number(boiling.value) + " K, not at Tb = " + number(gas.Tb) +
                         " K");
@@ -225,9 +225,9 @@ void try_saturation(texts &found) {
 std::vector<std::string> suspicions(const parameter_file &file) {
     texts found;
     check_name(found, file.path);
-    check_constants(found, file.constants, {&gas_properties::molar_mass, 1});
-    check_constants(found, file.constants, gas_properties::reference_and_critical);
-    check_constants(found, file.constants, gas_properties::transport);
+    check_constants(found, file.constants, {&equations::molar_mass, 1});
+    check_constants(found, file.constants, equations::reference_and_critical);
+    check_constants(found, file.constants, equations::of_transport);
     check_commas(found, file);
     check_model(found, file);
     check_heat_capacity(found, file.heat_capacity);

@@ -30,38 +30,12 @@ using namespace thermodynamics;
 
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
-/// Every variable that a fluid sets, and the saturation table.
-struct library_state {
-    gas_properties::gas_constants gas = gas_properties::gas;
-    ideal_specific_heat::heat_capacity heat = ideal_specific_heat::active;
-    transport_properties::parameters transport = transport_properties::active;
-#define OSTREL_KEPT_MODEL(unused, type, module, X, ...) module::parameters model_##X = module::active;
-    OSTREL_MODELS(OSTREL_KEPT_MODEL, )
-#undef OSTREL_KEPT_MODEL
-    std::int32_t type = gas_type;
-    std::array<double, 3> bounds = {Tmin, Pmin, vmin};
-    std::array<std::vector<double>, 4> table = {TTs, PPs, vvls, vvgs};
-
-    void restore() const {
-        support::fresh_library();
-        gas_properties::gas = gas;
-        ideal_specific_heat::active = heat;
-        transport_properties::active = transport;
-#define OSTREL_RESTORED_MODEL(unused, type, module, X, ...) module::active = model_##X;
-        OSTREL_MODELS(OSTREL_RESTORED_MODEL, )
-#undef OSTREL_RESTORED_MODEL
-        gas_type = type;
-        std::tie(Tmin, Pmin, vmin) = std::tie(bounds[0], bounds[1], bounds[2]);
-        std::tie(TTs, PPs, vvls, vvgs) = std::tie(table[0], table[1], table[2], table[3]);
-    }
-};
-
 constexpr std::size_t models = std::size(support::model_cases);
 constexpr std::size_t heats = std::size(support::heat_cases);
 
 /// The case with its saturation table, made once and put into place again for each input.
 void load(std::size_t model, std::size_t heat) {
-    static std::map<std::pair<std::size_t, std::size_t>, library_state> cases;
+    static std::map<std::pair<std::size_t, std::size_t>, library_state::kept> cases;
     auto known = cases.find({model, heat});
     if (known == cases.end()) {
         support::fresh_library();
@@ -79,9 +53,9 @@ void load(std::size_t model, std::size_t heat) {
             fuzz::make_up_saturation_table(gas_properties::gas.Zc);
         errmsg.reset();
         lin_algebra::linalg_errmsg.reset();
-        known = cases.emplace(std::pair(model, heat), library_state()).first;
+        known = cases.emplace(std::pair(model, heat), library_state::keep()).first;
     }
-    known->second.restore();
+    library_state::restore(known->second);
 }
 
 /// A model is active, and so a solver solves.
@@ -187,6 +161,7 @@ void evaluate_all(const arguments &line) {
 }
 
 void evaluate_transport(const arguments &line) {
+    using namespace transport;
     using namespace transport_properties;
     const double T = line.number_or(0, 1.0);
     const double v = line.number_or(1, 1.0);

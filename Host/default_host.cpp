@@ -80,7 +80,8 @@ int32_t getfluid(const char *location, const char *key, char *lines, int32_t *fo
     *found = 0;
     const auto text = fluid_database::read(std::string(records::trimmed({location, location_len})),
                                            std::string(records::trimmed({key, key_len})));
-    if (text && fluid_database::split(*text, {lines, static_cast<std::size_t>(host::line_count) * line_len}, line_len))
+    const std::span entries(lines, static_cast<std::size_t>(host::line_count) * line_len);
+    if (text && fluid_database::split(*text, entries, line_len).empty())
         *found = 1;
     return *found;
 }
@@ -88,3 +89,15 @@ int32_t getfluid(const char *location, const char *key, char *lines, int32_t *fo
 } // namespace
 
 const ostrel_host host::default_routines = {fluidpath, searchdirectory, getfluid};
+
+host::fluid_text host::default_fluid_lines(std::string_view location, std::string_view key) {
+    fluid_text result;
+    const auto text = fluid_database::read(std::string(records::trimmed(location)), std::string(records::trimmed(key)));
+    if (!text)
+        return result;
+    result.lines.resize(static_cast<std::size_t>(line_count) * line_length);
+    result.problem = fluid_database::split(*text, result.lines, line_length);
+    if (!result.problem.empty())
+        result.lines.clear();
+    return result;
+}

@@ -50,20 +50,41 @@ std::optional<std::string> read(const std::string &, const std::string &) {
 
 #endif
 
-bool split(std::string_view text, std::span<char> entries, std::size_t entry_length) {
-    records::fill_text(entries, {});
+namespace {
+
+/// Calls use(line) for each line of the text, without its end.
+template <class Use>
+void for_each_line(std::string_view text, Use use) {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
         if (line.ends_with('\r'))
             line.remove_suffix(1);
-        if (line.size() > entry_length || entries.size() < entry_length)
-            return false;
-        records::fill_text(entries.first(entry_length), {line});
-        entries = entries.subspan(entry_length);
+        use(line);
     }
-    return true;
+}
+
+} // namespace
+
+std::string split(std::string_view text, std::span<char> entries, std::size_t entry_length) {
+    records::fill_text(entries, {});
+    const std::size_t room = entry_length > 0 ? entries.size() / entry_length : 0;
+    std::size_t number = 0;
+    std::size_t too_long = 0;
+    for_each_line(text, [&](std::string_view line) {
+        if (line.size() > entry_length && too_long == 0)
+            too_long = number + 1;
+        else if (number < room)
+            records::fill_text(entries.subspan(number * entry_length, entry_length), {line});
+        ++number;
+    });
+    if (too_long > 0)
+        return "line " + std::to_string(too_long) + " is longer than the " + std::to_string(entry_length) +
+               " characters of a database line";
+    if (number > room)
+        return std::to_string(number) + " lines, where a database text has room for " + std::to_string(room);
+    return {};
 }
 
 } // namespace fluid_database

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Host/fluid_database_files.h"
 
-#include "Host/fluid_database.h"
-#include "host.h"
-
-#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
@@ -14,23 +10,6 @@
 #endif
 
 namespace fluid_database {
-
-std::string unreadable(std::string_view text) {
-    const auto lines = static_cast<std::size_t>(host::line_count);
-    std::string entries(lines * host::line_length, ' ');
-    if (split(text, entries, host::line_length))
-        return {};
-    std::size_t number = 0;
-    while (!text.empty()) {
-        const std::size_t length = std::min(text.find('\n'), text.size());
-        ++number;
-        if (length > host::line_length + (text.substr(0, length).ends_with('\r') ? 1 : 0))
-            return "line " + std::to_string(number) + " is longer than the " + std::to_string(host::line_length) +
-                   " characters of a database line";
-        text.remove_prefix(std::min(length + 1, text.size()));
-    }
-    return std::to_string(number) + " lines, where a database text has room for " + std::to_string(lines);
-}
 
 #ifdef OSTREL_WITH_SQLITE
 

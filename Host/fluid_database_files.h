@@ -14,9 +14,6 @@ struct entry {
     std::string text;
 };
 
-/// What keeps a text from being read from a database: too many lines, or one that is too long; empty if nothing does.
-std::string unreadable(std::string_view text);
-
 // These throw std::runtime_error with what went wrong, also if SQLite is not built in.
 
 /// Puts the entries into the database in one transaction, which makes what is missing of it. Answers for each entry

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Ostrel_Main.h"
 
-#include "Algebra/console_stop.h"
-#include "Records/record_reader.h"
-#include "Records/record_writer.h"
+#include "Records/console.h"
+#include "Requests/outputs.h"
+#include "Thermodynamics/gas_properties.h"
+#include "Thermodynamics/ideal_specific_heat.h"
 #include "Thermodynamics/thermodynamics.h"
 #include "Thermodynamics/transport_properties.h"
+#include "fluid_loading.h"
 #include "host.h"
 
 #include <algorithm>
@@ -14,7 +16,6 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace ostrel {
 
@@ -26,6 +27,7 @@ using records::lower;
 using records::no_errors;
 using records::same_text;
 using records::trimmed;
+using requests::quantity_of;
 
 records::fixed_text<8> os_fluid;
 records::fixed_text<2> os_inputspec;
@@ -42,71 +44,21 @@ records::error_text &shared_errmsg() {
 
 /// A code or name of one of the tables below, as it is compared and as it is told to people.
 struct keyword {
-    std::uint64_t packed;
+    std::uint64_t packed = 0;
     described text;
-    consteval keyword(std::string_view name, std::string_view unit = {}, std::string_view meaning = {})
-        : keyword(described{name, unit, meaning}) {}
-    consteval keyword(const described &row) : packed(records::packed(row.name)), text(row) {}
+    constexpr keyword() = default;
+    constexpr keyword(std::string_view name) : keyword(described{name, {}, {}}) {}
+    constexpr keyword(const described &row) : packed(records::packed(row.name)), text(row) {}
 };
 
 /// The row of a table whose keyword is the folded text, or null.
-template <class Row, std::size_t rows>
-const Row *find(const Row (&table)[rows], std::string_view text) {
+template <class Table>
+auto find(const Table &table, std::string_view text) -> decltype(std::data(table)) {
     const std::uint64_t wanted = lower(records::packed(text));
-    for (const Row &row : table)
+    for (const auto &row : table)
         if (row.name.packed == wanted)
             return &row;
     return nullptr;
-}
-
-// Reductions of the inputs.
-using reduction = double (*)(double value, const gas_constants &g);
-
-double temperature(double t, const gas_constants &g) {
-    return t / g.T_ref;
-}
-double pressure(double p, const gas_constants &g) {
-    return p / g.P_ref;
-}
-double volume(double v, const gas_constants &g) {
-    return v / g.v_ref;
-}
-double density(double d, const gas_constants &g) {
-    return (1.0 / d) / g.v_ref;
-}
-double energy(double h, const gas_constants &g) {
-    return h / (g.P_ref * g.v_ref);
-}
-double entropy(double s, const gas_constants &g) {
-    return s / g.R;
-}
-double quality(double q, const gas_constants &) {
-    return q;
-}
-
-/// A quantity of the input pairs; its name is its letter in their codes.
-struct quantity {
-    described text;
-    reduction reduce;
-};
-
-constexpr quantity quantities[] = {
-    {{"t", "K", "temperature"}, temperature},
-    {{"p", "Pa", "pressure"}, pressure},
-    {{"v", "m3/kg", "specific volume"}, volume},
-    {{"d", "kg/m3", "density"}, density},
-    {{"h", "J/kg", "enthalpy"}, energy},
-    {{"u", "J/kg", "internal energy"}, energy},
-    {{"s", "J/(kg K)", "entropy"}, entropy},
-    {{"q", "-", "vapor quality, 0 for the saturated liquid, 1 for the saturated vapor"}, quality},
-};
-
-/// The quantity of a letter; an unknown letter in a constant table does not compile.
-constexpr const quantity &quantity_of(char letter) {
-    const quantity *found = std::begin(quantities);
-    while (found->text.name[0] != letter)
-        ++found;
-    return *found;
 }
 
 /// Finds reduced (T, v) from the two reduced inputs; failures are left in the shared error text.
@@ -115,8 +67,8 @@ using solver = void (*)(double in1, double in2, double &T, double &v);
 struct input_pair {
     keyword name;
     solver solve;
-    reduction reduce1;
-    reduction reduce2;
+    requests::conversion reduce1;
+    requests::conversion reduce2;
     consteval input_pair(std::string_view code, solver solution)
         : name(code), solve(solution), reduce1(quantity_of(code[0]).reduce), reduce2(quantity_of(code[1]).reduce) {}
 };
@@ -192,7 +144,7 @@ constexpr input_pair input_pairs[] = {
     {"hs", from_h_s},
 };
 
-// Outputs at the reduced state, scaled back to SI.
+// Outputs at the reduced state, restored to SI units.
 using evaluation = double (*)(double T, double v, const gas_constants &g);
 
 std::array<double, 2> pressure_gradient(double T, double v) {
@@ -207,6 +159,12 @@ std::array<double, 4> pressure_hessian(double T, double v) {
     return d2P;
 }
 
+double heat_capacity_slope(double T, double v) {
+    std::array<double, 2> dcv{};
+    thermodynamics::dcv__dT_dv(T, v, dcv);
+    return dcv[0];
+}
+
 double reduced_conductivity(double T, double v) {
     double viscosity = 0;
     double conductivity = 0;
@@ -217,63 +175,44 @@ double reduced_conductivity(double T, double v) {
 struct output {
     keyword name;
     evaluation evaluate;
-    bool any_quality = false; ///< whether it has a meaning between the saturated states
+    bool any_quality; ///< whether it has a meaning between the saturated states
 };
 
+/// An output in its row of requests::outputs, by the operation that gives it reduced.
+template <std::size_t row, class Reduced>
+consteval output served(Reduced) {
+    constexpr const requests::output &what = requests::outputs[row];
+    return {what.text, [](double T, double v, const gas_constants &g) { return what.restore(Reduced()(T, v), g); },
+            what.any_quality};
+}
+#define OSTREL_SERVED(name, reduced) served<requests::output_row(name)>([](double T, double v) { return reduced; })
+
 constexpr output outputs[] = {
-    {quantity_of('t').text, [](double T, double, const gas_constants &g) { return T * g.T_ref; }, true},
-    {quantity_of('v').text, [](double, double v, const gas_constants &g) { return v * g.v_ref; }, true},
-    {quantity_of('d').text, [](double, double v, const gas_constants &g) { return 1 / (v * g.v_ref); }, true},
-    {quantity_of('p').text,
-     [](double T, double v, const gas_constants &g) { return thermodynamics::P__T_v(T, v) * g.P_ref; }, true},
-    {quantity_of('h').text,
-     [](double T, double v, const gas_constants &g) { return thermodynamics::h__T_v(T, v) * g.P_ref * g.v_ref; }},
-    {quantity_of('s').text,
-     [](double T, double v, const gas_constants &g) { return thermodynamics::s__T_v(T, v) * g.R; }},
-    {quantity_of('u').text,
-     [](double T, double v, const gas_constants &g) { return thermodynamics::e__T_v(T, v) * g.P_ref * g.v_ref; }},
-    {{"cv", "J/(kg K)", "isochoric heat capacity"},
-     [](double T, double v, const gas_constants &g) { return thermodynamics::cv__T_v(T, v) * g.R; }},
-    {{"dp_dt", "Pa/K", "dp/dt at constant v"},
-     [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[0] * g.P_ref / g.T_ref; }},
-    {{"dp_dv", "Pa kg/m3", "dp/dv at constant t"},
-     [](double T, double v, const gas_constants &g) { return pressure_gradient(T, v)[1] * g.P_ref / g.v_ref; }},
-    {{"d2p_dt2", "Pa/K2", "second derivative of p by t"},
-     [](double T, double v, const gas_constants &g) {
-         return pressure_hessian(T, v)[0] * g.P_ref / (g.T_ref * g.T_ref);
-     }},
-    {{"d2p_dv2", "Pa kg2/m6", "second derivative of p by v"},
-     [](double T, double v, const gas_constants &g) {
-         return pressure_hessian(T, v)[3] * g.P_ref / (g.v_ref * g.v_ref);
-     }},
-    {{"d2p_dtdv", "Pa kg/(K m3)", "second derivative of p by t and v"},
-     [](double T, double v, const gas_constants &g) {
-         return pressure_hessian(T, v)[1] * g.P_ref / (g.T_ref * g.v_ref);
-     }},
-    {{"dcv_dt", "J/(kg K2)", "dcv/dt at constant v"},
-     [](double T, double v, const gas_constants &g) {
-         std::array<double, 2> dcv{};
-         thermodynamics::dcv__dT_dv(T, v, dcv);
-         return dcv[0] * g.R / g.T_ref;
-     }},
-    {{"eta", "Pa s", "dynamic viscosity"},
-     [](double T, double v, const gas_constants &g) { return transport_properties::eta__T_v(T, v) * g.mu_ref; }},
-    {{"lambda", "W/(m K)", "thermal conductivity"},
-     [](double T, double v, const gas_constants &g) { return reduced_conductivity(T, v) * g.kk_ref; }},
+    OSTREL_SERVED("t", (static_cast<void>(v), T)),
+    OSTREL_SERVED("v", (static_cast<void>(T), v)),
+    OSTREL_SERVED("d", (static_cast<void>(T), v)),
+    OSTREL_SERVED("p", thermodynamics::P__T_v(T, v)),
+    OSTREL_SERVED("h", thermodynamics::h__T_v(T, v)),
+    OSTREL_SERVED("s", thermodynamics::s__T_v(T, v)),
+    OSTREL_SERVED("u", thermodynamics::e__T_v(T, v)),
+    OSTREL_SERVED("cv", thermodynamics::cv__T_v(T, v)),
+    OSTREL_SERVED("dp_dt", pressure_gradient(T, v)[0]),
+    OSTREL_SERVED("dp_dv", pressure_gradient(T, v)[1]),
+    OSTREL_SERVED("d2p_dt2", pressure_hessian(T, v)[0]),
+    OSTREL_SERVED("d2p_dv2", pressure_hessian(T, v)[3]),
+    OSTREL_SERVED("d2p_dtdv", pressure_hessian(T, v)[1]),
+    OSTREL_SERVED("dcv_dt", heat_capacity_slope(T, v)),
+    OSTREL_SERVED("eta", transport_properties::eta__T_v(T, v)),
+    OSTREL_SERVED("lambda", reduced_conductivity(T, v)),
 };
+static_assert(std::size(outputs) == std::size(requests::outputs));
 
 struct information {
     keyword name;
     double (*value)(const gas_constants &g);
 };
 
-constexpr information informations[] = {
-    {{"m_mol", "kg/mol", "molar mass"}, [](const gas_constants &g) { return g.MM / 1000; }},
-    {{"t_crit", "K", "critical temperature"}, [](const gas_constants &g) { return g.Tc; }},
-    {{"p_crit", "Pa", "critical pressure"}, [](const gas_constants &g) { return g.Pc; }},
-};
-
-/// What is told of a table's rows.
+/// A table made from the rows of another one.
 template <class Described, class Row, std::size_t rows>
 consteval std::array<Described, rows> told(const Row (&table)[rows], Described (*tell)(const Row &row)) {
     std::array<Described, rows> result;
@@ -287,8 +226,12 @@ constexpr auto told_pairs = told<described_pair, input_pair>(input_pairs, [](con
 constexpr auto told_outputs = told<described_output, output>(outputs, [](const output &row) {
     return described_output{row.name.text, row.any_quality};
 });
-constexpr auto told_informations =
-    told<described, information>(informations, [](const information &row) { return row.name.text; });
+constexpr auto informations =
+    told<information, requests::information>(requests::informations, [](const requests::information &row) {
+        return information{row.text, row.value};
+    });
+constexpr auto told_informations = told<described, requests::information>(
+    requests::informations, [](const requests::information &row) { return row.text; });
 
 /// Loads the fluid if its name is not the kept one, and says whether it did. A name of more than eight characters
 /// never is the kept one.
@@ -419,66 +362,26 @@ void ostrel_sub() {
     console::write({"****** Hello from the Ostrel      ******"});
 }
 
-namespace {
-
-void report_failed_open(int status) {
-    shared_errmsg().report({records::list_directed({"IOSTAT returned ", std::int32_t{status}})});
-}
-
-/// Reads all sections of a file. False if a record could not be read: the message is then in place and
-/// nothing may be initialised. A file that does not open leaves a message and counts as read.
-bool read_file(std::string_view path) {
-    records::file_reader file(path);
-    if (file.open_status() != 0) {
-        report_failed_open(file.open_status());
-        return true;
-    }
-    thermodynamics::read_param_thermodynamics(file);
-    transport_properties::read_param_transport_properties(file);
-    if (file.failed())
-        shared_errmsg().report({file.message()});
-    return !file.failed();
-}
-
-} // namespace
-
 void read_init_fluiddata(std::string_view name) {
     constexpr std::string_view extension = ".osd";
     const std::string_view fluid = trimmed(name);
     const std::string directory = host::fluid_directory();
-    bool readable = true;
     if (fluid.size() > host::path_length || directory.size() + fluid.size() + extension.size() > host::path_length)
-        report_failed_open(ENAMETOOLONG);
+        loading::report_failed_open(ENAMETOOLONG);
     else if (fluid.find('/') != std::string_view::npos)
-        report_failed_open(ENOENT); // no file of the directory has such a name
-    else
-        readable = read_file(directory + std::string(fluid) + std::string(extension));
-    // A failed open goes on with the parameters in memory.
-    if (!readable)
+        loading::report_failed_open(ENOENT); // no file of the directory has such a name
+    else if (loading::read_file(directory + std::string(fluid) + std::string(extension)) == loading::outcome::broken)
         return;
-    thermodynamics::init_thermodynamics();
-    if (shared_errmsg().clear())
-        transport_properties::init_transport_properties();
+    // A failed open goes on with the parameters in memory.
+    loading::initialise();
 }
 
 void read_init_fluiddatafile(std::string_view file) {
-    read_file(file);
+    loading::read_file(file);
 }
 
 void read_init_fluiddatadb(std::string_view location, std::string_view name) {
-    const std::vector<char> text = host::fluid_lines(location, name);
-    if (text.empty()) {
-        const std::string message = "Error in Ostrel: error opening fluid " + std::string(trimmed(name));
-        shared_errmsg().report({records::list_directed({message})});
-        return;
-    }
-    std::int32_t index = 0;
-    records::line_reader lines("fluid database, " + std::string(trimmed(name).substr(0, 64)), text.data(), index,
-                               host::line_count, static_cast<std::int32_t>(host::line_length));
-    thermodynamics::read_param_thermodynamicsdb(lines);
-    transport_properties::read_param_transport_propertiesdb(lines);
-    if (lines.failed())
-        shared_errmsg().report({lines.message()});
+    loading::read_database(location, name);
 }
 
 } // namespace ostrel

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Records/fixed_text.h"
+#include "Requests/described.h"
 #include "visibility.h"
 
 #include <array>
@@ -31,12 +32,8 @@ extern double v;
 /// The first eight characters in lower case, to which all codes and names are folded.
 records::fixed_text<8> tolower_os(std::string_view text);
 
-/// What a code or name of a request stands for, with its SI unit.
-struct described {
-    std::string_view name;
-    std::string_view unit;
-    std::string_view meaning;
-};
+using requests::described;
+
 struct described_pair {
     std::string_view name;
     described first;

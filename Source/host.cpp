@@ -23,6 +23,15 @@ void remove_padding(std::span<char> entries, std::size_t length) {
     }
 }
 
+/// Blanks the carriage return at the end of each line.
+void remove_carriage_returns(std::span<char> lines) {
+    for (; lines.size() >= line_length; lines = lines.subspan(line_length)) {
+        const std::size_t used = records::trimmed({lines.data(), line_length}).size();
+        if (used > 0 && lines[used - 1] == '\r')
+            lines[used - 1] = ' ';
+    }
+}
+
 } // namespace
 
 const ostrel_host &routines() {
@@ -54,15 +63,19 @@ void search_directory(std::string_view directory, std::span<char> names, std::si
     remove_padding(names, name_length);
 }
 
-std::vector<char> fluid_lines(std::string_view location, std::string_view key) {
-    std::vector<char> lines(static_cast<std::size_t>(line_count) * line_length, ' ');
+fluid_text fluid_lines(std::string_view location, std::string_view key) {
+    if (routines().getfluid == default_routines.getfluid)
+        return default_fluid_lines(location, key);
+    fluid_text text;
+    text.lines.assign(static_cast<std::size_t>(line_count) * line_length, ' ');
     std::int32_t found = 0;
-    const std::int32_t status = routines().getfluid(location.data(), key.data(), lines.data(), &found, location.size(),
-                                                    key.size(), line_length);
+    const std::int32_t status = routines().getfluid(location.data(), key.data(), text.lines.data(), &found,
+                                                    location.size(), key.size(), line_length);
     if (status == 0 || found == 0)
-        lines.clear();
-    remove_padding(lines, line_length);
-    return lines;
+        text.lines.clear();
+    remove_padding(text.lines, line_length);
+    remove_carriage_returns(text.lines);
+    return text;
 }
 
 } // namespace host

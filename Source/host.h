@@ -25,13 +25,22 @@ void use(const ostrel_host *replacement);
 /// The library's own routines.
 extern const ostrel_host default_routines;
 
-// What the host answers. A field may also come back ended by a NUL, as C programs leave it.
+// The host's answers. A field may also come back ended by a NUL, as C programs leave it.
 
 /// The directory of the fluid files with its separator, without trailing blanks.
 std::string fluid_directory();
 /// Fills 500 entries of name_length characters with the names of the directory's parameter files.
 void search_directory(std::string_view directory, std::span<char> names, std::size_t name_length);
-/// The 255 lines of a fluid's text one after the other; empty if the database does not give them.
-std::vector<char> fluid_lines(std::string_view location, std::string_view key);
+/// A fluid's text from a database: its 255 lines one after the other. There are none if the database does not give
+/// them; `problem` then says why, as far as that is known.
+struct fluid_text {
+    std::vector<char> lines;
+    std::string problem;
+};
+/// The host's answer. Lines of a replaced routine end at their first NUL; those of the default host keep every byte. No
+/// line keeps a carriage return at its end.
+fluid_text fluid_lines(std::string_view location, std::string_view key);
+/// The answer of the default host, whatever is in use.
+fluid_text default_fluid_lines(std::string_view location, std::string_view key);
 
 } // namespace host

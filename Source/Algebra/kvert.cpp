@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/kvert.h"
 
-#include "Algebra/console_stop.h"
+#include "Records/console.h"
 
 #include <utility>
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/lin_algebra.h"
 
-#include "Algebra/console_stop.h"
 #include "Algebra/kdet.h"
+#include "Algebra/two_by_two.h"
+#include "Records/console.h"
 
 #include <algorithm>
 #include <iterator>
@@ -49,7 +50,7 @@ struct struck_out {
 
 template <class Matrix>
 double determinant_2(const Matrix &A) {
-    return A(1, 1) * A(2, 2) - A(1, 2) * A(2, 1);
+    return two_by_two::determinant({A(1, 1), A(2, 1), A(1, 2), A(2, 2)});
 }
 
 /// The minor of a matrix of order 3.
@@ -96,8 +97,8 @@ void inverse(const matrix_view &A, std::span<double> result) {
         result[0] = 1.0 / A(1, 1);
         break;
     case 2: {
-        const double inverted[] = {A(2, 2) / det, -A(2, 1) / det, -A(1, 2) / det, A(1, 1) / det};
-        std::copy(std::begin(inverted), std::end(inverted), result.begin());
+        const two_by_two::matrix inverted = two_by_two::inverse({A(1, 1), A(2, 1), A(1, 2), A(2, 2)}, det);
+        std::copy(inverted.begin(), inverted.end(), result.begin());
         break;
     }
     case 3: {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Algebra/nonlinear_equations.h"
 
-#include "Algebra/console_stop.h"
+#include "Records/console.h"
 
 #include <cmath>
 #include <numeric>

@@ -1,110 +1,23 @@
 // SPDX-License-Identifier: MIT
 // Module gas_properties: the constants of the one active fluid.
-//
-// Computes   R = 8314/MM, the reduction values of a fluid, and the acentric factor
-//            omega = (3/7) log10(Pc/1 atm) theta/(1 - theta) - 1, theta = Tb/Tc
-// Given      the first section of a parameter file: names, molar mass, then critical data (a vapor)
-//            or a plain reference state, then the constants of the transport models
-// Valid      Tb < Tc; Tb >= Tc gives a meaningless or infinite omega without a message
-// Reference  W. C. Edmister, Petroleum Refiner 37(4) (1958) 173
 #pragma once
 
-#include "Records/error_text.h"
+#include "Equations/gas_constants.h"
 #include "Records/record_reader.h"
 #include "Records/record_writer.h"
 #include "visibility.h"
 
-#include <cstdint>
-#include <string_view>
-
 namespace gas_properties OSTREL_VISIBLE {
 
-/// Pressures are given in atm in parameter files.
-inline constexpr double pascal_per_atm = 101325.0;
-/// J/(kmol K), the gas constant all parameter sets were made for.
-inline constexpr double universal_gas_constant = 8314.0;
-
-struct gas_constants {
-    records::fixed_text<32> name;
-    records::fixed_text<32> label;
-    double R = 0;       ///< specific gas constant [J/(kg K)]
-    double MM = 0;      ///< molar mass [kg/kmol]
-    double e_0 = 0;     ///< energy offset, e = 0 at the reference point [P_ref v_ref]
-    double s_0 = 0;     ///< entropy offset, s = 0 at the reference point [R]
-    double cv_ref = 0;  ///< ideal-gas cv at the reference point [R]
-    double P_ref = 0;   ///< reference pressure [Pa]
-    double T_ref = 0;   ///< reference temperature [K]
-    double v_ref = 0;   ///< reference specific volume [m3/kg]
-    double Z_ref = 0;   ///< P_ref v_ref/(R T_ref) [-]
-    double mu_ref = 0;  ///< reference viscosity [Pa s]
-    double kk_ref = 0;  ///< reference thermal conductivity [W/(m K)]
-    double c_ref = 0;   ///< reference speed, sqrt(P_ref v_ref) [m/s]
-    double cv0_ref = 0; ///< ideal-gas cv at Tc (vapor) or T_ref [J/(kg K)]
-    double cp0_ref = 0; ///< cv0_ref + R [J/(kg K)]
-    bool vapor = false; ///< whether critical data are known
-    double Pc = 0;      ///< critical pressure [Pa]
-    double Tc = 0;      ///< critical temperature [K]
-    double vc = 0;      ///< critical specific volume, Zc R Tc/Pc [m3/kg]
-    double Zc = 0;      ///< critical compressibility factor [-]
-    double Tb = 0;      ///< normal boiling temperature [K]
-    double omega = 0;   ///< acentric factor [-]
-    double mur = 0;     ///< reduced dipole moment [-]
-    double kh = 0;      ///< association factor [-]
-};
+using equations::gas_constants;
 
 /// The active fluid.
 extern gas_constants gas;
 
-/// When a constant has a record in the section.
-enum class given { always, with_critical_data, with_reference_state };
-
-/// One record with one constant: its name and file unit, what it is, when it is there, and how the file's number
-/// becomes the stored one when it is read and the other way round when it is written.
-struct constant {
-    std::string_view name;
-    std::string_view unit;
-    std::string_view meaning;
-    given when;
-    double gas_constants::*value;
-    double read_factor = 1.0;
-    double write_divisor = 1.0;
-};
-
-/// The constants in the order of their records; behind the first stands the record `vapor`.
-inline constexpr constant molar_mass = {"MM", "kg/kmol", "molar mass", given::always, &gas_constants::MM};
-inline constexpr constant reference_and_critical[] = {
-    {"T_ref", "K", "reference temperature", given::with_reference_state, &gas_constants::T_ref},
-    {"P_ref", "atm", "reference pressure", given::with_reference_state, &gas_constants::P_ref, pascal_per_atm},
-    {"v_ref", "m3/kg", "reference specific volume", given::with_reference_state, &gas_constants::v_ref},
-    {"Tc", "K", "critical temperature", given::with_critical_data, &gas_constants::Tc},
-    {"Pc", "atm", "critical pressure", given::with_critical_data, &gas_constants::Pc, pascal_per_atm, pascal_per_atm},
-    {"Zc", "-", "critical compressibility factor", given::with_critical_data, &gas_constants::Zc},
-    {"Tb", "K", "normal boiling temperature", given::with_critical_data, &gas_constants::Tb},
-};
-inline constexpr constant transport[] = {
-    {"mur", "-", "reduced dipole moment", given::always, &gas_constants::mur},
-    {"kh", "-", "association factor", given::always, &gas_constants::kh},
-};
-
-/// Whether the section of a fluid with critical data, or of one without, has the constant.
-constexpr bool applies(const constant &entry, bool vapor) {
-    return entry.when == given::always || (entry.when == given::with_critical_data) == vapor;
-}
-
 /// Reads the section from a parameter file, or from the lines of a fluid database.
 void read_param_gas_properties(records::file_reader &unit);
 void read_param_gas_propertiesdb(records::line_reader &lines);
-/// Number of the record in which the section has the critical pressure; 0 if there is none or it cannot be read.
-std::int64_t record_of_critical_pressure(records::file_reader &unit);
 /// Writes the section; a plain reference pressure is written in Pa, as stored, not in atm as it is read.
 void write_param_gas_properties(records::record_writer &unit);
-
-/// Completes the reference point of a fluid at critical volume vc [m3/kg] and compressibility Zc [-].
-void set_critical_reference(gas_constants &fluid, double vc, double Zc);
-/// Completes the reference point of an ideal gas of constant compressibility Z [-], for either kind of fluid.
-void complete_ideal_reference(gas_constants &fluid, double Z);
-/// Reports that a model needs critical data: the model's sentence, then the place that found out.
-void report_not_a_vapor(records::error_text &message, const gas_constants &fluid, std::string_view sentence,
-                        std::string_view location);
 
 } // namespace gas_properties

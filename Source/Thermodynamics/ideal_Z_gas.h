@@ -1,31 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Module ideal_Z_gas: the ideal gas with a constant compressibility factor, gas_type 8.
-//
-// Equation   P v = Z Rgas T
-// Given      reduced T [T_ref], v [v_ref]; Z_const in one record of the file
-// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      every fluid, near the state whose compressibility factor Z is. A fluid with critical data
-//            gets Zc = Z and T_ref = Z Tc in place of its own. One without them keeps its T_ref, so that
-//            P_ref v_ref is Z R T_ref: its pressures come out Z times, its heat capacities 1/Z times theirs
-// Reference  the definition of the compressibility factor, Z = P v/(R T)
+// Module ideal_Z_gas: the operations of the ideal gas with constant Z on one set of parameters. The equation stands in
+// Equations/ideal_Z.h.
 #pragma once
 
 #include "Thermodynamics/operations.h"
 
 namespace ideal_Z_gas OSTREL_VISIBLE {
 
-struct parameters : separated_attraction::no_attraction {
-    double Rgas = 0;
-    double Z_const = 0;
-
-    double repulsion() const { return Z_const * Rgas; }
-};
-
-/// Completes the fluid's reference point; never fails.
-void initialise(parameters &p, gas_properties::gas_constants &fluid, records::error_text &message);
-
-extern parameters active;
-OSTREL_DECLARE_MODEL(IZG)
+OSTREL_DECLARE_MODULE(ideal_Z, IZG)
 void read_param_IZG_db(records::line_reader &lines);
 
 } // namespace ideal_Z_gas

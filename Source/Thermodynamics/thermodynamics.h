@@ -6,6 +6,8 @@
 // Failures are reported in ideal_specific_heat::errmsg.
 #pragma once
 
+#include "Thermodynamics/gas_properties.h"
+#include "Thermodynamics/ideal_specific_heat.h"
 #include "Thermodynamics/operations.h"
 
 #include <optional>
@@ -15,8 +17,8 @@ namespace thermodynamics OSTREL_VISIBLE {
 
 /// The active model, 1 to 8; 0 before any fluid is loaded.
 extern std::int32_t gas_type;
-extern const std::array<std::string_view, 8> gas_short_names;
-extern const std::array<std::string_view, 8> gas_names;
+extern const std::array<std::string_view, equations::model_count> gas_short_names;
+extern const std::array<std::string_view, equations::model_count> gas_names;
 
 /// The lowest reduced temperature, pressure and volume that the solvers use.
 extern double Tmin;
@@ -38,70 +40,72 @@ OSTREL_SCALAR_OPERATIONS(OSTREL_DECLARE_DISPATCHED_SCALAR, )
 OSTREL_ARRAY_OPERATIONS(OSTREL_DECLARE_DISPATCHED_ARRAY, )
 double minimum_specific_volume();
 
-// States. From energy and volume the temperature is found by Newton's method, from T_start if given;
+/// First derivatives, and second derivatives in column order.
+using gradient = std::array<double, 2>;
+using hessian = std::array<double, 4>;
+/// The first value of a search; without one, that of the ideal gas.
+using guess = std::optional<double>;
+
+// States. From energy and volume the temperature is found by Newton's method, from T if given;
 // after a failure the result is left unchanged.
 basic_state eos__T_v(double T, double v);
-void eos__e_v(double e, double v, basic_state &result, std::optional<double> T_start = {});
+void eos__e_v(double e, double v, basic_state &result, guess T = {});
 extended_state eos_ext__T_v(double T, double v);
-void eos_ext__e_v(double e, double v, extended_state &result, std::optional<double> T_start = {});
+void eos_ext__e_v(double e, double v, extended_state &result, guess T = {});
 extended_state eos_ext__eos(const basic_state &state);
 
 // Derived properties at (T, v).
-using pair = std::array<double, 2>;
-using matrix = std::array<double, 4>; ///< column order
-
 double h__T_v(double T, double v);  ///< enthalpy e + P v
 double mu__T_v(double T, double v); ///< Gibbs free energy per unit mass
 double c2__T_v(double T, double v); ///< square of the speed of sound
 double c__T_v(double T, double v);  ///< speed of sound
 double cp__T_v(double T, double v); ///< isobaric heat capacity
 double G__T_v(double T, double v);  ///< fundamental derivative
-pair dh__dT_dv(double T, double v);
-pair ds__dT_dv(double T, double v);
-pair dmu__dT_dv(double T, double v);
-pair dT__dP_dv__T_v(double T, double v); ///< ((dT/dP)_v, (dT/dv)_P), and so on
-pair de__dP_dv__T_v(double T, double v);
-pair ds__dP_dv__T_v(double T, double v);
-pair dP__de_dr__T_v(double T, double v);       ///< ((dP/de)_rho, (dP/drho)_e), rho = 1/v
-pair dP__dre_dr__T_v(double T, double v);      ///< ((dP/d(rho e))_rho, (dP/drho)_(rho e))
-matrix d2P__dre2_dr2__T_v(double T, double v); ///< second derivatives of P in (rho e, rho)
-matrix d2P__dre_dr__dT_dv(double T, double v); ///< the pair (A, B) of dP__dre_dr__T_v: (A_T, B_T, A_v, B_v)
+gradient dh__dT_dv(double T, double v);
+gradient ds__dT_dv(double T, double v);
+gradient dmu__dT_dv(double T, double v);
+gradient dT__dP_dv__T_v(double T, double v); ///< ((dT/dP)_v, (dT/dv)_P), and so on
+gradient de__dP_dv__T_v(double T, double v);
+gradient ds__dP_dv__T_v(double T, double v);
+gradient dP__de_dr__T_v(double T, double v);    ///< ((dP/de)_rho, (dP/drho)_e), rho = 1/v
+gradient dP__dre_dr__T_v(double T, double v);   ///< ((dP/d(rho e))_rho, (dP/drho)_(rho e))
+hessian d2P__dre2_dr2__T_v(double T, double v); ///< second derivatives of P in (rho e, rho)
+hessian d2P__dre_dr__dT_dv(double T, double v); ///< the two (A, B) of dP__dre_dr__T_v: (A_T, B_T, A_v, B_v)
 
 // The same at other pairs, after a search from `start` if given; left unchanged if a message stands then.
-using start_value = std::optional<double>;
-void mu__P_v(double P, double v, double &result, start_value start = {});
-void c__P_v(double P, double v, double &result, start_value start = {});
-void G__P_v(double P, double v, double &result, start_value start = {});
-void dT__dP_dv(double P, double v, pair &result, start_value start = {});
-void de__dP_dv(double P, double v, pair &result, start_value start = {});
-void ds__dP_dv(double P, double v, pair &result, start_value start = {});
-void dmu__dP_dv(double P, double v, pair &result, start_value start = {});
-void dP__de_dr(double e, double v, pair &result, start_value start = {});
-void dP__dre_dr(double e, double v, pair &result, start_value start = {});
-void d2P__dre2_dr2(double e, double v, matrix &result, start_value start = {});
-void dP__ds_dv(double s, double v, pair &result, start_value start = {}); ///< ((dP/ds)_v, (dP/dv)_s)
-void dP__ds_dT(double s, double T, pair &result, start_value start = {}); ///< ((dP/ds)_T, (dP/dT)_s)
-void dv__ds_dT(double s, double T, pair &result, start_value start = {}); ///< ((dv/ds)_T, (dv/dT)_s)
+void mu__P_v(double P, double v, double &result, guess start = {});
+void c__P_v(double P, double v, double &result, guess start = {});
+void G__P_v(double P, double v, double &result, guess start = {});
+void dT__dP_dv(double P, double v, gradient &result, guess start = {});
+void de__dP_dv(double P, double v, gradient &result, guess start = {});
+void ds__dP_dv(double P, double v, gradient &result, guess start = {});
+void dmu__dP_dv(double P, double v, gradient &result, guess start = {});
+void dP__de_dr(double e, double v, gradient &result, guess start = {});
+void dP__dre_dr(double e, double v, gradient &result, guess start = {});
+void d2P__dre2_dr2(double e, double v, hessian &result, guess start = {});
+void dP__ds_dv(double s, double v, gradient &result, guess start = {}); ///< ((dP/ds)_v, (dP/dv)_s)
+void dP__ds_dT(double s, double T, gradient &result, guess start = {}); ///< ((dP/ds)_T, (dP/dT)_s)
+void dv__ds_dT(double s, double T, gradient &result, guess start = {}); ///< ((dv/ds)_T, (dv/dT)_s)
 
 // Solvers: Newton's method from the given first values, else from ideal-gas ones. After a failure the last
 // iterate, and a message in errmsg.
-double T__e_v(double e, double v, start_value T = {});
-double T__P_v(double P, double v, start_value T = {});
-double v__P_T(double P, double T, start_value v = {});
-double T__s_v(double s, double v, start_value T = {});
-double v__s_T(double s, double T, start_value v = {});
-double T__h_v(double h, double v, start_value T = {});
-double T__c_v(double c, double v, start_value T = {});
-double v__h_P(double h, double P, start_value T = {}, start_value v = {});
-double v__s_P(double s, double P, start_value T = {}, start_value v = {});
-double v__h_s(double h, double s, start_value T = {}, start_value v = {});
+double T__e_v(double e, double v, guess T = {});
+double T__P_v(double P, double v, guess T = {});
+double v__P_T(double P, double T, guess v = {});
+double T__s_v(double s, double v, guess T = {});
+double v__s_T(double s, double T, guess v = {});
+double T__h_v(double h, double v, guess T = {});
+double T__c_v(double c, double v, guess T = {});
+double v__h_P(double h, double P, guess T = {}, guess v = {});
+double v__s_P(double s, double P, guess T = {}, guess v = {});
+double v__h_s(double h, double s, guess T = {}, guess v = {});
 // A solver and an evaluation at its result: 0 if a message stands after the solve.
-double P__e_v(double e, double v, start_value T = {});
-double P__s_T(double s, double T, start_value v = {});
-double P__c_v(double c, double v, start_value T = {});
-double P__h_v(double h, double v, start_value T = {});
-double e__P_v(double P, double v, start_value T = {});
-double s__P_v(double P, double v, start_value T = {});
+double P__e_v(double e, double v, guess T = {});
+double P__s_T(double s, double T, guess v = {});
+double P__c_v(double c, double v, guess T = {});
+double P__h_v(double h, double v, guess T = {});
+double e__P_v(double P, double v, guess T = {});
+double s__P_v(double P, double v, guess T = {});
 
 // Saturation. The table of the curve is built by the first request and kept, also for later fluids.
 extern std::vector<double> TTs;  ///< saturation temperatures, decreasing from the critical point

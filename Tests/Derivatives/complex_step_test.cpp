@@ -5,9 +5,9 @@
 
 namespace {
 
-using separated_attraction::active_ideal_part;
 using support::expect_derivative;
 using support::tracked;
+using thermodynamics::active_ideal_part;
 
 /// Calls visit(name, f, gradient): f(model, T, v) is a function and gradient(model, T, v) its (d/dT, d/dv).
 template <class Visit>
@@ -63,6 +63,7 @@ TEST(complex_step, the_module_operations_are_the_algebra_at_double) {
 
 TEST(complex_step, the_caloric_integrals) {
     using namespace ideal_specific_heat;
+    using namespace ideal_gas_heat;
     support::for_each_loaded([](const auto &) {
         for (const double T : {12.0, 90.0, 299.0, 300.0, 640.0, 1100.0, 2900.0}) {
             SCOPED_TRACE(T);

@@ -6,11 +6,11 @@
 
 namespace {
 
-using separated_attraction::active_ideal_part;
 using support::expect_derivative;
 using support::expect_same;
 using support::stepped;
 using support::tracked;
+using thermodynamics::active_ideal_part;
 
 /// All operations at one state, with the bounds of their rounding errors.
 struct evaluated {

@@ -87,6 +87,8 @@ def statements(text):
 
 def declared(text):
     for namespace, visible, statement in statements(text):
+        bare = re.sub(r'^__attribute__ ?\(\(visibility\("default"\)\)\) ?', "", statement)
+        visible, statement = visible or bare != statement, bare
         if re.match(r"(using|typedef|template|inline|constexpr|static_assert|struct|class|enum)\b|$", statement):
             continue
         function = re.match(r"[^(=]*?(\w+) ?\(", statement)

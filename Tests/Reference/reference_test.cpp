@@ -227,14 +227,14 @@ struct operation {
 /// y = vc/(6 v) and G2.
 template <std::size_t count>
 components density_factors(const std::array<double, count> &coefficients, double v) {
-    const tp::density_factors<double> factors(tp::active, coefficients, v);
+    const transport::density_factors<double> factors(tp::active, coefficients, v);
     return {factors.y, factors.G2};
 }
 
 const std::map<std::string, operation> &operations() {
     using row = std::pair<const std::string, operation>;
-#define OSTREL_OF_MODEL(name, type, module, X, ...) \
-    case type:                                      \
+#define OSTREL_OF_MODEL(name, type, Model, module, X, ...) \
+    case type:                                             \
         return as_components(module::name##__##X(T, v));
 #define OSTREL_BY_MODEL(name)                    \
     [](double T, double v) -> components {       \
@@ -261,7 +261,7 @@ const std::map<std::string, operation> &operations() {
 // The search starts at its solution, and stays there.
 #define OSTREL_SEARCHED(name, first, second, start)                 \
     row(#name, {of_derived_properties, [](double T, double v) {     \
-                    td::pair result{};                              \
+                    td::gradient result{};                          \
                     td::name(first, second, result, start);         \
                     EXPECT_EQ(support::shared_text(), "No errors"); \
                     return as_components(result);                   \
@@ -300,7 +300,7 @@ const std::map<std::string, operation> &operations() {
         OSTREL_SEARCHED(dP__ds_dT, td::s__T_v(T, v), T, v),
         OSTREL_SEARCHED(dv__ds_dT, td::s__T_v(T, v), T, v),
         {"collision_integral",
-         {of_transport, [](double T_star, double) { return as_components(tp::collision_integral(T_star)); }}},
+         {of_transport, [](double T_star, double) { return as_components(transport::collision_integral(T_star)); }}},
         {"transport_coefficients",
          {of_transport,
           [](double T, double v) {

@@ -16,7 +16,7 @@ static_assert(std::numeric_limits<long double>::digits > std::numeric_limits<dou
 
 TEST(long_double, every_operation_of_every_model_and_heat_capacity) {
     support::for_each_state([](const auto &model, double T, double v) {
-        const auto ideal = separated_attraction::active_ideal_part();
+        const auto ideal = thermodynamics::active_ideal_part();
         const auto at = [&](auto operation) {
             return std::pair(operation(tracked(T), tracked(v)),
                              operation(static_cast<long double>(T), static_cast<long double>(v)));

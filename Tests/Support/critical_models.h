@@ -95,6 +95,7 @@ using tracked_factors = std::array<std::array<tracked, 4>, terms>;
 template <std::size_t terms>
 void expect_formulas(const tracked_factors<terms> &q, const tracked_factors<terms> &f, double b, double T, double v) {
     using namespace ideal_specific_heat;
+    using namespace ideal_gas_heat;
     const auto sum = [&](auto term) {
         tracked total = 0;
         for (std::size_t i = 0; i < terms; ++i)

@@ -9,13 +9,9 @@
 
 namespace support {
 
-/// Puts every variable of the library at the value it has when the library is loaded.
+/// The library as just loaded, with the shipped fluids and the default host.
 inline void fresh_frame() {
-    fresh_library();
-    ostrel::os_fluid = {};
-    ostrel::os_inputspec = {};
-    ostrel::os_input1 = ostrel::os_input2 = failed;
-    ostrel::T = ostrel::v = 0;
+    library_state::forget_everything();
     ostrel_use_host(nullptr);
     setenv("OSTREL_FLUIDS", OSTREL_TESTS "/../Fluids", 1);
 }

@@ -3,17 +3,8 @@
 // source, and the models and heat capacities that tables of cases are run over.
 #pragma once
 
-#include "Algebra/lin_algebra.h"
 #include "Tests/Support/entry_points.h"
-#include "Thermodynamics/clausius_II_gas.h"
-#include "Thermodynamics/ideal_Z_gas.h"
-#include "Thermodynamics/ideal_gas.h"
-#include "Thermodynamics/martin_hou_gas.h"
-#include "Thermodynamics/peng_robinson_gas.h"
-#include "Thermodynamics/redlich_kwong_gas.h"
-#include "Thermodynamics/soave_redlich_kwong_gas.h"
-#include "Thermodynamics/transport_properties.h"
-#include "Thermodynamics/van_der_waals_gas.h"
+#include "library_state.h"
 
 #include <cstdint>
 #include <limits>
@@ -24,31 +15,17 @@ namespace support {
 
 inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
-/// Puts what a fluid sets at the value it has when the library is loaded.
 inline void fresh_fluid() {
-    gas_properties::gas = {};
-    ideal_specific_heat::active = {};
-    ideal_specific_heat::errmsg.reset();
-#define OSTREL_FRESH_MODEL(unused, type, module, X, ...) module::active = {};
-    OSTREL_MODELS(OSTREL_FRESH_MODEL, )
-#undef OSTREL_FRESH_MODEL
-    transport_properties::active = {};
-    thermodynamics::gas_type = 0;
-    thermodynamics::Tmin = thermodynamics::Pmin = thermodynamics::vmin = 0;
+    library_state::forget_fluid();
 }
-
-/// The same for every variable, also those that outlive a fluid.
 inline void fresh_library() {
-    fresh_fluid();
-    for (auto *column : {&thermodynamics::TTs, &thermodynamics::PPs, &thermodynamics::vvls, &thermodynamics::vvgs})
-        column->clear();
-    lin_algebra::linalg_errmsg.reset();
+    library_state::forget_everything();
 }
 
 /// Every test starts from the library as just loaded, also when all run in one process.
 class thermodynamics_test : public testing::Test {
 protected:
-    thermodynamics_test() { fresh_library(); }
+    thermodynamics_test() { library_state::forget_everything(); }
 };
 
 /// One section of a parameter file: its two readers and its writer.
@@ -172,7 +149,7 @@ inline const model_case model_cases[] = {
 
 /// Reads and initialises a fluid; the case must be one that succeeds.
 inline void load(const model_case &model, const heat_case &heat) {
-    fresh_fluid();
+    library_state::forget_fluid();
     read_well(thermodynamics_section,
               model.fluid + std::to_string(model.gas_type) + "\n" + model.records + heat.records);
     thermodynamics::init_thermodynamics();
@@ -186,16 +163,8 @@ inline bool accepts(const model_case &model, const heat_case &heat) {
 /// Calls visit(parameters) with the parameters of the active model.
 template <class Visit>
 void with_active_model(Visit visit) {
-    switch (thermodynamics::gas_type) {
-#define OSTREL_VISIT_MODEL(unused, type, module, ...) \
-    case type:                                        \
-        visit(module::active);                        \
-        break;
-        OSTREL_MODELS(OSTREL_VISIT_MODEL, )
-#undef OSTREL_VISIT_MODEL
-    default:
-        FAIL() << "gas_type " << thermodynamics::gas_type;
-    }
+    thermodynamics::with_parameters([&](const auto &model) { visit(model); },
+                                    [] { FAIL() << "gas_type " << thermodynamics::gas_type; });
 }
 
 /// Calls visit(parameters) for every model with every heat capacity, loaded and initialised.

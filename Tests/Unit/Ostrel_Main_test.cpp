@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Support/frame.h"
+#include "fluid_loading.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -906,6 +907,42 @@ TEST_F(fluid_loading, a_line_that_cannot_be_read_is_reported) {
         read_database("place", "fluid  ");
         EXPECT_EQ(shared_text(), "Ostrel error: fluid database, fluid, " + c.message);
     }
+}
+
+TEST_F(fluid_loading, a_carriage_return_at_the_end_of_a_host_s_line_does_not_count) {
+    std::string text;
+    for (const char c : support::vapor_file("8\n0.9\n"))
+        text += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    const database_host host(text);
+    read_database("place", "fluid");
+    EXPECT_EQ(shared_text(), "No errors");
+    EXPECT_EQ(gas.name.padded(), records::fixed_text<32>("model fluid").padded());
+    EXPECT_EQ(gas.MM, 20);
+    EXPECT_EQ(ideal_Z_gas::active.Z_const, 0.9);
+}
+
+TEST_F(fluid_loading, a_carriage_return_elsewhere_is_a_character_like_others) {
+    const database_host host("a\nb\nc\nd\n2\r0\n");
+    read_database("place", "fluid");
+    EXPECT_EQ(shared_text(), "Ostrel error: fluid database, fluid, record 5: expected MM (a real), found \"2?0\".");
+}
+
+TEST_F(fluid_loading, says_how_reading_has_ended) {
+    using loading::outcome;
+    const support::fluid_folder folder;
+    EXPECT_EQ(loading::read_file(folder.path() + "/none.osd"), outcome::not_opened);
+    EXPECT_EQ(loading::read_file(folder.write("bad.osd", "a\nb\nc\nd\nx\n")), outcome::broken);
+    EXPECT_EQ(loading::read_file(folder.write("good.osd", support::vapor_file())), outcome::read);
+    {
+        const database_host host("", 0);
+        EXPECT_EQ(loading::read_database("place", "fluid"), outcome::not_opened);
+    }
+    {
+        const database_host host("");
+        EXPECT_EQ(loading::read_database("place", "fluid"), outcome::broken);
+    }
+    const database_host host(support::vapor_file());
+    EXPECT_EQ(loading::read_database("place", "fluid"), outcome::read);
 }
 
 // Catalogue and information.

@@ -23,6 +23,9 @@ void read_database(std::string_view location, std::string_view name) {
 std::string not_found(std::string_view name) {
     return " Error in Ostrel: error opening fluid " + std::string(name);
 }
+std::string too_large(std::string_view name, const std::string &reason) {
+    return not_found(name) + ": " + reason + ".";
+}
 
 #ifdef OSTREL_WITH_SQLITE
 
@@ -192,7 +195,9 @@ TEST_F(fluid_database_, a_line_has_at_most_255_characters) {
         for (const char *name : {"fluid", "windows", "at_end"}) {
             gas.MM = -5;
             read_database(fluids.location(), name);
-            EXPECT_EQ(shared_text(), c.fits ? "No errors" : not_found(name));
+            EXPECT_EQ(shared_text(),
+                      c.fits ? "No errors"
+                             : too_large(name, "line 5 is longer than the 255 characters of a database line"));
             EXPECT_EQ(gas.MM, !c.fits ? -5 : name == std::string("at_end") ? 20.5 : 20.0);
         }
     }
@@ -213,9 +218,26 @@ TEST_F(fluid_database_, a_text_has_at_most_255_lines) {
         fluids.add("fluid", text + std::string(c.count - lines, '\n') + c.end);
         gas.MM = -5;
         read_database(fluids.location(), "fluid");
-        EXPECT_EQ(shared_text(), c.fits ? "No errors" : not_found("fluid"));
+        const std::size_t all = c.count + (*c.end != '\0' ? 1 : 0);
+        EXPECT_EQ(shared_text(),
+                  c.fits ? "No errors"
+                         : too_large("fluid", std::to_string(all) + " lines, where a database text has room for 255"));
         EXPECT_EQ(gas.MM, c.fits ? 20 : -5);
     }
+}
+
+// A number with a NUL in it reads the same from a file and from a database: not at all.
+TEST_F(fluid_database_, every_byte_of_a_line_counts) {
+    const std::string line("92\0.14", 6);
+    const std::string wanted = "expected MM (a real), found \"92?.14\".";
+    const database fluids;
+    fluids.add("fluid", with_line(4, line));
+    read_database(fluids.location(), "fluid");
+    EXPECT_EQ(shared_text(), "Ostrel error: fluid database, fluid, record 5: " + wanted);
+    ideal_specific_heat::errmsg.reset();
+    const std::string path = fluids.write("fluid.osd", with_line(4, line));
+    read_init_fluiddatafile(path.data(), path.size());
+    EXPECT_EQ(shared_text(), "Ostrel error: file fluid.osd, record 5: " + wanted);
 }
 
 TEST_F(fluid_database_, line_ends_of_either_kind) {

@@ -219,7 +219,7 @@ TEST_F(gas_properties_test, the_record_of_the_critical_pressure_is_found_without
     const support::temporary_folder folder;
     const auto record_in = [&](const std::string &text) {
         records::file_reader file(folder.write("fluid.osd", text));
-        return gas_properties::record_of_critical_pressure(file);
+        return equations::record_of_critical_pressure(file);
     };
     const std::string before_head(vapor_text, 0, vapor_text.find("T     vapor"));
     const std::string before_Pc(vapor_text, 0, vapor_text.find("50    Pc"));

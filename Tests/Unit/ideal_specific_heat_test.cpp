@@ -6,6 +6,7 @@
 namespace {
 
 using namespace ideal_specific_heat;
+using namespace ideal_gas_heat;
 using gas_properties::gas;
 using support::both_sources;
 using support::heat_section;

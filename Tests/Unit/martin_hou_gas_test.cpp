@@ -93,7 +93,7 @@ TEST_F(martin_hou_gas_test, the_critical_point_is_met_to_rounding) {
         support::use_record(fluid);
         init_MHG();
         const double T = 1 / gas.Zc;
-        const auto ideal = separated_attraction::active_ideal_part();
+        const auto ideal = thermodynamics::active_ideal_part();
         // The coefficients carry an error of their own, about that of the terms.
         const auto expect = [&](double computed, const tracked &terms, double exact) {
             EXPECT_NEAR(computed, exact, 4 * terms.bound * support::unit_roundoff);
@@ -206,7 +206,7 @@ TEST_F(martin_hou_gas_test, the_builder_in_SI_units_gives_the_same_pressure) {
         EXPECT_EQ(active.aa[3], 0.0);
         EXPECT_EQ(active.bb[2], 0.0);
         EXPECT_EQ(active.cc[2], 0.0);
-        const auto ideal = separated_attraction::active_ideal_part();
+        const auto ideal = thermodynamics::active_ideal_part();
         for (const auto &[T, v] : {std::pair(0.8, 30.0), {1.0, 1.0}, {1.3, 2.0}, {1.1, 0.7}, {2.5, 0.5}}) {
             const double t = T / fluid.Zc;
             const tracked expected = separated_attraction::P__T_v(reduced, ideal, tracked(t), tracked(v));

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "Equations/derived_properties.h"
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
-#include "Thermodynamics/derived_properties.h"
 
 namespace {
 
 using namespace thermodynamics;
 using gas_properties::gas;
 using ideal_specific_heat::errmsg;
-using separated_attraction::active_ideal_part;
 using support::expect_same;
 using support::stepped;
 using support::tracked;
+using thermodynamics::active_ideal_part;
 
 struct thermodynamics_derived_test : support::thermodynamics_test {};
 
@@ -39,7 +39,7 @@ void expect_formula(double computed, const tracked &formula) {
         return; // divided by dP/dv = 0 at the critical point
     expect_same({computed, formula.bound}, formula);
 }
-void expect_formulas(const char *name, const pair &computed, const tracked &first, const tracked &second) {
+void expect_formulas(const char *name, const gradient &computed, const tracked &first, const tracked &second) {
     SCOPED_TRACE(name);
     expect_formula(computed[0], first);
     expect_formula(computed[1], second);
@@ -91,7 +91,7 @@ TEST_F(thermodynamics_derived_test, an_unstable_state_has_no_speed_of_sound) {
 
 TEST_F(thermodynamics_derived_test, the_slope_of_T_in_P_is_one_over_that_of_P) {
     support::for_each_state([](const auto &, double T, double v) {
-        pair dP{};
+        gradient dP{};
         dP__dT_dv(T, v, dP);
         EXPECT_EQ(dT__dP_dv__T_v(T, v)[0], 1.0 / dP[0]);
         EXPECT_DOUBLE_EQ(dT__dP_dv__T_v(T, v)[0] * dP[0], 1.0);
@@ -102,9 +102,9 @@ TEST_F(thermodynamics_derived_test, the_slope_of_T_in_P_is_one_over_that_of_P) {
 
 TEST_F(thermodynamics_derived_test, the_entropy_derivatives_are_cv_and_the_Gibbs_relation_to_the_bit) {
     support::for_each_state([](const auto &, double T, double v) {
-        pair de{};
+        gradient de{};
         de__dT_dv(T, v, de);
-        EXPECT_EQ(ds__dT_dv(T, v), (pair{cv__T_v(T, v) / T, (P__T_v(T, v) + de[1]) / T}));
+        EXPECT_EQ(ds__dT_dv(T, v), (gradient{cv__T_v(T, v) / T, (P__T_v(T, v) + de[1]) / T}));
     });
 }
 
@@ -128,7 +128,7 @@ tracked slope_v(Function f, double T, double v) {
 
 TEST_F(thermodynamics_derived_test, gradients_are_the_complex_steps_of_their_quantities) {
     support::for_each_state([](const auto &model, double T, double v) {
-        const auto check = [&](const char *name, auto f, const pair &computed, auto gradient) {
+        const auto check = [&](const char *name, auto f, const gradient &computed, auto gradient) {
             SCOPED_TRACE(name);
             const auto bounds = gradient(tracked(T), tracked(v));
             expect_same({computed[0], bounds[0].bound}, slope_T(f, T, v));
@@ -204,7 +204,7 @@ TEST_F(thermodynamics_derived_test, second_derivatives_in_energy_density_and_den
         const tracked re_T = slope_T(re, T, v), re_v = slope_v(re, T, v);
         const tracked r_v = tracked(-1) / (tracked(v) * tracked(v));
 
-        const matrix gradient = d2P__dre_dr__dT_dv(T, v);
+        const hessian gradient = d2P__dre_dr__dT_dv(T, v);
         const auto bounds = PROPERTY(p.dP_in_re_r_gradient())(tracked(T), tracked(v));
         const tracked expected[] = {A_T, B_T, A_v, B_v};
         for (std::size_t i = 0; i < 4; ++i) {
@@ -212,7 +212,7 @@ TEST_F(thermodynamics_derived_test, second_derivatives_in_energy_density_and_den
             expect_same({gradient[i], bounds[i].bound}, expected[i]);
         }
 
-        const matrix second = d2P__dre2_dr2__T_v(T, v);
+        const hessian second = d2P__dre2_dr2__T_v(T, v);
         const auto second_bounds = PROPERTY(p.d2P_in_re_r())(tracked(T), tracked(v));
         const tracked in_re_r[] = {A_T / re_T, B_T / re_T, (A_v - A_T * re_v / re_T) / r_v,
                                    (B_v - B_T * re_v / re_T) / r_v};
@@ -256,8 +256,8 @@ TEST_F(thermodynamics_derived_test, derivatives_in_energy_density_and_density_by
                 const auto in_r = [&](int k) { return P(0, k); };
                 const long double mixed =
                     first([&](int k) { return first([&](int i) { return P(i, k); }, step_re); }, step_r);
-                const pair dP = dP__dre_dr__T_v(T, v);
-                const matrix d2P = d2P__dre2_dr2__T_v(T, v);
+                const gradient dP = dP__dre_dr__T_v(T, v);
+                const hessian d2P = d2P__dre2_dr2__T_v(T, v);
                 const auto near = [](double computed, long double difference, double scale) {
                     EXPECT_NEAR(computed, static_cast<double>(difference), 1e-7 * scale);
                 };
@@ -274,7 +274,7 @@ TEST_F(thermodynamics_derived_test, derivatives_in_energy_density_and_density_by
 TEST_F(thermodynamics_derived_test, without_a_model_there_is_nothing_to_divide) {
     EXPECT_EQ(h__T_v(1.0, 1.0), 0.0);
     EXPECT_EQ(mu__T_v(1.0, 1.0), 0.0);
-    EXPECT_EQ(ds__dT_dv(2.0, 1.0), (pair{0.0, 0.0}));
+    EXPECT_EQ(ds__dT_dv(2.0, 1.0), (gradient{0.0, 0.0}));
     for (const auto &result : {dP__dre_dr__T_v(1.0, 1.0), dP__de_dr__T_v(1.0, 1.0), de__dP_dv__T_v(1.0, 1.0)}) {
         EXPECT_TRUE(std::isnan(result[0]));
         EXPECT_TRUE(std::isnan(result[1]));
@@ -291,36 +291,36 @@ TEST_F(thermodynamics_derived_test, without_a_model_there_is_nothing_to_divide) 
 template <class Result>
 struct after_search {
     const char *name;
-    void (*operation)(double, double, Result &, start_value);
+    void (*operation)(double, double, Result &, guess);
     double (*first)(double T, double v);
-    double (*search)(double, double, start_value);
+    double (*search)(double, double, guess);
     bool unknown_is_T; ///< and v is given, else the other way round
     Result (*expected)(double T, double v);
     const char *failure;
 };
 
-pair chained(double T, double v, pair (*combine)(const pair &dP, const pair &ds)) {
-    pair dP{};
+gradient chained(double T, double v, gradient (*combine)(const gradient &dP, const gradient &ds)) {
+    gradient dP{};
     dP__dT_dv(T, v, dP);
     return combine(dP, ds__dT_dv(T, v));
 }
-pair dP_in_s_v(double T, double v) {
-    return chained(T, v, [](const pair &dP, const pair &ds) {
-        return pair{dP[0] / ds[0], dP[1] - dP[0] * ds[1] / ds[0]};
+gradient dP_in_s_v(double T, double v) {
+    return chained(T, v, [](const gradient &dP, const gradient &ds) {
+        return gradient{dP[0] / ds[0], dP[1] - dP[0] * ds[1] / ds[0]};
     });
 }
-pair dP_in_s_T(double T, double v) {
-    return chained(T, v, [](const pair &dP, const pair &ds) {
-        return pair{dP[1] / ds[1], dP[0] - dP[1] * ds[0] / ds[1]};
+gradient dP_in_s_T(double T, double v) {
+    return chained(T, v, [](const gradient &dP, const gradient &ds) {
+        return gradient{dP[1] / ds[1], dP[0] - dP[1] * ds[0] / ds[1]};
     });
 }
-pair dv_in_s_T(double T, double v) {
-    return chained(T, v, [](const pair &, const pair &ds) { return pair{1 / ds[1], -ds[0] / ds[1]}; });
+gradient dv_in_s_T(double T, double v) {
+    return chained(T, v, [](const gradient &, const gradient &ds) { return gradient{1 / ds[1], -ds[0] / ds[1]}; });
 }
-pair dmu_in_P_v(double T, double v) {
-    pair dP{};
+gradient dmu_in_P_v(double T, double v) {
+    gradient dP{};
     dP__dT_dv(T, v, dP);
-    const pair dmu = dmu__dT_dv(T, v);
+    const gradient dmu = dmu__dT_dv(T, v);
     return {dmu[0] / dP[0], dmu[1] - dmu[0] * dP[1] / dP[0]};
 }
 
@@ -329,7 +329,7 @@ const after_search<double> scalars[] = {
     {"c__P_v", c__P_v, P__T_v, T__P_v, true, c__T_v, "ERROR: in T__P_v"},
     {"G__P_v", G__P_v, P__T_v, T__P_v, true, G__T_v, "ERROR: in T__P_v"},
 };
-const after_search<pair> pairs[] = {
+const after_search<gradient> pairs[] = {
     {"dT__dP_dv", dT__dP_dv, P__T_v, T__P_v, true, dT__dP_dv__T_v, "ERROR: in T__P_v"},
     {"de__dP_dv", de__dP_dv, P__T_v, T__P_v, true, de__dP_dv__T_v, "ERROR: in T__P_v"},
     {"ds__dP_dv", ds__dP_dv, P__T_v, T__P_v, true, ds__dP_dv__T_v, "ERROR: in T__P_v"},
@@ -340,7 +340,7 @@ const after_search<pair> pairs[] = {
     {"dP__ds_dT", dP__ds_dT, s__T_v, v__s_T, false, dP_in_s_T, "ERROR: in v__s_T"},
     {"dv__ds_dT", dv__ds_dT, s__T_v, v__s_T, false, dv_in_s_T, "ERROR: in v__s_T"},
 };
-const after_search<matrix> matrices[] = {
+const after_search<hessian> matrices[] = {
     {"d2P__dre2_dr2", d2P__dre2_dr2, e__T_v, T__e_v, true, d2P__dre2_dr2__T_v, "ERROR: in T__e_v"},
 };
 
@@ -377,7 +377,7 @@ TEST_F(thermodynamics_derived_test, at_other_pairs_they_are_those_of_the_state_t
                 using Result = decltype(row.expected(T, v));
                 const double first = row.first(T, v), second = row.unknown_is_T ? v : T;
                 const double exact = row.unknown_is_T ? T : v;
-                for (const start_value start : {start_value(), start_value(1.01 * exact)}) {
+                for (const guess start : {guess(), guess(1.01 * exact)}) {
                     errmsg.reset();
                     const double found = row.search(first, second, start);
                     if (!errmsg.clear()) {
@@ -443,7 +443,7 @@ TEST_F(thermodynamics_derived_test, along_an_isentrope_the_pressure_falls_with_t
         SCOPED_TRACE(model.name);
         support::load(model, support::heat_cases[8]);
         const double T = 1.3 / gas.Z_ref, v = 1.7;
-        pair dP{};
+        gradient dP{};
         dP__ds_dv(s__T_v(T, v), v, dP, T);
         EXPECT_NEAR(dP[1], -c2__T_v(T, v) / (v * v), 1e-13 * c2__T_v(T, v));
     }

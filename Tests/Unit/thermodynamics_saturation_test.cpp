@@ -65,8 +65,8 @@ struct thermodynamics_saturation_test : support::thermodynamics_test {
 double gibbs(double T, double v) {
     return e__T_v(T, v) - T * s__T_v(T, v) + P__T_v(T, v) * v;
 }
-pair pressure_slopes(double T, double v) {
-    pair dP{};
+gradient pressure_slopes(double T, double v) {
+    gradient dP{};
     dP__dT_dv(T, v, dP);
     return dP;
 }
@@ -273,7 +273,7 @@ private:
         const double T1 = T[k - 1], g = v_g[k - 1], l = v_l[k - 1], dT = T1 - T[k];
         const double h_g = e__T_v(T1, g) + P__T_v(T1, g) * g, h_l = e__T_v(T1, l) + P__T_v(T1, l) * l;
         const double slope = (h_g - h_l) / ((g - l) * T1);
-        const pair of_g = pressure_slopes(T1, g), of_l = pressure_slopes(T1, l);
+        const gradient of_g = pressure_slopes(T1, g), of_l = pressure_slopes(T1, l);
         P[k] = P[k - 1] - dT * slope;
         v_g[k] = g - dT * (slope - of_g[0]) / of_g[1];
         v_l[k] = std::max(l - dT * (slope - of_l[0]) / of_l[1], vmin);
@@ -705,7 +705,7 @@ struct phases {
     double v_g;
     double v_l;
 
-    bool step(const pair &F, const pair &of_g, const pair &of_l, bool lift) {
+    bool step(const gradient &F, const gradient &of_g, const gradient &of_l, bool lift) {
         const double a = of_g[0], b = -of_l[0], c = of_g[1], d = -of_l[1], det = a * d - b * c;
         if (det == 0)
             return false;
@@ -731,7 +731,7 @@ struct phases {
 /// The pass that converges, 0 if none does; `at` becomes what the iteration ends with.
 int passes_at_T(double T, phases &at) {
     for (int i = 1; i <= 51; ++i) {
-        const pair F = {mu__T_v(T, at.v_g) - mu__T_v(T, at.v_l), P__T_v(T, at.v_g) - P__T_v(T, at.v_l)};
+        const gradient F = {mu__T_v(T, at.v_g) - mu__T_v(T, at.v_l), P__T_v(T, at.v_g) - P__T_v(T, at.v_l)};
         if (std::abs(F[0]) < 1e-6 && std::abs(F[1]) < 1e-6)
             return i;
         if (!at.step(F, {dmu__dT_dv(T, at.v_g)[1], pressure_slopes(T, at.v_g)[1]},
@@ -745,13 +745,13 @@ int passes_at_T(double T, phases &at) {
 int passes_at_P(double P, phases &at) {
     for (int i = 1; i <= 101; ++i) {
         const double T_g = P * at.v_g, T_l = P * at.v_l;
-        const pair F = {mu__T_v(T_g, at.v_g) - mu__T_v(T_l, at.v_l), T_g - T_l};
+        const gradient F = {mu__T_v(T_g, at.v_g) - mu__T_v(T_l, at.v_l), T_g - T_l};
         if (std::abs(F[0]) < 1e-5 && std::abs(F[1]) < 1e-5)
             return i;
         const auto slopes = [](double T, double v) {
-            const pair P_slopes = pressure_slopes(T, v), mu = dmu__dT_dv(T, v);
+            const gradient P_slopes = pressure_slopes(T, v), mu = dmu__dT_dv(T, v);
             const double dT = -P_slopes[1] / P_slopes[0];
-            return pair{mu[1] + mu[0] * dT, dT};
+            return gradient{mu[1] + mu[0] * dT, dT};
         };
         if (!at.step(F, slopes(T_g, at.v_g), slopes(T_l, at.v_l), true))
             return 0;

@@ -25,8 +25,8 @@ double square_of_sound(double T, double v) {
     return v * v * (T * (dP[0] * dP[0]) / cv__T_v(T, v) - dP[1]);
 }
 struct slopes {
-    pair P, e, cv;
-    matrix P2;
+    gradient P, e, cv;
+    hessian P2;
     slopes(double T, double v) : P{}, e{}, cv{}, P2{} {
         dP__dT_dv(T, v, P);
         de__dT_dv(T, v, e);
@@ -34,11 +34,11 @@ struct slopes {
         d2P__dT2_dv2(T, v, P2);
     }
 };
-pair enthalpy_slopes(double T, double v) {
+gradient enthalpy_slopes(double T, double v) {
     const slopes d(T, v);
     return {v * d.P[0] + d.e[0], P__T_v(T, v) + d.e[1] + v * d.P[1]};
 }
-pair entropy_slopes(double T, double v) {
+gradient entropy_slopes(double T, double v) {
     return {cv__T_v(T, v) / T, (P__T_v(T, v) + slopes(T, v).e[1]) / T};
 }
 double square_of_sound_slope(double T, double v) {
@@ -53,7 +53,7 @@ double first_v(double s, double T) {
 /// A solver in one unknown, in the words of its table: the unknown's bound, f, df/dx and the first guess.
 struct solver_1d {
     const char *name;
-    double (*solve)(double y, double other, start_value guess);
+    double (*solve)(double y, double other, guess start);
     double &bound;
     double (*f)(double T, double v);
     double (*slope)(double T, double v);
@@ -108,11 +108,11 @@ run newton(const solver_1d &with, double y, double other, double x) {
 /// A solver in T and v.
 struct solver_2d {
     const char *name;
-    double (*solve)(double y1, double y2, start_value T, start_value v);
+    double (*solve)(double y1, double y2, guess T, guess v);
     double (*f1)(double T, double v);
     double (*f2)(double T, double v);
-    pair (*row1)(double T, double v);
-    pair (*row2)(double T, double v);
+    gradient (*row1)(double T, double v);
+    gradient (*row2)(double T, double v);
     double (*first_T)(double y1, double y2);
     double (*first_v)(double y2, double T);
 
@@ -121,7 +121,7 @@ struct solver_2d {
 double first_T_of_h(double h, double) {
     return (h - gas.e_0) / (gas.cv_ref + 1);
 }
-pair pressure_slopes(double T, double v) {
+gradient pressure_slopes(double T, double v) {
     return slopes(T, v).P;
 }
 const solver_2d solvers_2d[] = {
@@ -149,8 +149,8 @@ run_2d newton(const solver_2d &with, double y1, double y2, double T, double v) {
         const double F2 = with.f2(T, v) - y2;
         if (std::abs(F1) < 1.0e-9 && std::abs(F2) < 1.0e-9)
             return {T, v, true, i};
-        const pair a = with.row1(T, v);
-        const pair b = with.row2(T, v);
+        const gradient a = with.row1(T, v);
+        const gradient b = with.row2(T, v);
         const double det = a[0] * b[1] - a[1] * b[0];
         if (det == 0)
             return {T, v, false, i};
@@ -636,16 +636,15 @@ TEST_F(thermodynamics_solvers_test, whatever_is_asked_ends_with_a_result_or_the_
     for_each_model_and_1d_solver([&](const solver_1d &with) {
         for (const double y : odd)
             for (const double other : {odd[0], infinity, -1.0, 0.0, 1e-3, 1.0, 1e300})
-                for (const start_value guess :
-                     {start_value(), start_value(odd[0]), start_value(-1.0), start_value(1e300)}) {
+                for (const guess first : {guess(), guess(odd[0]), guess(-1.0), guess(1e300)}) {
                     errmsg.reset();
-                    const double x = with.solve(y, other, guess);
+                    const double x = with.solve(y, other, first);
                     if (support::shared_text() == "No errors") {
                         EXPECT_LT(std::abs(with.f_at(x, other) - with.target(y)), 1e-9) << y << ", " << other;
                     } else {
                         EXPECT_EQ(support::shared_text(), with.message());
                     }
-                    if (std::isnan(y) || (guess && std::isnan(*guess))) {
+                    if (std::isnan(y) || (first && std::isnan(*first))) {
                         EXPECT_EQ(support::shared_text(), with.message()) << y << ", " << other;
                     }
                 }
@@ -717,7 +716,7 @@ TEST_F(thermodynamics_solvers_test, a_failed_inversion_does_not_touch_solves_in_
 /// A composite in the words of its table.
 struct composite {
     const char *name;
-    double (*evaluate)(double y, double other, start_value guess);
+    double (*evaluate)(double y, double other, guess start);
     const char *solved_by;
     double (*direct)(double T, double v);
 };

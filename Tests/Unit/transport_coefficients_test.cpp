@@ -14,8 +14,8 @@ using gas_properties::gas;
 using support::epsilon;
 using support::shared_text;
 using support::tracked;
+using transport::parameters;
 using transport_properties::active;
-using transport_properties::parameters;
 using transport_properties::transport_coefficients;
 using transport_properties::transport_coefficients_dim;
 
@@ -589,7 +589,7 @@ TEST_F(transport_coefficients_test, every_pair_agrees_with_formulas_of_its_own) 
         for_each_state([](double T, double v) {
             const double cv = ideal_specific_heat::cv_oo__Tdim(T);
             const double cp = thermodynamics::cp__T_v(T / gas.T_ref, v / gas.v_ref);
-            const auto [mu, k] = transport_properties::evaluate(
+            const auto [mu, k] = transport::evaluate(
                 active, tracked(T), tracked(v), [&] { return tracked(cv); }, [&] { return tracked(cp); });
             const auto found = at_dim(T, v);
             EXPECT_EQ(found.viscosity, mu.value);
@@ -604,7 +604,7 @@ TEST_F(transport_coefficients_test, every_pair_agrees_with_formulas_of_its_own) 
 TEST_F(transport_coefficients_test, the_collision_integral_holds_from_cold_to_hot) {
     for (double T_star = 0.1; T_star < 500; T_star *= 1.07) {
         SCOPED_TRACE(T_star);
-        const tracked computed = transport_properties::collision_integral(tracked(T_star));
+        const tracked computed = transport::collision_integral(tracked(T_star));
         const auto expected = independent::collision_integral(T_star);
         expect_close(computed, {expected, expected}, 2);
         // The sine changes it by less than its factor.
@@ -648,6 +648,7 @@ TEST_F(transport_coefficients_test, a_prandtl_number_is_that_of_its_viscosity_co
 }
 
 TEST_F(transport_coefficients_test, single_formulas_are_those_of_the_models) {
+    using namespace transport;
     using namespace transport_properties;
     for (const fluid_case &fluid : vapors) {
         SCOPED_TRACE(fluid.name);
@@ -767,7 +768,7 @@ TEST_F(transport_coefficients_test, conductivity_3_without_the_dense_viscosity_l
 TEST_F(transport_coefficients_test, a_model_calls_for_the_heat_capacity_it_needs_only) {
     for_each_vapor_and_pair([](std::int32_t, std::int32_t conductivity) {
         int ideal_calls = 0, isobaric_calls = 0;
-        transport_properties::evaluate(
+        transport::evaluate(
             active, gas.Tc, gas.vc, [&] { return ++ideal_calls, 600.0; }, [&] { return ++isobaric_calls, 3.5; });
         EXPECT_EQ(ideal_calls, conductivity == 2 || conductivity == 3);
         EXPECT_EQ(isobaric_calls, conductivity == 4);
@@ -780,7 +781,7 @@ TEST_F(transport_coefficients_test, a_monatomic_dilute_gas_conducts_as_kinetic_t
     read_and_initialise_transport(3, 3);
     const auto [mu, k] = at_dim(2 * gas.Tc, 1e20 * gas.vc);
     EXPECT_NEAR(k * (418.4 * 418.4 / 1e4) / (3.75 * gas.R * mu), 1, 1e-4);
-    EXPECT_DOUBLE_EQ(transport_properties::conductivity_unit, 1e4 / 418.4);
+    EXPECT_DOUBLE_EQ(transport::conductivity_unit, 1e4 / 418.4);
     read_and_initialise_transport(2, 2);
     const auto dilute = at_dim(2 * gas.Tc, 1e20 * gas.vc);
     EXPECT_NEAR(dilute.conductivity, k, 8 * epsilon * k);

@@ -11,7 +11,7 @@ using support::read;
 using support::real;
 using support::transport_section;
 using transport_properties::active;
-using parameters = transport_properties::parameters;
+using parameters = transport::parameters;
 
 struct transport_properties_test : support::thermodynamics_test {};
 

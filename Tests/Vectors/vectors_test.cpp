@@ -25,8 +25,7 @@ double molar_volume(double T, double start) {
 /// Of the dense gas at T [K] and a volume [cm3/mol], from a viscosity of the dilute gas [micropoise]: the viscosity
 /// [micropoise] and the conductivity [W/(m K)].
 double dense_viscosity(double T, double volume, double mu0) {
-    return transport_properties::dense_viscosity(transport_properties::active, T, volume * 1e-3 / gas.MM, mu0 * 1e-6) *
-           1e7;
+    return transport::dense_viscosity(transport_properties::active, T, volume * 1e-3 / gas.MM, mu0 * 1e-6) * 1e7;
 }
 double dense_conductivity(double T, double volume, double mu0) {
     const double k0 = transport_properties::diluite_gas_thermal_cond(T, mu0 * 1e-6);
@@ -34,8 +33,8 @@ double dense_conductivity(double T, double volume, double mu0) {
 }
 
 template <unsigned these>
-ideal_specific_heat::caloric<double> of_ideal_gas(double T) {
-    return ideal_specific_heat::evaluate<these>(ideal_specific_heat::active, T);
+ideal_gas_heat::caloric<double> of_ideal_gas(double T) {
+    return ideal_gas_heat::evaluate<these>(ideal_specific_heat::active, T);
 }
 
 /// What can be asked beside requests; an argument that is not needed is 0.
@@ -54,13 +53,13 @@ double value_of(const std::string &name, double argument) {
         // At T [K] and 9.4573 bar, in cm3/mol.
         {"molar_gas_volume", [](double T) { return molar_volume(T, (T / gas.T_ref) / (945730.0 / gas.P_ref)); }},
         {"molar_liquid_volume", [](double T) { return molar_volume(T, 1.05 * thermodynamics::vmin); }},
-        {"collision_integral", [](double T_star) { return transport_properties::collision_integral(T_star); }},
+        {"collision_integral", [](double T_star) { return transport::collision_integral(T_star); }},
         {"viscosity_at_48.2_from_182", [](double T) { return dense_viscosity(T, 48.2, 182); }},
         {"conductivity_at_172.1_from_134", [](double T) { return dense_conductivity(T, 172.1, 134); }},
         // Of the ideal gas at T [K], in units of R and of R K.
         {"cv/R", [](double T) { return ideal_specific_heat::cv_oo__Tdim(T) / gas_properties::gas.R; }},
-        {"phi/R", [](double T) { return of_ideal_gas<ideal_specific_heat::energy>(T).phi / gas_properties::gas.R; }},
-        {"psi/R", [](double T) { return of_ideal_gas<ideal_specific_heat::entropy>(T).psi / gas_properties::gas.R; }},
+        {"phi/R", [](double T) { return of_ideal_gas<ideal_gas_heat::energy>(T).phi / gas_properties::gas.R; }},
+        {"psi/R", [](double T) { return of_ideal_gas<ideal_gas_heat::entropy>(T).psi / gas_properties::gas.R; }},
     };
     const auto found = values.find(name);
     EXPECT_NE(found, values.end()) << name;

@@ -11,7 +11,7 @@
 //            from P by the Maxwell relations
 #pragma once
 
-#include "Thermodynamics/ideal_specific_heat.h"
+#include "Equations/ideal_gas_heat.h"
 
 #include <array>
 #include <cmath>
@@ -24,7 +24,8 @@ namespace separated_attraction {
 template <class Real, std::size_t terms>
 using factors = std::array<std::array<Real, 4>, terms>;
 
-/// Calls use(0) to use(count - 1), written out: in a loop, compilers compute of each term also what is not used.
+/// Calls use(0) to use(count - 1), each written out: in a loop, compilers also compute the parts of each term that
+/// nobody uses.
 template <std::size_t count, class Use>
 OSTREL_INLINE void for_each_index(Use use) {
     [&]<std::size_t... i>(std::index_sequence<i...>) {
@@ -41,36 +42,31 @@ using gradient = std::array<Real, 2>;
 template <class Real>
 using hessian = std::array<Real, 4>;
 
-/// What does not depend on the model: the heat capacity and the offsets of the reference state.
+/// The part of a state that does not depend on the model: the heat capacity and the offsets of the reference state.
 struct ideal_part {
-    const ideal_specific_heat::heat_capacity &heat;
+    const ideal_gas_heat::heat_capacity &heat;
     double e_0;
     double s_0;
 
     template <class Real>
-    Real phi(Real T) const {
+    OSTREL_INLINE Real phi(Real T) const {
         return phi_reduced(heat, T);
     }
     template <class Real>
-    Real psi(Real T) const {
+    OSTREL_INLINE Real psi(Real T) const {
         return psi_reduced(heat, T);
     }
     template <class Real>
-    Real phip(Real T) const {
+    OSTREL_INLINE Real phip(Real T) const {
         return phip_reduced(heat, T);
     }
     template <class Real>
-    Real phipp(Real T) const {
+    OSTREL_INLINE Real phipp(Real T) const {
         return phipp_reduced(heat, T);
     }
 };
 
-/// The ideal part of the active fluid.
-inline ideal_part active_ideal_part() {
-    return {ideal_specific_heat::active, gas_properties::gas.e_0, gas_properties::gas.s_0};
-}
-
-/// The same at one temperature, for whoever wants more than one of them: `these` are formed together, once.
+/// The same at one temperature, for a caller that wants more than one of them: `these` are computed together, once.
 template <unsigned these>
 class ideal_part_at {
 public:
@@ -79,15 +75,15 @@ public:
 
     ideal_part_at(const ideal_part &ideal, double T) : e_0(ideal.e_0), s_0(ideal.s_0) {
         if constexpr (these != 0)
-            values_ = ideal_specific_heat::evaluate_reduced<these>(ideal.heat, T);
+            values_ = ideal_gas_heat::evaluate_reduced<these>(ideal.heat, T);
     }
-    double phi(double) const requires((these & ideal_specific_heat::energy) != 0) { return values_.phi; }
-    double psi(double) const requires((these & ideal_specific_heat::entropy) != 0) { return values_.psi; }
-    double phip(double) const requires((these & ideal_specific_heat::heat) != 0) { return values_.cv; }
-    double phipp(double) const requires((these & ideal_specific_heat::heat_slope) != 0) { return values_.dcv; }
+    double phi(double) const requires((these & ideal_gas_heat::energy) != 0) { return values_.phi; }
+    double psi(double) const requires((these & ideal_gas_heat::entropy) != 0) { return values_.psi; }
+    double phip(double) const requires((these & ideal_gas_heat::heat) != 0) { return values_.cv; }
+    double phipp(double) const requires((these & ideal_gas_heat::heat_slope) != 0) { return values_.dcv; }
 
 private:
-    ideal_specific_heat::caloric<double> values_;
+    ideal_gas_heat::caloric<double> values_;
 };
 
 /// A model is a struct of reduced parameters with
@@ -95,7 +91,7 @@ private:
 ///   covolume()     b in v_ref
 ///   repulsion()    the factor of T/(v - b), Rgas for most
 ///   q(T), f(v)     the factors of its terms
-/// Models without attraction derive from this, which leaves them `repulsion`.
+/// Models without attraction derive from this one and add `repulsion`.
 struct no_attraction {
     static constexpr std::size_t terms = 0;
     static double covolume() { return 0; }
@@ -109,8 +105,8 @@ struct no_attraction {
     }
 };
 
-/// The half of a state that depends on the temperature, and the one that depends on the volume. Who keeps one of the
-/// two fixed evaluates it once.
+/// The half of a state that depends on the temperature, and the half that depends on the volume. A search that keeps
+/// one of the two fixed evaluates that half once.
 template <class Model, class Real>
 struct temperature_side {
     Real T;
@@ -128,7 +124,7 @@ struct volume_side {
         : v(volume), w(volume - model.covolume()), ff(model.f(volume)) {}
 };
 
-/// One state of a model: all that is wanted at one (T, v) comes from one evaluation of q and f. The ideal part is an
+/// One state of a model: all results at one (T, v) come from one evaluation of q and f. The ideal part is an
 /// ideal_part, or an ideal_part_at of the same temperature.
 template <class Model, class Real>
 struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {

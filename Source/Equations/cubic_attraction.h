@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the cubic equations of state of the Redlich-Kwong family share.
+// The formulas that the cubic equations of state of the Redlich-Kwong family share.
 //
 // Computes   volume factors f(v) for a given denominator, Soave's temperature factor q(T), and the
 //            critical volume: the root of RTc/(v - b) - Pc - a(Tc)/D(v), D the denominator of the attraction
@@ -10,7 +10,7 @@
 // Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197
 #pragma once
 
-#include "Thermodynamics/separated_attraction.h"
+#include "Equations/separated_attraction.h"
 #include "visibility.h"
 
 #include <array>
@@ -66,7 +66,7 @@ inline denominator peng_robinson_denominator(double b, double v) {
 /// The critical volume [m3/kg] by Newton's method from the ideal-gas volume; reports `failure` after
 /// 100 steps. In doubles the residual moves in steps of about 1e-9 Pa, so the loop ends at a residual of
 /// exactly zero or not at all.
-inline double critical_volume(const gas_properties::gas_constants &fluid, double b, double a_Tc,
+inline double critical_volume(const equations::gas_constants &fluid, double b, double a_Tc,
                               denominator (*D)(double b, double v), double tolerance, std::string_view failure,
                               records::error_text &message) {
     const double RTc = fluid.R * fluid.Tc;
@@ -100,7 +100,7 @@ struct soave_parameters {
 
     /// Finds the critical volume for the dimensional b, c_a and fw, completes the fluid's reference point and reduces
     /// the constants; after a message all stay as they are.
-    void reduce(gas_properties::gas_constants &fluid, denominator (*D)(double b, double v), double tolerance,
+    void reduce(equations::gas_constants &fluid, denominator (*D)(double b, double v), double tolerance,
                 std::string_view failure, records::error_text &message) {
         Rgas = fluid.R;
         const double a_Tc = c_a * (1.0 + fw * (1.0 - std::sqrt(fluid.Tc / fluid.Tc)));

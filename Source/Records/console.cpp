@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Algebra/console_stop.h"
+#include "Records/console.h"
 
 #include <cstdio>
 #include <cstdlib>

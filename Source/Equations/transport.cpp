@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "Thermodynamics/transport_properties.h"
-
-#include "Thermodynamics/thermodynamics.h"
+#include "Equations/transport.h"
 
 #include <vector>
 
-namespace transport_properties {
-
-parameters active;
+namespace transport {
 
 namespace {
 
@@ -35,11 +31,6 @@ void write(records::record_writer &out, const parameters &p, std::int32_t code, 
             values.push_back(p.*field.value);
         out.record_list(std::span<const double>(values));
     }
-}
-
-void read(records::record_reader &in, parameters &p) {
-    read(in, p, "viscosity_model", p.viscosity_model, viscosity_models);
-    read(in, p, "thermal_cond_model", p.thermal_cond_model, thermal_cond_models);
 }
 
 // Chung's coefficients: each is c0 + c1 omega + c2 mur^4 + c3 kh.
@@ -77,7 +68,7 @@ void correlate(std::array<double, count> &result, const std::array<correlation, 
 }
 
 /// The viscosity model fits the conductivity model and the fluid, or a message says why not.
-bool applicable(const parameters &p, const gas_properties::gas_constants &fluid, records::error_text &message) {
+bool applicable(const parameters &p, const equations::gas_constants &fluid, records::error_text &message) {
     if (p.viscosity_model != dilute_gas && p.viscosity_model != dense_gas)
         return true;
     if (p.thermal_cond_model != p.viscosity_model) {
@@ -94,7 +85,7 @@ bool applicable(const parameters &p, const gas_properties::gas_constants &fluid,
 
 } // namespace
 
-bool initialise(parameters &p, const gas_properties::gas_constants &fluid, records::error_text &message) {
+bool initialise(parameters &p, const equations::gas_constants &fluid, records::error_text &message) {
     if (!applicable(p, fluid, message))
         return false;
     p.m_mole = fluid.MM;
@@ -113,7 +104,7 @@ bool initialise(parameters &p, const gas_properties::gas_constants &fluid, recor
         p.kh = fluid.kh;
     }
     p.area = std::pow(1000.0 * p.vc * p.m_mole, 2.0 / 3.0);
-    p.mu_corr = 3.4e-7 * std::sqrt(p.m_mole) * std::pow(p.Pc / gas_properties::pascal_per_atm, 2.0 / 3.0) /
+    p.mu_corr = 3.4e-7 * std::sqrt(p.m_mole) * std::pow(p.Pc / equations::pascal_per_atm, 2.0 / 3.0) /
                 std::pow(p.Tc, 1.0 / 6.0);
     if (p.viscosity_model == dilute_gas || p.viscosity_model == dense_gas)
         p.fc = 1.0 - 0.2756 * p.omega + 0.059035 * fourth_power(p.mur) + p.kh;
@@ -126,85 +117,14 @@ bool initialise(parameters &p, const gas_properties::gas_constants &fluid, recor
     return true;
 }
 
-namespace {
-
-/// At T [K] and v [m3/kg], of which t and vr are the reduced values.
-coefficients<double> at_state(double T, double v, double t, double vr) {
-    return evaluate(
-        active, T, v, [&] { return ideal_specific_heat::cv_oo__Tdim(T); },
-        [&] { return thermodynamics::cp__T_v(t, vr); });
+void read(records::record_reader &in, parameters &p) {
+    read(in, p, "viscosity_model", p.viscosity_model, viscosity_models);
+    read(in, p, "thermal_cond_model", p.thermal_cond_model, thermal_cond_models);
 }
 
-} // namespace
-
-double eta__T_v(double t, double vr) {
-    double mu0 = 0;
-    return viscosity(active, t * active.T_ref, vr * active.v_ref, mu0) / active.mu_ref;
+void write(records::record_writer &out, const parameters &p) {
+    write(out, p, p.viscosity_model, viscosity_models);
+    write(out, p, p.thermal_cond_model, thermal_cond_models);
 }
 
-void transport_coefficients(double t, double vr, double &eta, double &lambda) {
-    const auto [mu, k] = at_state(t * active.T_ref, vr * active.v_ref, t, vr);
-    eta = mu / active.mu_ref;
-    lambda = k / active.kk_ref;
-}
-
-void transport_coefficients_dim(double T, double v, double &mu, double &k) {
-    const auto [mu_found, k_found] = at_state(T, v, T / active.T_ref, v / active.v_ref);
-    mu = mu_found;
-    k = k_found;
-}
-
-double diluite_gas_viscosity(double T) {
-    return dilute_viscosity(active, T);
-}
-
-double dense_gas_viscosity(double T, double v, double &mu0) {
-    mu0 = dilute_viscosity(active, T);
-    return dense_viscosity(active, T, v, mu0);
-}
-
-double corresp_state_viscosity(double T) {
-    return corresponding_states_viscosity(active, T);
-}
-
-double sutherland_law_viscosity(double T) {
-    return sutherland_viscosity(active, T);
-}
-
-double linear_viscosity(double T) {
-    return linear_law_viscosity(active, T);
-}
-
-double diluite_gas_thermal_cond(double T, double mu0) {
-    return dilute_conductivity(active, T, mu0, ideal_specific_heat::cv_oo__Tdim(T)) * conductivity_unit;
-}
-
-double dense_gas_thermal_cond(double T, double v, double k0) {
-    return dense_conductivity(active, T, v, k0 / conductivity_unit);
-}
-
-void read_param_transport_properties(records::file_reader &unit) {
-    read(unit, active);
-}
-
-void read_param_transport_propertiesdb(records::line_reader &lines) {
-    read(lines, active);
-}
-
-void write_param_transport_propert(records::record_writer &unit) {
-    write(unit, active, active.viscosity_model, viscosity_models);
-    write(unit, active, active.thermal_cond_model, thermal_cond_models);
-}
-
-void init_transport_properties() {
-    gas_properties::gas_constants &fluid = gas_properties::gas;
-    if (!initialise(active, fluid, ideal_specific_heat::errmsg))
-        return;
-    const double T = fluid.vapor ? active.Tc : active.T_ref;
-    const double v = fluid.vapor ? active.vc : active.v_ref;
-    transport_coefficients_dim(T, v, active.mu_ref, active.kk_ref);
-    fluid.mu_ref = active.mu_ref;
-    fluid.kk_ref = active.kk_ref;
-}
-
-} // namespace transport_properties
+} // namespace transport

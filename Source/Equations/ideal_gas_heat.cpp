@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "Thermodynamics/ideal_specific_heat.h"
+#include "Equations/ideal_gas_heat.h"
 
 #include <limits>
 
-namespace ideal_specific_heat {
-
-heat_capacity active;
-records::error_text errmsg;
+namespace ideal_gas_heat {
 
 namespace {
 
@@ -77,73 +74,8 @@ void read_einstein(records::record_reader &in, heat_capacity &h) {
     in.read_list("Tv", std::span(h.Tv));
 }
 
-void read(records::record_reader &in, heat_capacity &h) {
-    in.read({{"coeff_adim", h.coeff_adim}});
-    if (!in.read({{"function_type", h.function_type}}))
-        return;
-    switch (h.function_type) {
-    case constant:
-        in.read({{"cv_0", h.cv_0}});
-        break;
-    case power_law:
-        in.read({{"cv_oo_Tc", h.cv_oo_Tc}, {"np", h.np}});
-        break;
-    case polynomial:
-        read_polynomial(in, h);
-        break;
-    case piecewise:
-        read_piecewise(in, h);
-        break;
-    case einstein:
-        read_einstein(in, h);
-        break;
-    default:
-        break;
-    }
-}
-
 std::int32_t count_of(const auto &values) {
     return static_cast<std::int32_t>(values.size());
-}
-
-void write(records::record_writer &out, const heat_capacity &h) {
-    const auto list = [&](const auto &values) { out.record_list(std::span(values)); };
-    out.record({h.coeff_adim});
-    out.record({h.function_type});
-    switch (h.function_type) {
-    case constant:
-        out.record({h.cv_0});
-        break;
-    case power_law:
-        out.record({h.cv_oo_Tc, h.np});
-        break;
-    case polynomial:
-        out.record({count_of(h.a_i)});
-        out.record({h.cv_0});
-        list(h.a_i);
-        list(h.n_i);
-        break;
-    case piecewise: {
-        const std::size_t K = h.cv_0_k.size();
-        out.record({count_of(h.cv_0_k)});
-        out.record_list(std::span(h.T_k).first(K));
-        list(h.cv_0_k);
-        list(h.n_k);
-        for (std::size_t k = 0; k < K; ++k) {
-            const powers terms = interval_terms(h, k);
-            out.record_list(std::span(terms.coefficient, terms.count));
-            out.record_list(std::span(terms.exponent, terms.count));
-        }
-        break;
-    }
-    case einstein:
-        out.record({h.cv_0});
-        out.record({count_of(h.Tv)});
-        list(h.Tv);
-        break;
-    default:
-        break;
-    }
 }
 
 void scale(std::span<double> values, double factor) {
@@ -193,7 +125,72 @@ void join_intervals(heat_capacity &h) {
 
 } // namespace
 
-void initialise(heat_capacity &h, gas_properties::gas_constants &fluid, records::error_text &message) {
+void read(records::record_reader &in, heat_capacity &h) {
+    in.read({{"coeff_adim", h.coeff_adim}});
+    if (!in.read({{"function_type", h.function_type}}))
+        return;
+    switch (h.function_type) {
+    case constant:
+        in.read({{"cv_0", h.cv_0}});
+        break;
+    case power_law:
+        in.read({{"cv_oo_Tc", h.cv_oo_Tc}, {"np", h.np}});
+        break;
+    case polynomial:
+        read_polynomial(in, h);
+        break;
+    case piecewise:
+        read_piecewise(in, h);
+        break;
+    case einstein:
+        read_einstein(in, h);
+        break;
+    default:
+        break;
+    }
+}
+
+void write(records::record_writer &out, const heat_capacity &h) {
+    const auto list = [&](const auto &values) { out.record_list(std::span(values)); };
+    out.record({h.coeff_adim});
+    out.record({h.function_type});
+    switch (h.function_type) {
+    case constant:
+        out.record({h.cv_0});
+        break;
+    case power_law:
+        out.record({h.cv_oo_Tc, h.np});
+        break;
+    case polynomial:
+        out.record({count_of(h.a_i)});
+        out.record({h.cv_0});
+        list(h.a_i);
+        list(h.n_i);
+        break;
+    case piecewise: {
+        const std::size_t K = h.cv_0_k.size();
+        out.record({count_of(h.cv_0_k)});
+        out.record_list(std::span(h.T_k).first(K));
+        list(h.cv_0_k);
+        list(h.n_k);
+        for (std::size_t k = 0; k < K; ++k) {
+            const powers terms = interval_terms(h, k);
+            out.record_list(std::span(terms.coefficient, terms.count));
+            out.record_list(std::span(terms.exponent, terms.count));
+        }
+        break;
+    }
+    case einstein:
+        out.record({h.cv_0});
+        out.record({count_of(h.Tv)});
+        list(h.Tv);
+        break;
+    default:
+        break;
+    }
+}
+
+void initialise(heat_capacity &h, equations::gas_constants &fluid, records::error_text &message) {
     h.T_ref = fluid.T_ref;
     h.P_ref = fluid.P_ref;
     h.v_ref = fluid.v_ref;
@@ -214,33 +211,4 @@ void initialise(heat_capacity &h, gas_properties::gas_constants &fluid, records:
     fluid.cp0_ref = fluid.cv0_ref + h.Rgas;
 }
 
-double cv_oo__Tdim(double T) {
-    return cv(active, T);
-}
-double phi__T(double t) {
-    return phi_reduced(active, t);
-}
-double phip__T(double t) {
-    return phip_reduced(active, t);
-}
-double phipp__T(double t) {
-    return phipp_reduced(active, t);
-}
-double psi__T(double t) {
-    return psi_reduced(active, t);
-}
-
-void read_param_ideal_specific_heat(records::file_reader &unit) {
-    read(unit, active);
-}
-void read_param_ideal_specific_heatdb(records::line_reader &lines) {
-    read(lines, active);
-}
-void write_param_ideal_specific_heat(records::record_writer &unit) {
-    write(unit, active);
-}
-void init_ideal_specific_heat() {
-    initialise(active, gas_properties::gas, errmsg);
-}
-
-} // namespace ideal_specific_heat
+} // namespace ideal_gas_heat

@@ -7,7 +7,7 @@
 // Reference  H. B. Callen, Thermodynamics (1985) ch. 7; P. A. Thompson, Phys. Fluids 14 (1971) 1843 (Gamma)
 #pragma once
 
-#include "Thermodynamics/separated_attraction.h"
+#include "Equations/separated_attraction.h"
 #include "visibility.h"
 
 namespace derived_properties {
@@ -15,7 +15,7 @@ namespace derived_properties {
 using separated_attraction::gradient;
 using separated_attraction::hessian;
 
-/// Everything about one state that derived properties need; what one of them does not use is not computed.
+/// Everything about one state that derived properties need. A property computes only the parts that it uses.
 template <class Point, class Ideal = separated_attraction::ideal_part>
 struct properties {
     using Real = decltype(Point::T);
@@ -116,7 +116,7 @@ struct properties {
     }
 
 private:
-    /// What both matrices are made of, E = rho e.
+    /// The parts of both matrices, E = rho e.
     struct in_conservative {
         hessian<Real> gradient;
         Real E_T;

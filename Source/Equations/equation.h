@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+// An equation of state at work: a model, the ideal gas's part, and the bounds that searches keep.
+//
+// A search that keeps T or v fixed takes an isotherm or an isochore: the fixed half of a state is evaluated once. A
+// state knows only `these` of the ideal gas's functions, so that no other is computed.
+#pragma once
+
+#include "Equations/derived_properties.h"
+#include "Equations/models.h"
+
+namespace equations {
+
+/// The lowest reduced temperature, pressure and volume that searches use.
+struct bounds {
+    double Tmin = 0;
+    double Pmin = 0;
+    double vmin = 0;
+};
+
+/// A state with `these` of the ideal gas at its temperature.
+template <class Model, unsigned these>
+struct evaluated_state {
+    separated_attraction::state_point<Model, double> point;
+    separated_attraction::ideal_part_at<these> ideal;
+
+    OSTREL_INLINE derived_properties::properties<separated_attraction::state_point<Model, double>,
+                                                 separated_attraction::ideal_part_at<these>>
+    all() const {
+        return {point, ideal};
+    }
+};
+
+/// The states at one temperature: the call operator adds a volume.
+template <class Model, unsigned these>
+class isotherm {
+public:
+    isotherm(const Model &model, const separated_attraction::ideal_part &ideal, double T)
+        : model_(model), side_(model, T), ideal_(ideal, T) {}
+    OSTREL_INLINE evaluated_state<Model, these> operator()(double v) const {
+        return {{model_, side_, separated_attraction::volume_side<Model, double>(model_, v)}, ideal_};
+    }
+
+private:
+    const Model &model_;
+    separated_attraction::temperature_side<Model, double> side_;
+    separated_attraction::ideal_part_at<these> ideal_;
+};
+
+/// The states at one volume: the call operator adds a temperature.
+template <class Model, unsigned these>
+class isochore {
+public:
+    isochore(const Model &model, const separated_attraction::ideal_part &ideal, double v)
+        : model_(model), side_(model, v), ideal_(ideal) {}
+    OSTREL_INLINE evaluated_state<Model, these> operator()(double T) const {
+        return {{model_, separated_attraction::temperature_side<Model, double>(model_, T), side_}, {ideal_, T}};
+    }
+
+private:
+    const Model &model_;
+    separated_attraction::volume_side<Model, double> side_;
+    separated_attraction::ideal_part ideal_;
+};
+
+template <class Model>
+struct equation {
+    using model_type = Model;
+    using state_point = separated_attraction::state_point<Model, double>;
+
+    const Model &model;
+    separated_attraction::ideal_part ideal;
+    bounds lowest{};
+
+    template <unsigned these>
+    OSTREL_INLINE isotherm<Model, these> at_temperature(double T) const {
+        return {model, ideal, T};
+    }
+    template <unsigned these>
+    OSTREL_INLINE isochore<Model, these> at_volume(double v) const {
+        return {model, ideal, v};
+    }
+    template <unsigned these>
+    OSTREL_INLINE evaluated_state<Model, these> at(double T, double v) const {
+        return {{model, T, v}, {ideal, T}};
+    }
+    /// Calls use(properties) with the derived properties at (T, v); only what is used of the ideal gas is computed.
+    template <class Use>
+    OSTREL_INLINE auto properties(double T, double v, Use use) const {
+        const state_point point(model, T, v);
+        return use(derived_properties::properties<state_point>{point, ideal});
+    }
+};
+
+/// The heat capacity of no_model, with which energy and entropy are zero.
+constexpr ideal_gas_heat::heat_capacity heat_without_form() {
+    ideal_gas_heat::heat_capacity heat;
+    heat.Rgas = heat.P_ref = heat.v_ref = 1.0;
+    return heat;
+}
+inline constinit const ideal_gas_heat::heat_capacity no_heat = heat_without_form();
+
+/// The equation that the parts of a fluid make.
+template <class Model>
+equation<Model> equation_of(const Model &model, const gas_constants &fluid, const ideal_gas_heat::heat_capacity &heat,
+                            const bounds &lowest = {}) {
+    if constexpr (is_model<Model>)
+        return {model, {heat, fluid.e_0, fluid.s_0}, lowest};
+    else
+        return {model, {no_heat, 0.0, 0.0}, lowest};
+}
+
+} // namespace equations

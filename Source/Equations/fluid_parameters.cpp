@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "Equations/fluid_parameters.h"
+
+#include <utility>
+
+namespace equations {
+namespace {
+
+/// The model of a code with empty parameters, or no_model.
+any_model model_of(std::int32_t code) {
+    any_model model;
+#define OSTREL_EMPTY_MODEL(unused, type, Model, ...) \
+    case type:                                       \
+        model.emplace<Model>();                      \
+        break;
+    switch (code) {
+        OSTREL_MODELS(OSTREL_EMPTY_MODEL, )
+    default:
+        break;
+    }
+#undef OSTREL_EMPTY_MODEL
+    return model;
+}
+
+} // namespace
+
+void read(records::record_reader &in, fluid_parameters &fluid) {
+    const auto read_model = [&] {
+        fluid.model = model_of(fluid.gas_type);
+        std::visit([&](auto &model) { read_parameters(in, model); }, fluid.model);
+    };
+    read_sections(in, fluid.constants, fluid.gas_type, read_model, fluid.heat);
+    read(in, fluid.transport);
+}
+
+void write(records::record_writer &out, fluid_parameters &fluid) {
+    const auto write_model = [&] { std::visit([&](const auto &model) { write_parameters(out, model); }, fluid.model); };
+    write_sections(out, fluid.constants, fluid.gas_type, write_model, fluid.heat);
+    write(out, fluid.transport);
+}
+
+void complete(fluid_parameters &fluid, records::error_text &message) {
+    std::visit(
+        [&](auto &model) {
+            const auto found = complete(model, fluid.constants, fluid.heat, message);
+            if (!found)
+                return;
+            fluid.lowest = *found;
+            const auto cp = [&](double t, double vr) {
+                return equation_of(model, fluid.constants, fluid.heat).properties(t, vr, [](const auto &state) {
+                    return state.cp();
+                });
+            };
+            transport::complete(fluid.transport, fluid.heat, fluid.constants, cp, message);
+        },
+        fluid.model);
+}
+
+} // namespace equations

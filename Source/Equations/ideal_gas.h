@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// The ideal gas, gas_type 1 (module ideal_gas).
+//
+// Equation   P v = Rgas T
+// Given      reduced T [T_ref], v [v_ref]; no parameters in the file
+// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
+// Valid      every fluid; densities far below the critical one. A fluid with critical data gets
+//            Zc = 1 and T_ref = Tc in place of its own
+// Reference  E. Clapeyron, J. de l'Ecole Polytechnique 14 (1834) 153
+#pragma once
+
+#include "Equations/separated_attraction.h"
+
+namespace equations {
+
+struct ideal_gas : separated_attraction::no_attraction {
+    double Rgas = 0;
+
+    double repulsion() const { return Rgas; }
+};
+
+/// Completes the fluid's reference point; never fails.
+inline void initialise(ideal_gas &p, gas_constants &fluid, records::error_text &) {
+    complete_ideal_reference(fluid, 1.0);
+    p.Rgas = 1.0;
+}
+
+} // namespace equations

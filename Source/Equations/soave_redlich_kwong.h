@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// The Soave-Redlich-Kwong equation, gas_type 4 (module soave_redlich_kwong_gas).
+//
+// Equation   P = Rgas T/(v - b) - c_a alpha(T)/(v (v + b)), alpha = (1 + fw (1 - sqrt(T/Tc)))^2
+// Given      reduced T [T_ref], v [v_ref]; b, c_a and fw follow from Tc, Pc and omega, no file parameters
+// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
+// Valid      fluids with critical data, v > b; Zc = 1/3 in place of the fluid's own
+// Accuracy   the critical point as far as cubic_attraction.h finds it
+// Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197; fw = 0.48 + 1.574 w - 0.176 w^2
+#pragma once
+
+#include "Equations/cubic_attraction.h"
+
+namespace equations {
+
+struct soave_redlich_kwong : cubic_attraction::soave_parameters {
+    template <class Real>
+    OSTREL_INLINE separated_attraction::factors<Real, terms> f(Real v) const {
+        return {cubic_attraction::redlich_kwong_f(b, v)};
+    }
+};
+
+/// Derives b, c_a and fw; reports a fluid without critical data, or a critical volume that is not found.
+inline void initialise(soave_redlich_kwong &p, gas_constants &fluid, records::error_text &message) {
+    if (lacks_critical_data(fluid, "Soave-Redlich-Kwong model is not applicable. ",
+                            "In init_SRKG, module soave_redlich_kwong_gas.", message))
+        return;
+    const double Tc = fluid.Tc;
+    const double Pc = fluid.Pc;
+    const double RTc = fluid.R * Tc;
+    p.c_a = (RTc * RTc) * 0.4274802335403413 / Pc;
+    p.b = Tc * 0.08664034996495773 * fluid.R / Pc;
+    p.fw = 0.48 + (1.574 - 0.176 * fluid.omega) * fluid.omega;
+    p.reduce(fluid, cubic_attraction::redlich_kwong_denominator, 1e-14, " ERROR:  v__P_T__SRKG. STOP", message);
+}
+
+} // namespace equations
