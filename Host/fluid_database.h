@@ -9,11 +9,11 @@
 
 namespace fluid_database {
 
-/// The text of a fluid; none if the database, its table or the fluid is not there, or SQLite is not built in.
+/// The text of a fluid; none if the database, its table or the fluid is missing, or SQLite is not built in.
 std::optional<std::string> read(const std::string &location, const std::string &name);
 
-/// Puts the text's lines into the entries of a blank-padded line array, without their line ends.
-/// False if a line is longer than an entry or there are more lines than entries.
+/// Puts the lines of the text, without their line ends, into the entries of a blank-padded array of lines. Returns
+/// false if a line is longer than an entry or if there are more lines than entries.
 bool split(std::string_view text, std::span<char> entries, std::size_t entry_length);
 
 } // namespace fluid_database

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Parameter files into an SQLite fluid database and out of it. Not part of the library, which only reads one.
+// Puts parameter files into an SQLite fluid database and takes them out of it. The library itself only reads databases;
+// this is no part of it.
 #pragma once
 
 #include <string>
@@ -14,13 +15,14 @@ struct entry {
     std::string text;
 };
 
-/// What keeps a text from being read from a database: too many lines, or one that is too long; empty if nothing does.
+/// The reason why the library cannot read this text from a database: there are too many lines, or one is too long.
+/// Empty if it can.
 std::string unreadable(std::string_view text);
 
-// These throw std::runtime_error with what went wrong, also if SQLite is not built in.
+// These functions throw std::runtime_error with a message, also if SQLite is not built in.
 
-/// Puts the entries into the database in one transaction, which makes what is missing of it. Answers for each entry
-/// whether it has replaced one.
+/// Puts the entries into the database in one transaction, and creates the file and its table if they are missing.
+/// Returns for each entry whether it has replaced one.
 std::vector<bool> put(const std::string &location, const std::vector<entry> &entries);
 
 /// All entries of a database, in the order of their names.
