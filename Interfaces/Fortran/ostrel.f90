@@ -1,7 +1,7 @@
 ! SPDX-License-Identifier: MIT
 !> Module ostrel: the library's entry points for Fortran programs, with interfaces that the compiler checks.
 !!
-!! Compile this file with the program. What is installed, in share/ostrel/Fortran, is the source, since every compiler
+!! Compile this file with the program. It is installed as source, in share/ostrel/Fortran, since every compiler
 !! has its own form of module files. With CMake, ostrel::fortran compiles it and links the library; by hand,
 !!   gfortran $(pkg-config --variable=fortran ostrel) host.f90 $(pkg-config --libs ostrel)
 !! The module is standard Fortran 2008. Its names, arguments and behaviour are those of the external procedures that

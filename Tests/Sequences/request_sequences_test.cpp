@@ -233,7 +233,7 @@ TEST_F(request_sequence, viscosity_and_conductivity_are_those_of_the_kept_state)
         // A failed pair that is repeated is answered from the state before it.
         ask("linear", "xy", 500, 3, "eta", unknown_pair("xy"), failed, no_load, keeps),
         ask("linear", "xy", 500, 3, "eta", fine, mu(450), no_load, keeps),
-        // Another fluid brings its own constants, and so does the first one when it comes back.
+        // Another fluid brings its own constants; the first fluid brings them again when it comes back.
         ask("ideal", "tv", 400, 2, "eta", fine, 1e-5, load, solves),
         ask("ideal", "tv", 400, 2, "lambda", fine, 0.02, no_load, keeps),
         ask("linear", "tv", 400, 2, "eta", fine, mu(400), load, solves),
