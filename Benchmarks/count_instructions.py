@@ -1,17 +1,17 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Counts the instructions of every path that instruction_counter makes, and compares them with the committed ones.
+"""Counts the instructions of every path that instruction_counter takes, and compares them with the committed counts.
 
     count_instructions.py COUNTER BASELINE COMPILER [--update]
 
 COUNTER is the program, BASELINE the committed list, COMPILER the name, version and system that it was compiled for.
 Two figures stand for a path, per pass:
 
-  instructions  of the library and of all that it calls but the mathematical functions
+  instructions  of the library and of all that it calls, except the mathematical functions
   calls         of mathematical functions, whose own instructions depend on the machine
 
-A path fails where one of them exceeds the committed one by more than 5 %. Another compiler makes other code: then
-nothing is compared and the exit status is 77. --update writes the list anew.
+A path fails if one figure exceeds the committed one by more than 5 %. Another compiler makes other code; nothing is
+then compared and the exit status is 77. --update writes the list anew.
 """
 
 import csv

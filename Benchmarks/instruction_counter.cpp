@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Under callgrind, leaves one dump with the cost of a few passes for each path of paths.h; its trigger is the number
-// of passes and the path's name. scripts/count_instructions reads them.
+// Under callgrind, this program leaves one dump for each path of paths.h, with the cost of a few passes. The trigger of
+// the dump is the number of passes and the path's name. scripts/count_instructions reads the dumps.
 #include "Benchmarks/paths.h"
 
 #include <valgrind/callgrind.h>

@@ -30,7 +30,7 @@ inline std::array<std::string_view, 8> models() {
     return names;
 }
 
-/// The ideal gas with one of the heat capacities each, by the end of their names.
+/// An ideal gas with one of the heat capacities; the end of its name says which.
 struct heat_case {
     std::string_view name;
     std::string_view records;
@@ -43,8 +43,8 @@ inline constexpr heat_case heats[] = {
     {"IG-vib", "5\n472.3\n4\n2*957.3 1952.2 3280.5\n"},
 };
 
-/// A folder with one fluid (its numbers are those of carbon dioxide) in every model and with every heat capacity; it
-/// goes away with the program.
+/// A folder with one fluid (its numbers are those of carbon dioxide) in every model and with every heat capacity. The
+/// program removes the folder when it ends.
 class fluids {
 public:
     fluids() {
@@ -79,7 +79,7 @@ struct answer {
     bool ok;
 };
 
-/// As a host in C asks.
+/// Asks as a host in C does.
 inline answer ask(std::string_view fluid, std::string_view pair, double input1, double input2,
                   std::string_view output) {
     char text[256];
@@ -98,7 +98,7 @@ inline std::array<double, 2> inputs(std::string_view fluid, std::string_view pai
     return {value(pair[0]), value(pair[1])};
 }
 
-/// One way through the library. `run` makes one pass and tells whether it went well.
+/// One way through the library. `run` makes one pass and returns whether it succeeded.
 struct path {
     std::string name;
     std::function<void()> prepare;
@@ -106,8 +106,8 @@ struct path {
     bool costly = false;
 };
 
-/// A request whose first input differs a little from call to call, so that none is answered from the kept state,
-/// unless it is to be.
+/// A request whose first input differs a little from call to call, so that no call is answered from the kept state.
+/// With `cached` the input stays, and every call is.
 inline path request(const std::string &name, std::string_view fluid, std::string_view pair, std::string_view output,
                     bool cached = false) {
     struct state {
@@ -118,7 +118,7 @@ inline path request(const std::string &name, std::string_view fluid, std::string
     return {name,
             [=] {
                 ask(fluid, "tv", 334.541, 0.01, "t");
-                // A table that stands would serve the fluid before.
+                // A table that exists is that of the fluid before.
                 if (pair[1] == 'q')
                     thermodynamics::init_saturation_curves();
                 *kept = {inputs(fluid, pair)};
@@ -137,7 +137,7 @@ inline std::vector<path> paths() {
     std::vector<path> all;
     for (const ostrel::described_pair &pair : ostrel::described_input_pairs())
         for (const std::string_view model : models()) {
-            // Neither has a saturation curve; Martin-Hou's search does not end.
+            // The ideal gases have no saturation curve, and Martin-Hou's search does not end.
             if ((pair.name[1] == 'q' && (model == "IG" || model == "IZG")) ||
                 (model == "MH" && (pair.name == "ps" || pair.name == "hs")))
                 continue;
@@ -146,7 +146,7 @@ inline std::vector<path> paths() {
     for (const std::string_view model : models())
         all.push_back(request("cached/" + std::string(model), model, "tv", "p", true));
     for (const ostrel::described_output &output : ostrel::described_outputs())
-        if (output.text.name != "p") // that of the pairs
+        if (output.text.name != "p") // the pairs above have this output
             all.push_back(request("tv/PR/" + std::string(output.text.name), "PR", "tv", output.text.name));
     constexpr std::array<std::string_view, 2> caloric[] = {{"tv", "u"}, {"tv", "s"}, {"tv", "cv"},
                                                            {"vu", "t"}, {"vs", "t"}, {"ph", "t"}};
@@ -157,7 +157,7 @@ inline std::vector<path> paths() {
     for (const std::string_view model : models()) {
         all.push_back({"load/" + std::string(model), [] {},
                        [=] {
-                           ostrel::os_fluid = {}; // so that the name is a new one
+                           ostrel::os_fluid = {}; // so that the name counts as new
                            return ask(model, "tv", 334.541, 0.01, "p").ok;
                        },
                        true});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The time of every path in paths.h; --benchmark_filter=EXPRESSION picks some. The name of a request is its pair, its
-// model and, where that is not the pressure, its output.
+// Measures the time of every path in paths.h; --benchmark_filter=EXPRESSION selects paths. The name of a request is its
+// pair, its model and, unless it is the pressure, its output.
 #include "Benchmarks/paths.h"
 
 #include <benchmark/benchmark.h>

@@ -3,8 +3,8 @@
 //
 //   fluid_database FOLDER DATABASE FLUID...     FOLDER: where the fluids' parameter files are
 //
-// Makes the database from parameter files, then loads each fluid from it and prints its properties at one state,
-// those that only the modules serve among them.
+// The program makes the database from parameter files. Then it loads each fluid from the database and prints properties
+// at one state; some of them are served by the modules only.
 #include "Ostrel_Main.h"
 #include "Thermodynamics/ideal_specific_heat.h"
 #include "Thermodynamics/thermodynamics.h"
@@ -25,7 +25,7 @@ namespace {
     std::exit(1);
 }
 
-/// The table that the library reads: a fluid's name, and the text of its parameter file.
+/// Makes the table that the library reads: in each row a fluid's name and the text of its parameter file.
 void make_database(const std::string &folder, const char *path, int count, char **fluids) {
     sqlite3 *database = nullptr;
     sqlite3_stmt *insertion = nullptr;
@@ -51,8 +51,8 @@ void make_database(const std::string &folder, const char *path, int count, char 
         give_up("The database cannot be made.");
 }
 
-/// Loads a fluid from the database. Reading derives nothing; that is asked of the modules. The request frame does
-/// not hear of it: the key of its kept state has to go.
+/// Loads a fluid from the database. Reading derives nothing, so the modules must initialise themselves. The request
+/// frame does not notice the new fluid, so the key of its kept state must be cleared.
 void load(std::string_view database, std::string_view fluid) {
     auto &message = ideal_specific_heat::errmsg;
     message.reset();
@@ -66,7 +66,7 @@ void load(std::string_view database, std::string_view fluid) {
     ostrel::os_inputspec = {};
 }
 
-/// A property of the loaded fluid, for which the blank name stands.
+/// A property of the loaded fluid; the blank name stands for it.
 double property(std::string_view pair, double first, double second, std::string_view output) {
     char text[256];
     const double value = ostrel::ostrel_prop("", pair, first, second, output, text);
@@ -90,7 +90,7 @@ int main(int argc, char **argv) {
         const auto &gas = gas_properties::gas;
         const double t = 0.9 * gas.Tc;
         const double d = property("pt", 1e5, t, "d");
-        // What the entry points do not serve, at the state that the request has left in reduced variables.
+        // The entry points do not serve these. The request has left its state in reduced variables.
         const double cp = thermodynamics::cp__T_v(ostrel::T, ostrel::v) * gas.R;
         const double c = thermodynamics::c__T_v(ostrel::T, ostrel::v) * gas.c_ref;
         const auto model = thermodynamics::gas_short_names[static_cast<std::size_t>(thermodynamics::gas_type) - 1];

@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: MIT */
-/* A host that brings its own fluids: their texts are part of the program, and its own routines replace the library's.
- * Property requests load a fluid from a file, so the program puts the texts into a private folder; what reads from
- * a database gets them straight from memory.
+/* A host with its own fluids: their texts are part of the program, and its own routines replace the library's.
+ * Property requests load a fluid from a file, so the program writes the texts into a private folder. A read from a
+ * fluid database gets them directly from memory.
  */
 #define _POSIX_C_SOURCE 200809L
 #include "ostrel.h"
@@ -13,7 +13,7 @@
 
 typedef struct fluid {
     const char *name;
-    const char *text; /* one value a line, as a parameter file has it */
+    const char *text; /* one value in each line, as in a parameter file */
 } fluid;
 
 /* Both are ideal gases without critical data. */
@@ -31,16 +31,16 @@ static const fluid fluids[] = {
 };
 enum { fluid_count = sizeof fluids / sizeof fluids[0] };
 
-/* Made in the current folder, and removed at the end. */
+/* The program makes it in the current folder and removes it at the end. */
 static char folder[] = "own_fluids_XXXXXX";
 
-/* The folder of this program, whatever OSTREL_FLUIDS says. The field comes blank, as those below. */
+/* Gives the folder of this program, whatever OSTREL_FLUIDS says. The field is blank before, as those below. */
 static void fluidpath(char *path, const char *key, size_t path_len, size_t key_len) {
     (void)key, (void)key_len;
     snprintf(path, path_len, "%s/", folder);
 }
 
-/* The fluids in the order of the table; other files in the folder do not count. */
+/* Lists the fluids in the order of the table; other files in the folder do not count. */
 static void searchdirectory(const char *directory, const char *pattern, char *names, size_t directory_len,
                             size_t pattern_len, size_t name_len) {
     (void)directory, (void)pattern, (void)directory_len, (void)pattern_len;
@@ -48,7 +48,7 @@ static void searchdirectory(const char *directory, const char *pattern, char *na
         snprintf(names + (size_t)i * name_len, name_len, "%s.osd", fluids[i].name);
 }
 
-/* A fluid's lines from memory. */
+/* Gives a fluid's lines from memory. */
 static int32_t getfluid(const char *location, const char *key, char *lines, int32_t *found, size_t location_len,
                         size_t key_len, size_t line_len) {
     (void)location, (void)location_len;
@@ -108,7 +108,7 @@ int main(void) {
     atexit(remove_files);
     ostrel_use_host(&host);
 
-    /* Read from memory only, a fluid has its constants; the blank name stands for what is loaded. */
+    /* A fluid that is only read has its constants already. The blank name stands for the fluid in memory. */
     for (int i = 0; i < fluid_count; ++i) {
         char text[256];
         read_init_fluiddatadb("", fluids[i].name, 0, strlen(fluids[i].name));

@@ -38,7 +38,7 @@ static int text_length(const char *text, int length) {
     return length;
 }
 
-/* Says what went wrong in the library's own words, and which fluids there are. */
+/* Prints the library's error text, and which fluids there are. */
 static void give_up(const char *fluid, const char *output, const char *text, int length) {
     static char names[500][256];
     int32_t count = 0;
@@ -78,7 +78,7 @@ static double number(const char *text) {
     return value;
 }
 
-/* Saturated liquid and vapor over a row of temperatures; says so where the model has no such states. */
+/* Prints saturated liquid and vapor over a row of temperatures, or the error text if the model has no such states. */
 static void saturation_table(const char *fluid) {
     static const char *const titles[] = {"T", "p_sat", "d_liquid", "d_vapor", "h_vapor"};
     static const char *const units[] = {"K", "kPa", "kg/m3", "kg/m3", "kJ/kg"};

@@ -27,16 +27,16 @@ program saturation_line
         p = property('tq', t, 1.0_real64, 'p')
         d_liquid = property('tq', t, 0.0_real64, 'd')
         d_vapor = property('tq', t, 1.0_real64, 'd')
-        ! A liquid is asked by its volume: between the phases only t, p, v and d are served.
+        ! The request for the liquid's enthalpy gives its density, since at q = 0 only t, p, v and d are served.
         evaporation = property('tq', t, 1.0_real64, 'h') - property('td', t, d_liquid, 'h')
         print '(f10.3, f13.3, f12.4, f12.5, f14.3)', t, p*1e-3_real64, d_liquid, d_vapor, evaporation*1e-3_real64
     end do
 
-    ! The state in the library's own reduced variables; at the critical point they are 1/Zc and 1.
+    ! The state in the library's own reduced variables, which are 1/Zc and 1 at the critical point.
     call get_tv('pt', p, t + 20, t_reduced, v_reduced)
     print '(a, 2f8.3)', '20 K above the last point, reduced T and v:', t_reduced, v_reduced
 
-    ! A failure is a text; the value alone would not tell.
+    ! The text tells that a request has failed; the value alone does not.
     p = ostrel_prop('nosuch', 'pt', 1.0e5_real64, 300.0_real64, 'd', message)
     print '(a, f0.1, 2a)', 'An unknown fluid: ', p, ', ', trim(message)
 

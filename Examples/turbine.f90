@@ -1,7 +1,7 @@
 ! SPDX-License-Identifier: MIT
 ! Expands toluene vapor in a turbine from 1 MPa and 280 C to several outlet pressures, with 80 % efficiency.
-! The entry points are external procedures without interfaces, as older programs declare them: texts are passed
-! as they are, and the compiler adds their lengths.
+! The entry points are external procedures without interfaces, as older programs declare them: the program passes the
+! texts, and the compiler adds their lengths.
 program turbine
     use, intrinsic :: iso_fortran_env, only: real64
     implicit none
@@ -30,7 +30,7 @@ program turbine
 
 contains
 
-    ! A property in SI units; ends the program with the library's own words where there is none.
+    ! A property in SI units. After a failure the program ends with the library's error text.
     function property(pair, first, second, output)
         character(*), intent(in) :: pair, output
         real(real64), intent(in) :: first, second

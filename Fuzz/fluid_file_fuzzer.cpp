@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// A parameter file: the input is its text. The fluid is loaded through the entry points and asked every input pair with
-// every output, and every constant; then its text is read as a file and as the lines of a fluid database, and written.
+// The input is the text of a parameter file. The fuzzer loads the fluid through the entry points and asks for every
+// output with every input pair, and for every constant. Then it reads the text as a file and as the lines of a fluid
+// database, and writes it.
 //
-// A heat capacity of very many terms, which is allowed, is asked for less.
+// A heat capacity may have very many terms; such a fluid is asked for less.
 #include "Fuzz/fuzz_support.h"
 
 #include "Records/record_writer.h"
@@ -15,7 +16,7 @@ using fuzz::require;
 
 std::string_view text_of_file;
 
-/// Gives the file's lines as a host that finds them in its database.
+/// Gives the lines of the file, as a host does that finds them in its database.
 int32_t getfluid(const char *, const char *, char *lines, int32_t *found, size_t, size_t, size_t line_len) {
     *found = 1;
     for (std::string_view line : fuzz::split(text_of_file, '\n')) {
@@ -65,7 +66,7 @@ void ask_everything(const state &at) {
         return name == "t" ? at.t : name == "v" ? at.v : name == "q" ? 1.0 : ask("tv", at.t, at.v, name);
     };
     ask_outputs("tv", at.t, at.v);
-    // The outputs are those of the state, whichever pair gave it.
+    // The outputs belong to the state, whichever pair gave it.
     for (const auto &pair : ostrel::described_input_pairs())
         for (const std::string_view output : {"h", "t"})
             ask(pair.name, input(pair.first.name), input(pair.second.name), output);
@@ -77,7 +78,7 @@ void ask_everything(const state &at) {
     }
 }
 
-/// All parameters as they are written.
+/// All parameters as the library writes them.
 std::string written() {
     records::record_writer out;
     thermodynamics::write_param_thermodynamics(out);
@@ -85,7 +86,7 @@ std::string written() {
     return out.text();
 }
 
-/// Reads with the library as just loaded; answers the error text.
+/// Reads with the library in the state of a new one; returns the error text.
 template <class Read>
 std::string text_after(Read read) {
     support::fresh_library();
@@ -101,7 +102,7 @@ void read_as_file_and_lines(const std::string &path, const support::fluid_folder
     if (read_file(path) != "No errors")
         return;
     const std::string from_file = written();
-    // The record of an ideal gas with constant Z is written with a text in front, which readers refuse.
+    // The writer puts a text in front of the record of an ideal gas with constant Z, and the readers refuse that.
     constexpr std::int32_t ideal_Z = 8;
     require(thermodynamics::gas_type == ideal_Z || read_file(folder.write("written", from_file)) == "No errors",
             "what is written can be read", support::shared_text());
@@ -115,11 +116,11 @@ void read_as_file_and_lines(const std::string &path, const support::fluid_folder
     if (message == "No errors")
         require(written() == from_file, "a file and a database give the same parameters");
     else
-        // A file goes on in its next record, or it ends with records that are not looked at.
+        // In a file, missing values are sought in the next record, and a file may end with records that nobody reads.
         require(message.ends_with("found the end of the line."), "a database gives what a file gives", message);
 }
 
-/// Whether an evaluation of the heat capacity is as fast as that of real fluids; 10,000 terms are allowed.
+/// Whether the heat capacity is evaluated as fast as that of real fluids; 10,000 terms are allowed.
 bool is_fast() {
     const auto &heat = ideal_specific_heat::active;
     return std::max({heat.a_i.size(), heat.T_k.size(), heat.a_ik.size(), heat.Tv.size()}) <= 64;

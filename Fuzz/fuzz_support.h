@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the fuzzers share: inputs as scripts that people can read, output fields with guards, and what holds after
-// every call of an entry point.
+// The fuzzers share this file: inputs as scripts that people can read, output fields with guards, and the promises that
+// hold after every call of an entry point.
 #pragma once
 
 #include "Ostrel_Main.h"
@@ -46,7 +46,7 @@ inline void require(bool holds, std::string_view what, std::string_view seen = "
     std::abort();
 }
 
-/// Takes the text up to the separator, or all of it, off the front.
+/// Removes the text up to the separator, or all of the text, from the front and returns it.
 inline std::string_view take(std::string_view &text, char separator) {
     const std::size_t end = std::min(text.find(separator), text.size());
     const std::string_view taken = text.substr(0, end);
@@ -54,7 +54,7 @@ inline std::string_view take(std::string_view &text, char separator) {
     return taken;
 }
 
-/// The parts of a text; a separator at its end has none behind it.
+/// The parts of a text; there is no part behind a separator at its end.
 inline std::vector<std::string_view> split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     while (!text.empty())
@@ -78,7 +78,7 @@ public:
     std::optional<std::string_view> text(std::size_t i) const {
         return i < arguments_.size() ? std::optional(arguments_[i]) : std::nullopt;
     }
-    /// As strtod reads it, 0 where that reads nothing.
+    /// The number that strtod reads; 0 if it reads nothing.
     std::optional<double> number(std::size_t i) const {
         if (i >= arguments_.size())
             return std::nullopt;
@@ -122,7 +122,7 @@ inline std::string_view as_text(const std::uint8_t *data, std::size_t size) {
     return {reinterpret_cast<const char *>(data), size};
 }
 
-/// A byte that no text has which the library forms from these inputs; none if they have all.
+/// A byte that is in no text which the library forms from these inputs; none if the inputs have every byte.
 inline std::optional<char> foreign_byte(std::string_view inputs) {
     for (int byte = 0x80; byte <= 0xff; ++byte) {
         const char candidate = static_cast<char>(byte);
@@ -133,7 +133,7 @@ inline std::optional<char> foreign_byte(std::string_view inputs) {
     return std::nullopt;
 }
 
-/// A field that the library fills, with bytes around it that it must leave.
+/// A field that the library fills, with bytes around it that the library must not change.
 class output_field {
 public:
     output_field(std::size_t length, std::optional<char> foreign)
@@ -168,7 +168,7 @@ private:
     std::string bytes_;
 };
 
-/// How every text begins that a host may find as an error.
+/// Requires that the error text begins as one of those that Documentation/Entry-points.md lists.
 inline void expect_documented_error_text() {
     static constexpr std::string_view beginnings[] = {
         " IOSTAT returned",
@@ -211,7 +211,7 @@ inline const char *pointer(const text_argument &text) {
     return text ? text->data() : nullptr;
 }
 inline std::size_t length(const text_argument &text) {
-    return text ? text->size() : 7; // of a null pointer it does not matter
+    return text ? text->size() : 7; // the length of a null pointer does not matter
 }
 inline const double *pointer(const number_argument &number) {
     return number ? &*number : nullptr;
@@ -225,7 +225,7 @@ struct property_request {
     text_argument output;
 };
 
-/// Asks for a property and checks what ostrel.h promises of the answer. Without a field a null pointer is passed.
+/// Asks for a property and checks all that ostrel.h promises of the answer. Without a field a null pointer is passed.
 inline double ask(const property_request &request, output_field *errmsg, bool underscore = false) {
     const auto &[fluid, pair, input1, input2, output] = request;
     const auto call = underscore ? ostrel_prop_ : ostrel_prop;
@@ -252,7 +252,7 @@ inline double ask(const property_request &request, output_field *errmsg, bool un
     return value;
 }
 
-/// Asks for a constant; likewise.
+/// Asks for a constant and checks the answer in the same way.
 inline double ask_info(const text_argument &fluid, const text_argument &name, output_field *errmsg,
                        bool underscore = false) {
     const auto call = underscore ? ostrel_info_ : ostrel_info;
@@ -273,8 +273,8 @@ inline double ask_info(const text_argument &fluid, const text_argument &name, ou
     return value;
 }
 
-// Building the saturation table takes much longer than all the rest: most inputs get a made-up table, and only one of
-// 64, chosen by its bytes, builds its own.
+// Building the saturation table takes much longer than everything else. Most inputs therefore get a made-up table; only
+// one input in 64, chosen by its bytes, builds its own.
 
 /// Whether this input may build tables.
 inline bool builds_table(std::string_view input) {
@@ -284,7 +284,7 @@ inline bool builds_table(std::string_view input) {
     return hash % 64 == 0;
 }
 
-/// Fills the table with about the saturation curve of any fluid.
+/// Fills the table with a curve that is roughly the saturation curve of any fluid.
 inline void make_up_saturation_table(double Zc) {
     using namespace thermodynamics;
     for (auto *column : {&TTs, &PPs, &vvgs, &vvls})

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The reader and the writer of records. The input's first line says what is read, one letter each, from the lines
-// behind it:
+// The reader and the writer of records. The first line of the input says what is read from the lines behind it, with
+// one letter for each step:
 //
-//   S a heading   A a name   d, i, l a real, an integer, a logical, those up to a ";" in one READ
+//   S a heading   A a name   d, i, l a real, an integer, a logical; all of them up to a ";" are one READ
 //   a digit: a list of as many reals   c a count, and a list of as many reals
 //
-// The same lines are read as a file and as an array of lines. Both forms must agree, but where a value is missing in a
-// record (a file goes on in the next one) and where the records end. Numbers are compared with the C library's, and
-// what has been read is written and must be read back.
+// The same lines are read as a file and as an array of lines. Both forms must agree, except where a value is missing in
+// a record (a file continues in the next one) and where the records end. Numbers are compared with those of the C
+// library. The values that have been read are written, and must be read back.
 #include "Fuzz/fuzz_support.h"
 
 #include "Records/record_reader.h"
@@ -21,7 +21,7 @@ namespace {
 
 using fuzz::require;
 
-/// What has been read, a vector for each value or list. Items point into these.
+/// The values that have been read, a vector for each value or list. Items point into these vectors.
 struct values {
     std::deque<std::vector<double>> reals;
     std::deque<std::int32_t> integers;
@@ -53,7 +53,7 @@ bool read_reals(records::record_reader &in, values &into, std::size_t count) {
     return in.read_list("list", std::span(into.reals.emplace_back(count, unset_real)));
 }
 
-/// One letter, or with those of single values all of one READ.
+/// Executes one letter, or all the letters of single values that form one READ.
 bool execute(records::record_reader &in, std::string_view step, values &into) {
     switch (step.front()) {
     case 'S':
@@ -139,7 +139,7 @@ struct line_array {
     std::vector<char> entries;
 };
 
-/// The message with the one word in which the forms differ.
+/// The message with "file" in place of "line", the only word in which the two forms differ.
 std::string as_of_a_file(std::string_view message) {
     constexpr std::string_view line_end = "the end of the line.";
     std::string text(message);
@@ -157,7 +157,7 @@ void expect_sound(const records::record_reader &in) {
     require(!in.failed() || message.starts_with("Ostrel error: "), "a message is of its kind", message);
 }
 
-/// What the C library makes of the first value of a record, where both take it for a plain number.
+/// Compares the first value of a record with the C library's, if both take it for a plain number.
 void compare_with_c_library(std::string_view record, std::string_view step, bool ok, const values &got) {
     record.remove_prefix(std::min(record.find_first_not_of(" \t"), record.size()));
     const std::string token(record.substr(0, record.find_first_of(" \t,/")));
@@ -182,7 +182,7 @@ void compare_with_c_library(std::string_view record, std::string_view step, bool
     }
 }
 
-/// Reads the text in both forms side by side; answers what the file gave.
+/// Reads the text in both forms side by side; returns the values from the file.
 values read_both(std::string_view program, std::string_view text) {
     const memory_file memory(text);
     records::file_reader file(memory.path());
@@ -230,7 +230,7 @@ values read_both(std::string_view program, std::string_view text) {
     return from_file;
 }
 
-/// Writes each value in a record of its own, lists, and all kinds in one record, and reads them back.
+/// Writes each value in a record of its own, the lists, and values of all kinds in one record; then reads all back.
 void write_and_read_back(const values &wanted) {
     std::vector<double> all_reals;
     for (const auto &list : wanted.reals)

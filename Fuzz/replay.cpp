@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Runs a fuzzer over the files and folders it is given, once each: the corpus and the finds as an ordinary test.
-// The limits are those of scripts/fuzz: 30 s for a file, since a saturation table under sanitizers on a busy machine
-// takes some, and 2048 MB for all.
+// Runs a fuzzer once over each of the given files and folders, so that the corpus and the finds are an ordinary test.
+// The limits are those of scripts/fuzz: 2048 MB for all, and 30 s for a file, since a saturation table under sanitizers
+// on a busy machine takes several seconds.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The file in work, for what ends the process.
+/// The file in work, for the message when something ends the process.
 std::string current;
 
 std::vector<std::string> files_of(int count, char **names) {
@@ -57,7 +57,7 @@ int main(int argc, char **argv) {
     for (const std::string &file : files) {
         std::ifstream in(file, std::ios::binary);
         const std::string text{std::istreambuf_iterator<char>(in), {}};
-        // A copy of exactly this size, so that reading beyond it is seen.
+        // The copy has exactly this size, so that the sanitizer notices a read beyond it.
         const std::vector<std::uint8_t> data(text.begin(), text.end());
         std::fprintf(stderr, "%s\n", file.c_str());
         current = file;

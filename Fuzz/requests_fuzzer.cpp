@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Sequences of calls of the entry points in one process. Each line of the input is a call, its arguments behind "|";
-// a missing argument is a null pointer, and a name with an underscore behind it calls the other form of the symbol:
+// Sequences of calls of the entry points in one process. Each line of the input is a call; its arguments stand behind
+// "|". A missing argument is a null pointer. A name with an underscore behind it calls the other form of the symbol:
 //
 //   prop|fluid|pair|input1|input2|output|errmsg length      tv|pair|input1|input2
 //   info|fluid|name|errmsg length                           fluids|length of a name
 //   init|name   file|path   db|location|name                version   version|   sub
 //   host   host|directory|names|lines
 //
-// The last replaces the host: by the default one, or by one that answers the texts as they are, the entries of names
-// and the lines divided by ";". A missing text leaves that routine out. "throw!" throws, lines that begin with "!" are
-// not found, and with "?" found but refused.
+// The last call replaces the host, by the default one or by one that answers with the given texts; a ";" divides the
+// entries of names and the lines. A missing text leaves that routine out. "throw!" throws. Lines that begin with "!"
+// are not found; lines that begin with "?" are found but refused.
 #include "Fuzz/fuzz_support.h"
 
 #include <stdexcept>
@@ -19,7 +19,7 @@ namespace {
 using fuzz::require;
 using fuzz::text_argument;
 
-/// What the host answers next.
+/// The texts with which the host answers next.
 struct host_answers {
     std::string directory;
     std::string names;
@@ -32,7 +32,7 @@ void throw_if_asked(std::string_view answer) {
         throw std::runtime_error("a host that throws");
 }
 
-/// Copies without padding.
+/// Copies the text and does not pad the field.
 void put(std::string_view text, char *field, std::size_t length) {
     std::copy_n(text.data(), std::min(text.size(), length), field);
 }
@@ -59,7 +59,7 @@ void searchdirectory(const char *directory, const char *pattern, char *names, si
 int32_t getfluid(const char *location, const char *key, char *lines, int32_t *found, size_t location_len,
                  size_t key_len, size_t line_len) {
     require(line_len == 255, "a line has 255 characters");
-    // Touches every byte that the lengths promise.
+    // Counting reads every byte that the lengths promise.
     static_cast<void>(std::count(location, location + location_len, ' ') + std::count(key, key + key_len, ' '));
     throw_if_asked(answers.lines);
     *found = answers.lines.starts_with('!') ? 0 : 1;
@@ -125,7 +125,7 @@ struct call {
             return;
         }
         const std::size_t length = line.count(0, 256, 300);
-        // A shipped fluid's name has none of these bytes either.
+        // The names of shipped fluids have none of these bytes either.
         fuzz::output_field names(500 * length, foreign);
         entry(&count, names.data(), length);
         fuzz::expect_documented_error_text();
@@ -163,7 +163,7 @@ struct call {
     }
 
 private:
-    /// None where the argument is empty: a null pointer.
+    /// None where the argument is empty; the call then gets a null pointer.
     std::optional<fuzz::output_field> field(std::size_t i) const {
         if (line.text(i) == "")
             return std::nullopt;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The numerics. The input's first line chooses what is loaded, "load|model|heat capacity" by their places in the tables
-// of cases; each line behind it is an operation with numbers, all reduced:
+// The numerics. The first line of the input, "load|model|heat capacity", chooses the fluid by places in the tables of
+// cases. Each line behind it is an operation with its numbers, all reduced:
 //
-//   T__P_v|P|v|first T ...       the solvers, a missing first value being theirs
+//   T__P_v|P|v|first T ...       the solvers; without a first value they take their own
 //   set|variable|value           overwrites a bound or a constant of the fluid
 //   kfact|order|elements ...     matrices, roots, derivatives, vectors
 //
-// A solver that leaves no message has met its target; every operation ends soon; results that are left unchanged are.
-// What stops the process by its contract is not called: non-square and singular matrices where they are refused, root
-// finders that find nothing.
+// A solver that leaves no message must have met its target, every operation must end soon, and an operation that
+// promises to leave its result unchanged must do so. Calls that stop the process by their contract are not made:
+// matrices that are not square or singular where they are refused, root finders that find nothing.
 #include "Fuzz/fuzz_support.h"
 
 #include "Algebra/derivatives.h"
@@ -33,7 +33,7 @@ constexpr double epsilon = std::numeric_limits<double>::epsilon();
 constexpr std::size_t models = std::size(support::model_cases);
 constexpr std::size_t heats = std::size(support::heat_cases);
 
-/// The case with its saturation table, made once and put into place again for each input.
+/// Loads a case with its saturation table. Each case is made once and put into place again for later inputs.
 void load(std::size_t model, std::size_t heat) {
     static std::map<std::pair<std::size_t, std::size_t>, library_state::kept> cases;
     auto known = cases.find({model, heat});
@@ -46,7 +46,7 @@ void load(std::size_t model, std::size_t heat) {
         transport_properties::active.T_ref_s = transport_properties::active.T_ref_l = 300.0;
         transport_properties::active.Pr = 0.7;
         transport_properties::init_transport_properties();
-        // With one of the heat capacities the table is the model's own.
+        // With the first heat capacity the table is the model's own.
         if (heat == 0)
             init_saturation_curves();
         else
@@ -58,7 +58,7 @@ void load(std::size_t model, std::size_t heat) {
     library_state::restore(known->second);
 }
 
-/// A model is active, and so a solver solves.
+/// Whether a model is active: without one, no solver searches.
 bool has_model() {
     return gas_type >= 1 && gas_type <= 8;
 }
@@ -67,7 +67,7 @@ void expect_message_of(std::string_view name) {
     require(errmsg.trimmed() == "ERROR: in " + std::string(name), "a solver says that it has failed", errmsg.trimmed());
 }
 
-/// A solver in one unknown: its result has the wanted value, or a message says that it has not.
+/// A solver in one unknown: its result must have the wanted value, or there must be a message.
 template <double (*solve)(double, double, std::optional<double>), double (*value)(double, double)>
 void solve_T(const arguments &line, double least) {
     const double target = line.number_or(0, 1.0);
@@ -102,7 +102,7 @@ void solve_both(const arguments &line) {
     require(!(v < vmin), "a solver keeps above its bound", line.name());
 }
 
-/// Solver and evaluation in one: 0 where a message stands.
+/// A solver that evaluates its result: it must return 0 if there is a message.
 template <double (*evaluate)(double, double, std::optional<double>)>
 void after_solve(const arguments &line) {
     const double value = evaluate(line.number_or(0, 1.0), line.number_or(1, 1.0), line.number(2));
@@ -128,7 +128,7 @@ Result untouched_result() {
     return result;
 }
 
-/// An operation that leaves its result where a message stands.
+/// An operation that must leave its result unchanged if there is a message.
 template <class Result>
 void at_found_state(void (*evaluate)(double, double, Result &, std::optional<double>), const arguments &line) {
     Result result = untouched_result<Result>();
@@ -136,7 +136,7 @@ void at_found_state(void (*evaluate)(double, double, Result &, std::optional<dou
     require(errmsg.clear() || is_untouched(result), "a result is left where a message stands", line.name());
 }
 
-/// Every operation at (T, v): none may trap or leave a message.
+/// Calls every operation at (T, v): none may trap or leave a message.
 void evaluate_all(const arguments &line) {
     const double T = line.number_or(0, 1.0);
     const double v = line.number_or(1, 1.0);
@@ -182,7 +182,7 @@ void evaluate_transport(const arguments &line) {
     init_transport_properties();
 }
 
-/// Overwrites what a parameter file or a failed load could have left there.
+/// Overwrites a variable with a value that a parameter file or a failed load could have left there.
 void set(const arguments &line) {
     auto &gas = gas_properties::gas;
     static const std::map<std::string_view, double *> variables = {
@@ -239,7 +239,7 @@ void saturation_table(const arguments &) {
             "the table's columns have one length, at most 2048");
 }
 
-/// The numbers of a line from the i-th on, at most this many.
+/// The numbers of a line from the i-th on, `most` of them at most.
 std::vector<double> numbers(const arguments &line, std::size_t i, std::size_t most) {
     std::vector<double> result;
     while (result.size() < most && line.text(i))
@@ -269,7 +269,7 @@ void state_vectors(const arguments &line) {
     require(errmsg.clear() || is_untouched(extended), "a state is left where a message stands");
 }
 
-/// Whether products of a few such elements neither overflow nor vanish.
+/// Whether products of a few of these elements neither overflow nor vanish.
 bool moderate(std::span<const double> elements) {
     return std::all_of(elements.begin(), elements.end(),
                        [](double x) { return x == 0.0 || (std::abs(x) > 1e-30 && std::abs(x) < 1e30); });
@@ -326,7 +326,7 @@ void factor(const arguments &line) {
     require(lin_algebra::kvert(F).size() == A.order * A.order, "an inverse has the matrix's shape");
 }
 
-/// Any numbers of rows and columns, also those that are refused.
+/// Inverts a matrix with any numbers of rows and columns, also with those that are refused.
 void invert(const arguments &line) {
     const std::size_t rows = line.count(0, 2, 5);
     const std::size_t columns = line.count(1, 2, 5);
@@ -355,7 +355,7 @@ void strike_out(const arguments &line) {
         require(std::isnan(minor), "no minor of a row or column that is not there");
 }
 
-/// x^3 + a x^2 + b x + c: the roots sum up to -a, and two of them are real or conjugate.
+/// Solves x^3 + a x^2 + b x + c = 0: the roots must add up to -a, and two of them must be real or conjugate.
 void cubic(const arguments &line) {
     const double a = line.number_or(0, 1.0);
     const auto roots = non_lin_algebra::solve_eq_3(a, line.number_or(1, 1.0), line.number_or(2, 1.0));
@@ -369,7 +369,7 @@ void cubic(const arguments &line) {
                 "the roots sum up to -a");
 }
 
-/// A cubic polynomial that counts how often it is asked.
+/// A cubic polynomial that counts its evaluations.
 struct counted_cubic {
     std::array<double, 4> c;
     int &calls;
@@ -379,7 +379,7 @@ struct counted_cubic {
     }
 };
 
-/// Where the search would stop the process it is left instead.
+/// Thrown to leave the search where it would stop the process.
 struct would_stop {};
 
 /// newton|x0|tolerance|n_max|f_sh|c0|c1|c2|c3
@@ -425,7 +425,7 @@ void bisect(const arguments &line) {
     if ((fa > 0.0 && fb > 0.0) || (fa < 0.0 && fb < 0.0))
         return;
     const double x = nonlinear_equations::bisection(f, a, b, std::max(line.number_or(2, 1e-12), 1e-15), shift);
-    // One halving per exponent and per bit, for an interval of any doubles.
+    // An interval of any doubles needs one halving for each exponent and for each bit.
     require(calls < 2300, "a bisection ends when no number is left");
     if (std::isfinite(a) && std::isfinite(b))
         require(x >= std::min(a, b) && x <= std::max(a, b), "a root in its interval");
@@ -530,7 +530,7 @@ const operation operations[] = {
     {"derivatives", differentiate},
 };
 
-/// Runs one operation from a clean error text, and sees that it ends soon.
+/// Runs one operation from a clear error text, and requires that it ends soon.
 void run(const arguments &line, bool builds_table) {
     for (const operation &candidate : operations) {
         if (candidate.name != line.name())

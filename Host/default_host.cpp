@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The default host: where the fluid files are, which there are, and the SQLite fluid database.
+// The default host: it knows the fluid directory, lists the fluid files and reads SQLite fluid databases.
 #include "Host/fluid_database.h"
 #include "Records/fixed_text.h"
 #include "host.h"
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Some object of the library, by which the dynamic loader knows its file.
+/// An object of the library, from whose address the dynamic loader tells the library's file.
 const int library_marker = 0;
 
 /// The fluid directory of an installed tree, relative to the library's own file; empty if there is none.
@@ -47,7 +47,8 @@ std::string fluid_directory() {
 }
 
 void fluidpath(char *path, const char *, size_t path_len, size_t) {
-    // Cut, a directory that does not fit could be another one: a name longer than any that exists stands for it.
+    // A directory that does not fit is not cut, since the rest could name another directory. A name that is longer
+    // than any directory's takes its place.
     std::string directory = fluid_directory();
     if (directory.size() > path_len)
         directory.assign(path_len, '?');

@@ -14,7 +14,7 @@ namespace fluid_database {
 #ifdef OSTREL_WITH_SQLITE
 
 std::optional<std::string> read(const std::string &location, const std::string &name) {
-    // Only a regular file: opening a pipe would wait for its other end.
+    // Only a regular file is opened, since opening a pipe would wait for its other end.
     std::error_code failed;
     if (location.find('\0') != std::string::npos || !std::filesystem::is_regular_file(location, failed))
         return std::nullopt;
@@ -23,7 +23,7 @@ std::optional<std::string> read(const std::string &location, const std::string &
     const std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database(opened, sqlite3_close);
     if (open_status != SQLITE_OK)
         return std::nullopt;
-    // Wait for a writer a little, and end a query that goes on: the table may be a view on anything.
+    // SQLite waits a little for a writer, and ends a query that takes long: the table may be a view of anything.
     sqlite3_busy_timeout(opened, 500);
     sqlite3_progress_handler(
         opened, 10'000'000, [](void *) { return 1; }, nullptr);

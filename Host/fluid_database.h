@@ -9,7 +9,7 @@
 
 namespace fluid_database {
 
-/// The text of a fluid; none if the database, its table or the fluid is not there, or SQLite is not built in.
+/// The text of a fluid; none if the database, its table or the fluid is missing, or SQLite is not built in.
 std::optional<std::string> read(const std::string &location, const std::string &name);
 
 /// Puts the text's lines into the entries of a blank-padded line array, without their line ends. Answers why the text

@@ -25,7 +25,7 @@ public:
         sqlite3_busy_timeout(opened, 2000);
     }
 
-    /// Throws SQLite's words unless the status is the wanted one.
+    /// Throws SQLite's message unless the status is the wanted one.
     void demand(int status, int wanted) const {
         if (status != wanted)
             throw std::runtime_error(location_ + ": " +
@@ -53,7 +53,7 @@ public:
             sqlite3_bind_text64(prepared_.get(), place, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8),
             SQLITE_OK);
     }
-    /// Whether there is a row.
+    /// Returns whether there is a row.
     bool step() const {
         const int status = sqlite3_step(prepared_.get());
         if (status != SQLITE_ROW)
@@ -72,7 +72,7 @@ private:
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> prepared_{nullptr, sqlite3_finalize};
 };
 
-/// What is there under that name must be a file: opening a pipe would wait for its other end.
+/// Throws if something other than a regular file has that name: opening a pipe would wait for its other end.
 void demand_file(const std::string &location) {
     std::error_code failed;
     const auto type = std::filesystem::status(location, failed).type();
@@ -85,7 +85,7 @@ void demand_file(const std::string &location) {
 std::vector<bool> put(const std::string &location, const std::vector<entry> &entries) {
     demand_file(location);
     const connection database(location, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    // Until its COMMIT the transaction is undone when the connection closes.
+    // If the connection closes before the COMMIT, the transaction is undone.
     database.execute("BEGIN IMMEDIATE; CREATE TABLE IF NOT EXISTS fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL)");
     std::vector<bool> replaced;
     {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Parameter files into an SQLite fluid database and out of it. Not part of the library, which only reads one.
+// Puts parameter files into an SQLite fluid database and takes them out of it. The library itself only reads databases;
+// this is no part of it.
 #pragma once
 
 #include <string>
@@ -14,10 +15,10 @@ struct entry {
     std::string text;
 };
 
-// These throw std::runtime_error with what went wrong, also if SQLite is not built in.
+// These functions throw std::runtime_error with a message, also if SQLite is not built in.
 
-/// Puts the entries into the database in one transaction, which makes what is missing of it. Answers for each entry
-/// whether it has replaced one.
+/// Puts the entries into the database in one transaction, and creates the file and its table if they are missing.
+/// Returns for each entry whether it has replaced one.
 std::vector<bool> put(const std::string &location, const std::vector<entry> &entries);
 
 /// All entries of a database, in the order of their names.

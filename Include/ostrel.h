@@ -1,45 +1,62 @@
 /* SPDX-License-Identifier: MIT */
-/* Ostrel: thermodynamic and transport properties of one pure fluid at a time from simple equations of state.
+/* Ostrel computes thermodynamic and transport properties of one pure fluid at a time from simple equations of state.
  *
- * Arguments. Everything goes by reference. A text is a char field without a terminating NUL; its length
- * follows by value at the end of the argument list, one per text, in the order of the texts. Input texts
- * may have any length and bytes; trailing blanks do not count. Output texts are blank-padded or
- * truncated to their length. A null pointer stands for an empty text, or for a NaN where a number is read;
- * where a number or array is written it receives nothing.
- * Lifetimes. The library keeps no pointer that it is given, but for the functions of ostrel_use_host.
- * Errors. An error text says "No errors" on success; compare its first nine characters, and test the text,
- * not the value: a success may be a NaN or an infinity. Nothing here stops the process or throws.
- *   " IOSTAT returned" n       the fluid's file cannot be opened; n is errno's code, 2 = there is no such file
- *   " Error in Ostrel: error opening fluid" name    the fluid database does not give the fluid
- *   "Ostrel error: ..."        a record of a file that cannot be read, an unknown code or name, a refused quality,
- *                              memory that is out, a host routine that threw
- *   "The gas ... is not a vapor: ..."    the model, heat capacity or viscosity wants critical data
- *   "Viscosity and thermal conductivity model do not match. ..."    Chung's viscosities want Chung's conductivity of
- *                              the same kind
- *   " ERROR:  v__P_T__... STOP"    the model's critical volume is not found from these very digits of Tc and Pc;
- *                              another last digit of either helps
- *   "ERROR: in ..."            the solver for the pair has not converged in 50 steps from its default first values,
- *                              or has met a singular Jacobian
- *   "Saturation ... higher than critical ...", "... out of range: ...", "Newton method failed ...",
- *   "No solution has been found ..."    there is no saturated state there, or it is not found
- *   " Matrix A is singular. ..."    "pq" or "tq" met a singular Jacobian
- * After a singular Jacobian "ph", "ps", "hs", "pq" and "tq" fail for every fluid, unless their first values already are
- * the solution, until the library is loaded anew. The degree sign in a range of temperatures is the one byte 0xB0.
- * A number of a model that does not exist is not reported: a file with such a gas_type answers 0, with such a viscosity
- * or conductivity model a NaN.
- * Threads. One set of state for the whole library and no locks: calls must not overlap.
- * Environment. The host's locales, rounding mode, floating-point traps and flushing of subnormal numbers neither count
- * nor change. Its exception flags stay too, unless those three are as at a program's start: then some may be raised.
- * The functions of ostrel_use_host compute with those three as at a program's start, and must leave them so; on
- * x86-64 the x87 unit (long double, and what fegetround answers) is the host's in all but getfluid.
- * Resources. A call needs less than 32 KiB of stack and leaves no descriptor open, but SQLite fills those of closed
- * standard streams with /dev/null. A file is read whole and closed at once: what happens to it afterwards counts when
- * its fluid is loaded again. A pipe, socket or terminal in its place is refused (code 6), and nothing waits for one.
- * Loading. Unloaded with dlclose, the library is gone, and as new when it is loaded again. Copies of its file that are
- * loaded with RTLD_LOCAL have a state each; beside one that is linked or loaded with RTLD_GLOBAL it takes
- * RTLD_DEEPBIND or dlmopen, else they share.
- * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran
- * compilers expect of an external procedure: call it as it is, without writing the lengths.
+ * A host names a fluid, two state variables that it knows, their values and one property that it wants. It gets the
+ * value of that property and an error text. Each fluid is a parameter file in the fluid directory.
+ *
+ *     #include <stdio.h>
+ *     #include <string.h>
+ *     #include "ostrel.h"
+ *
+ *     int main(void) {
+ *         const double p = 1e5, t = 400; // Pa, K
+ *         char text[256];
+ *         const double d = ostrel_prop("toluene", "pt", &p, &t, "d", text, 7, 2, 1, sizeof text);
+ *         if (strncmp(text, "No errors", 9) != 0) {
+ *             printf("%.256s\n", text);
+ *             return 1;
+ *         }
+ *         printf("%.3f kg/m3\n", d); // prints 2.850 kg/m3
+ *         return 0;
+ *     }
+ *
+ * This comment is the contract of all functions. Documentation/Entry-points.md in the source tree has the list of the
+ * error texts with what helps, and describes what may surprise a host: what stays in memory after a failure, searches
+ * that end at another state, the saturation table that is built only once, the units of Chung's conductivities.
+ *
+ * Arguments. Every argument is passed by reference, except lengths. A text is a char field without a terminating NUL.
+ * Its length follows by value at the end of the argument list, one length for each text, in the order of the texts. An
+ * input text may have any length and any bytes; its trailing blanks do not count. The library pads an output text with
+ * blanks to its length, or truncates it. A null pointer stands for an empty text, or for a NaN where the library reads
+ * a number. Where the library would write a number, an array or a text, nothing is written through a null pointer.
+ *
+ * Units. The bracket in front of an argument's description is its unit. [-] marks texts and counts. [SI] is the SI
+ * unit that stands beside the code of the quantity. [T_ref] and [v_ref] mark reduced values: multiples of the fluid's
+ * reference temperature and reference specific volume.
+ *
+ * Lifetimes. The library keeps no pointer that it is given, except the functions of ostrel_use_host.
+ *
+ * Errors. After a success the error text begins with the nine characters "No errors". Test the text and not the value,
+ * since a success may be a NaN or an infinity. No function ends the process or throws an exception. A function without
+ * an argument for the error text leaves its message in the library's shared error text and does not clear that text
+ * first; ostrel_prop does. The only other function that shows that text is ostrel_info.
+ *
+ * Threads. The whole library has one set of state and no locks: calls must not overlap.
+ *
+ * Environment. The library neither uses nor changes the host's locales, rounding mode, floating-point traps and
+ * flushing of subnormal numbers. It also preserves the floating-point exception flags where the host has changed one
+ * of the last three; where they are as at the start of a program, a call may raise flags. The functions of
+ * ostrel_use_host run with these three as at the start of a program, and must leave them so. On x86-64 the x87 unit
+ * (long double, and what fegetround returns) remains as the host has set it, except while getfluid runs.
+ *
+ * Resources. A call needs less than 32 KiB of stack and leaves no file descriptor open. A parameter file is read whole
+ * and closed before the call returns; a later change of the file takes effect when its fluid is loaded again. A pipe,
+ * a socket or a terminal in the place of a file is refused (code 6), so that no call waits for one.
+ *
+ * Loading. After dlclose nothing of the library is left; when it is loaded again, its state is a new one.
+ *
+ * Fortran. Every function is also exported with one trailing underscore, in the form that Fortran compilers expect of
+ * an external procedure: call it without writing the lengths.
  */
 #ifndef OSTREL_H
 #define OSTREL_H
@@ -51,91 +68,69 @@
 extern "C" {
 #endif
 
-/* One property of a fluid, in SI units: the value, or -8888.8 after a failure.
+/* One property of a fluid, in SI units; -8888.8 after a failure.
  *
- * fluid       [-] name of a parameter file in the fluid directory without its ".osd", as the file system has
- *             it: case and leading blanks count, a "/" names nothing. At most 8 characters, or the file is
- *             read again at every request
+ * fluid       [-] name of a parameter file in the fluid directory, without its extension ".osd". Case and leading
+ *             blanks count; a name with a "/" is never found. A fluid whose name has more than 8 characters is read
+ *             again at every request
  * inputspec   [-] input pair, in either case: "tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts", "tq", "vh",
  *             "vs", "vu", "dh", "ds", "du" or "hs"
  * input1      [SI] first value of the pair: t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg, s in
  *             J/(kg K), q (vapor quality) in 1
- * input2      [SI] second value of the pair: the same units
+ * input2      [SI] second value of the pair, in the same units
  * outputspec  [-] wanted property, in either case: "t" K, "v" m3/kg, "d" kg/m3, "p" Pa, "h" J/kg,
  *             "s" J/(kg K), "u" J/kg, "cv" J/(kg K), "dp_dt" Pa/K, "dp_dv" Pa kg/m3, "d2p_dt2" Pa/K2,
- *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2), "eta"
- *             (viscosity) Pa s, "lambda" (thermal conductivity) W/(m K); see below for Chung's models
- * errmsg      [-] receives "No errors" or the error text; 256 characters hold every text whole, but
- *             for those that quote a longer output name
+ *             "d2p_dv2" Pa kg2/m6, "d2p_dtdv" Pa kg/(K m3), "dcv_dt" J/(kg K2), "eta" (viscosity) Pa s,
+ *             "lambda" (thermal conductivity) W/(m K). Chung's models answer in other units, see Entry-points.md
+ * errmsg      [-] receives "No errors" or the error text; 256 characters hold every error text whole, except one that
+ *             quotes a long unknown output name
  *
- * u and s are zero (and h is p v) at the critical point of the model; for a fluid without critical data at
- * its reference volume and the temperature T_ref/Z there, Z the model's compressibility factor. Inputs are not
- * checked: outside the model's range (v at or below its co-volume, T at or below 0) the result is what IEEE
- * arithmetic makes of the formula, and a NaN is carried through.
+ * u and s are zero, and h is p v, at the critical point of the model. For a fluid without critical data they are zero
+ * at its reference volume and the temperature T_ref/Z, where Z is the model's compressibility factor.
  *
- * Viscosity and conductivity by Chung's models keep factors that hosts know. lambda of the models 3 and 3 (most fluids
- * shipped; the others have a constant in W/(m K)) or 2 and 2 is 17.506 times smaller than W/(m K), 418.4^2/10^4;
- * conductivity 2 with another viscosity 175.06 times; conductivity 3 with another viscosity lacks the dilute gas's
- * part and is of no use. eta of model 2 is in 0.1 Pa s. They are taken at the model's own critical volume: where its
- * Zc is above the fluid's, eta of the dilute gas comes out lower, for Soave-Redlich-Kwong by 9 % (argon) to 22 %
- * (water), for ideal gases by more than half. Conductivity 4 (constant Prandtl number) of a fluid with critical data
- * is scaled by cp at the critical point, which diverges: lambda may be 0 or a NaN. Viscosities 2 and 3 on a fluid
- * without critical data make its first request fail, whatever it asks for; viscosity 4 and conductivities 2 and 3
- * there are not refused and answer with the critical data of an earlier fluid.
+ * Inputs are not checked. Outside the model's range (v at or below its co-volume, T at or below 0) the result is what
+ * IEEE arithmetic makes of the formula. A NaN is carried through the formulas.
  *
- * "ph", "ps" and "hs" search from ideal-gas first values. Near the saturated vapor, "hs" of heavy fluids also far
- * from it, they may fail, or end without a message at another state that has the same two values, of liquid density or
- * denser: look at a second output there, or use "pt".
+ * "pq" and "tq" serve "t", "p", "v" and "d" at every quality, and all other outputs only at q = 1 (within 1e-6).
  *
- * A state between the phases ("pq", "tq" with q between 0 and 1) is its temperature and volume: "t", "p", "v" and "d"
- * are served, "p" being the equation's own at that volume; other outputs want q = 1 (within 1e-6). The saturation
- * table is built by the first such request and kept: for a later fluid it gives first values and the range, so that
- * fluids whose ranges differ much are better asked in processes of their own.
- *
- * The last state is kept: asking several outputs at one state solves it once. Look at every error text, since
- * a repeat of what failed may say "No errors": after a fluid that could not be loaded the same name goes on
- * with the constants in memory, those of the fluid before it or some of each; after a pair that could not be
- * solved, or a refused quality, the same request is answered from the state before it.
+ * The last state is kept: if a host asks for several outputs at one state, the library solves for the state once.
  */
 double ostrel_prop(const char *fluid, const char *inputspec, const double *input1, const double *input2,
                    const char *outputspec, char *errmsg, size_t fluid_len, size_t inputspec_len,
                    size_t outputspec_len, size_t errmsg_len);
 
-/* Reduced temperature and volume of an input pair, for the fluid that is loaded.
+/* Reduced temperature and reduced specific volume for an input pair of the fluid that is loaded.
  *
  * inputspec   [-] input pair as for ostrel_prop
  * input1      [SI] first value of the pair
  * input2      [SI] second value of the pair
- * T           [T_ref] receives the temperature; unchanged if the pair is unknown, without meaning if a solver fails
- *             or a message stood in the shared error text: "ph", "ps" and "hs" then leave T, "pq" and "tq" leave v
- * v           [v_ref] receives the specific volume, likewise
+ * T           [T_ref] receives the temperature
+ * v           [v_ref] receives the specific volume
  *
- * A failure is left in the library's shared error text, which this does not clear: a successful ostrel_prop does. No
- * function here reads it out but ostrel_info, when it loads another fluid.
+ * If the pair is unknown, T and v are unchanged; after any other failure they have no meaning.
  */
 void get_tv(const char *inputspec, const double *input1, const double *input2, double *T, double *v,
             size_t inputspec_len);
 
-/* One constant of a fluid: the value; 0 if the fluid cannot be loaded, -8888.8 for an unknown name.
+/* One constant of a fluid; 0 if the fluid cannot be loaded, -8888.8 if the name is unknown.
  *
  * fluid       [-] fluid name as for ostrel_prop
  * name        [-] in either case: "m_mol" molar mass in kg/mol, "t_crit" critical temperature in K,
- *             "p_crit" critical pressure in Pa; the last two mean nothing for a fluid without critical data
+ *             "p_crit" critical pressure in Pa; the last two have no meaning for a fluid without critical data
  * errmsg      [-] receives "No errors" or the error text
  *
- * The shared error text is not cleared first: if a message of an earlier call stands there, loading another fluid
- * here counts as failed. The fluid is then half loaded, and another request for it goes on with that; ask for a
- * property first, which clears the text.
+ * If the shared error text holds a message of an earlier call, loading another fluid here counts as failed: ask
+ * ostrel_prop for a property of the fluid first, which clears that text.
  */
 double ostrel_info(const char *fluid, const char *name, char *errmsg, size_t fluid_len, size_t name_len,
                    size_t errmsg_len);
 
-/* The fluids for which there are parameter files.
+/* The names of the fluids that have a parameter file in the fluid directory.
  *
- * count       [-] receives their number, at most 500; further files are left out
- * names       [-] receives 500 names of names_len characters each: the file's name up to its first point. The
- *             unused ones are blank; so is, but counted, one that a host gives without a point or with one in front
- * names_len   [-] length of one name, 256; in a shorter one a file's name is cut before its point is sought
+ * count       [-] receives the number of fluids, at most 500; further files are left out
+ * names       [-] receives 500 names of names_len characters each; a name is that of the file up to its first point.
+ *             The unused names are blank
+ * names_len   [-] length of one name, 256
  */
 void ostrel_fluids(int32_t *count, char *names, size_t names_len);
 
@@ -145,62 +140,58 @@ void ostrel_fluids(int32_t *count, char *names, size_t names_len);
  */
 void getversion(int32_t version[4]);
 
-/* Writes one line of greeting to standard output, to show that the library is reachable. As with any output, a pipe
- * that nobody reads answers with SIGPIPE. */
+/* Writes one line of greeting to standard output, to show that the library can be reached. */
 void ostrel_sub(void);
 
 /* Loads and initialises a fluid from its parameter file in the fluid directory.
  *
- * name        [-] fluid name, the file's name without ".osd"; it cannot name another directory
+ * name        [-] fluid name, which is the file's name without ".osd"; it cannot name another directory
  *
- * ostrel_prop does not hear of it: for the name that it knows it goes on without loading, with the constants and the
- * kept state as they are now. Failures are left in the shared error text, which this does not clear.
+ * ostrel_prop does not notice the load.
  */
 void read_init_fluiddata(const char *name, size_t name_len);
 
-/* Reads a parameter file into the library's variables. Nothing is derived from it: this serves programs that use
- * the library's C++ modules and initialise them themselves (thermodynamics::init_thermodynamics, then
- * transport_properties::init_transport_properties).
+/* Reads a parameter file into the library's variables and derives nothing from it. This function serves programs that
+ * use the library's C++ modules and initialise them themselves, first with thermodynamics::init_thermodynamics, then
+ * with transport_properties::init_transport_properties.
  *
  * file        [-] path of the file, with its extension
- *
- * Failures are left in the shared error text, which this does not clear.
  */
 void read_init_fluiddatafile(const char *file, size_t file_len);
 
-/* Reads a fluid's parameters from a fluid database, likewise without deriving anything.
+/* Reads a fluid's parameters from a fluid database; derives nothing, as read_init_fluiddatafile.
  *
- * location    [-] place of the database as the host's getfluid takes it: with the default host the
- *             path of an SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL), a line
- *             of text a record. One in WAL mode cannot be read from a folder that cannot be written
+ * location    [-] place of the database as the host's getfluid takes it. For the default host it is the path of an
+ *             SQLite file with a table fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL); each line of a text is a
+ *             record
  * name        [-] fluid name, the key in that table
- *
- * Failures are left in the shared error text, which this does not clear.
  */
 void read_init_fluiddatadb(const char *location, const char *name, size_t location_len, size_t name_len);
 
-/* What the library asks of its host. Texts given are not NUL-terminated; fields to fill come blank, and may be left
- * blank-padded or ended by a NUL. The routines must neither throw, nor jump out, nor call the library. */
+/* The routines through which the library reaches its host. The texts that they are given are not NUL-terminated. The
+ * fields that they fill come blank; they may leave a field padded with blanks or ended by a NUL. The routines must
+ * neither throw nor jump out, and must not call the library. */
 typedef struct ostrel_host {
-    /* Fills path with the fluid directory, its separator included; file names are put right behind it. key is
-     * "Ostrel", path_len 256. */
+    /* Fills path with the fluid directory, its separator included, since file names are appended to it directly. key
+     * is "Ostrel", path_len 256. */
     void (*fluidpath)(char *path, const char *key, size_t path_len, size_t key_len);
-    /* Fills names, 500 entries of name_len characters, with the directory's files that match pattern,
-     * which is "*.osd" and a NUL. */
+    /* Fills names, 500 entries of name_len characters, with the files of the directory that match pattern. pattern
+     * is "*.osd" and a NUL. */
     void (*searchdirectory)(const char *directory, const char *pattern, char *names, size_t directory_len,
                             size_t pattern_len, size_t name_len);
-    /* Fills lines, 255 entries of line_len (255) characters, with the fluid's text, one record a line;
-     * answers non-zero and sets *found to non-zero on success. A longer line must be refused: cut, it
-     * would silently shorten its number. */
+    /* Fills lines, 255 entries of line_len (255) characters, with the fluid's text, one record in each line. On
+     * success it returns a non-zero value and sets *found to a non-zero value. It must refuse a text with a longer
+     * line: a line that is cut could silently shorten its number. */
     int32_t (*getfluid)(const char *location, const char *key, char *lines, int32_t *found, size_t location_len,
                         size_t key_len, size_t line_len);
 } ostrel_host;
 
-/* Replaces the host routines from now on; the functions must stay callable until replaced.
+/* Replaces the host routines from now on. The functions must remain callable until they are replaced.
  *
- * host        [-] the routines, copied; NULL, or a NULL member, stands for the library's own: the
- *             directory in the environment variable OSTREL_FLUIDS, else the one installed with the
- *             library, else the source tree's; regular files in the byte order of their names; SQLite
+ * host        [-] the routines, which are copied. NULL, or a member that is NULL, stands for the library's own: the
+ *             fluid directory is the one in the environment variable OSTREL_FLUIDS, else the one installed with the
+ *             library, else that of the source tree; the files are the regular ones, in the byte order of their
+ *             names; databases are SQLite files
  */
 void ostrel_use_host(const ostrel_host *host);
 

@@ -1,5 +1,5 @@
-# Fortran's module ostrel, from its source OSTREL_FORTRAN_SOURCE: ostrel::fortran is compiled, by the compiler of the
-# project that uses it, once one of that project's programs links it. Only where Fortran is enabled before.
+# ostrel::fortran is Fortran's module ostrel, whose source is OSTREL_FORTRAN_SOURCE. The compiler of the project that
+# uses it compiles it when one of that project's programs links it. It exists only if Fortran is enabled before.
 if(CMAKE_Fortran_COMPILER_LOADED AND NOT TARGET ostrel_fortran)
   set(module_folder ${CMAKE_CURRENT_BINARY_DIR}/ostrel_fortran)
   add_library(ostrel_fortran STATIC EXCLUDE_FROM_ALL ${OSTREL_FORTRAN_SOURCE})

@@ -1,10 +1,11 @@
-# What is installed, and how other projects find it there. All paths in it are relative, so that the tree may be moved.
+# Installs the library, and the files by which other projects find it. All paths in these files are relative, so that
+# the installed tree may be moved.
 include(CMakePackageConfigHelpers)
 set(OSTREL_INSTALL_MODULEDIR ${CMAKE_INSTALL_INCLUDEDIR}/ostrel)
 set(OSTREL_INSTALL_FORTRANDIR ${CMAKE_INSTALL_DATADIR}/ostrel/Fortran)
 set(OSTREL_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/ostrel)
 
-# The headers of the modules, which include each other from their folder.
+# The headers of the modules; they include each other relative to their folder.
 add_library(ostrel_modules INTERFACE)
 add_library(ostrel::modules ALIAS ostrel_modules)
 set_target_properties(ostrel_modules PROPERTIES EXPORT_NAME modules)
@@ -18,7 +19,7 @@ include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
 install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES Include/ostrel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-# Without these two: what they declare stays inside the library.
+# Two headers are left out, since the library does not export what they declare.
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE)
 install(FILES ${OSTREL_FORTRAN_SOURCE} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
@@ -27,7 +28,7 @@ install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} FILES_MATCHING 
 install(EXPORT ostrelTargets NAMESPACE ostrel:: DESTINATION ${OSTREL_INSTALL_CMAKEDIR})
 configure_package_config_file(cmake/ostrelConfig.cmake.in ostrelConfig.cmake
   INSTALL_DESTINATION ${OSTREL_INSTALL_CMAKEDIR} PATH_VARS OSTREL_INSTALL_FLUIDDIR OSTREL_INSTALL_FORTRANDIR)
-# While the first number is 0, versions of one second number go together.
+# While the first number of the version is 0, versions with the same second number are compatible.
 write_basic_package_version_file(ostrelConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ostrelConfig.cmake ${PROJECT_BINARY_DIR}/ostrelConfigVersion.cmake
               cmake/fortran_module.cmake DESTINATION ${OSTREL_INSTALL_CMAKEDIR})

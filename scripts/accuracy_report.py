@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Compares every model with reference equations of state: Documentation/Accuracy.md and its pictures; tries every fluid
-under every model: Documentation/Catalogue.md."""
+"""Compares every model with reference equations of state, for Documentation/Accuracy.md and its pictures, and tries
+every fluid under every model, for Documentation/Catalogue.md."""
 import collections
 import csv
 import json
@@ -18,11 +18,11 @@ PAGE = ROOT / "Documentation/Accuracy.md"
 CATALOGUE = ROOT / "Documentation/Catalogue.md"
 PICTURES = ROOT / "Documentation/Accuracy"
 MODELS = ("srk", "pr", "rk", "vdw", "mh", "cii", "ig", "izg")
-FLUIDS = {  # name in the reference tables: ours
+FLUIDS = {  # name in the reference tables: name in Fluids/
     "Argon": "argon", "Nitrogen": "nitrogen", "Methane": "methane", "Ethane": "ethane", "n-Propane": "propane",
     "n-Butane": "nbutane", "Toluene": "toluene", "CarbonDioxide": "co2", "R134a": "r134a", "MDM": "mdm",
     "Ammonia": "ammonia", "Water": "water"}
-# By Chung's models the library's conductivity is this many times smaller than W/(m K).
+# With Chung's models the library's conductivity is this many times smaller than in W/(m K).
 CONDUCTIVITY_FACTOR = 418.4**2 / 1e4
 
 Quantity = collections.namedtuple("Quantity", "key title where remark")
@@ -80,7 +80,8 @@ def saturation(library, fluid, rows):
 
 
 def states(library, fluid, rows, R, Tc, conductivity_factor):
-    """The same over single-phase states. Enthalpies are compared as differences to the first state of the list."""
+    """(key, Tr, deviation or message) of single-phase states. Of enthalpies, the differences to the first state of the
+    list are compared."""
     first = None
     for row in rows:
         T, p, Tr, region = float(row["T_K"]), float(row["p_Pa"]), float(row["Tr"]), REGIONS[row["region"]]
@@ -108,7 +109,7 @@ def compare(fluid, model, folder, library_path, conductivity_factor, saturation_
     library = Library(library_path, folder)
     Tc, R = library.info(fluid, "t_crit"), 8.314 / library.info(fluid, "m_mol")
     result = []
-    # A saturation request may leave a singular Jacobian behind, which spoils what follows: states first.
+    # The states come first, since a saturation request may leave a singular Jacobian, which spoils all later searches.
     result += states(library, fluid, state_rows, R, Tc, conductivity_factor)
     if model not in ("ig", "izg"):
         result += saturation(library, fluid, saturation_rows)
@@ -116,7 +117,7 @@ def compare(fluid, model, folder, library_path, conductivity_factor, saturation_
 
 
 def mean_Z(rows, M):
-    """Compressibility factor of the gas, as the mean over the vapor states: what one would choose for a turbine."""
+    """Compressibility factor of the gas: the mean over the vapor states, as one would choose it for a turbine."""
     values = [float(row["p_Pa"]) / (float(row["rho_kg_m3"]) * 8314 / M * float(row["T_K"]))
               for row in rows if row["region"] == "vapour"]
     return f"{statistics.mean(values):.4f}"
@@ -145,7 +146,7 @@ def measure(library_path):
 
 
 def cell(points):
-    """'mean / largest' of the deviations' sizes, with how many of the states answered if not all did."""
+    """'mean / largest' of the deviations' sizes, and the number of states that answered if not all did."""
     sizes = [abs(value) for _, value in points if not isinstance(value, str)]
     if not points:
         return ""
@@ -166,7 +167,7 @@ def table_of(results, quantity):
 
 
 def summary(results):
-    """The median over the fluids of the mean deviation, per quantity and model."""
+    """The median over the fluids of the mean deviation, for each quantity and model."""
     lines = ["| quantity | " + " | ".join(MODELS) + " |", "|---" * (len(MODELS) + 1) + "|"]
     where = None
     for quantity in QUANTITIES:
@@ -197,7 +198,7 @@ def curve(points):
 
 
 def picture(results, keys, unit, file):
-    """Deviation over reduced temperature, one small panel per model, one line per fluid."""
+    """Deviation over reduced temperature, with one small panel for each model and one line for each fluid."""
     import matplotlib
     matplotlib.use("svg")
     matplotlib.rcParams.update({"svg.hashsalt": "ostrel", "svg.fonttype": "none", "font.size": 7})
@@ -294,7 +295,7 @@ output where that would matter, or use "pt".
 
 
 def saturates(fluid, Tc, folder, library_path):
-    """One of the signs above."""
+    """One of the signs that CATALOGUE_HEAD explains."""
     library = Library(library_path, folder)
     try:
         library.prop(fluid, "td", 1.1 * Tc, 1, "p")
@@ -308,7 +309,7 @@ def saturates(fluid, Tc, folder, library_path):
 
 
 def pressure_at_Tb(row, folder, library_path):
-    """Deviation of the saturation pressure at Tb from 1 atm in per cent; empty where a fluid sublimes there."""
+    """Deviation of the saturation pressure at Tb from 1 atm in per cent; empty if the fluid sublimes there."""
     if row["notes"].startswith("sublimes"):
         return ""
     try:
@@ -323,7 +324,7 @@ SEARCHED += [(T, fraction, "Pc") for T in (1.02, 1.1, 1.2, 1.5) for fraction in 
 
 
 def searches(fluid, Tc, Pc, library_path):
-    """Per state of SEARCHED and for "ph", "ps", "hs": whether the pair finds the state that "pt" found."""
+    """For each state of SEARCHED and for "ph", "ps" and "hs": whether the pair finds the state that "pt" found."""
     library = Library(library_path, ROOT / "Fluids")
     found = []
     for T_r, fraction, of in SEARCHED:
@@ -343,7 +344,7 @@ def searches(fluid, Tc, Pc, library_path):
 
 
 def search_table(choices, table, library_path):
-    """The share of fluids in per cent, per isotherm and pressure; a fluid whose saturation fails is left out."""
+    """The share of fluids in per cent, for each isotherm and pressure; a fluid whose saturation fails is left out."""
     counts, fluids = [0] * (3 * len(SEARCHED)), 0
     for choice in choices:
         row = table[choice["fluid"]]

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Finds what scripts/make_fluids chooses per fluid: digits of Pc with which every model loads, and a default model that
-answers every input pair (at nine of ten states or more, where it searches). Both are tried through the built library
-itself."""
+"""Finds the choices that scripts/make_fluids makes for each fluid: digits of Pc with which every model loads, and a
+default model that answers every input pair (if the pair is a search, at nine of ten states or more). Both are tried
+with the built library itself."""
 import csv
 import importlib.machinery
 import importlib.util
@@ -12,11 +12,12 @@ import tempfile
 from ostrel_library import Failed, Library, child
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-# The most accurate vapor pressure first (Documentation/Accuracy.md). Peng-Robinson and Martin-Hou are no defaults: the first one's
-# saturation table collapses for most fluids, the other's solvers meet singular Jacobians.
 EQUATIONS_OF_STATE = ("COOLPROP", "HEOS", "PYCHEMQT")  # sources of constants, Fluids/README.md
+# The model with the most accurate vapor pressure comes first (Documentation/Accuracy.md). Peng-Robinson and Martin-Hou
+# are no defaults: the saturation table of the first collapses for most fluids, the solvers of the other meet singular
+# Jacobians.
 PREFERENCE = ("srk", "rk", "cii", "vdw", "ig")
-# Not "hs": from its ideal-gas first values it reaches the vapor of few fluids under any model.
+# "hs" is left out: from its ideal-gas first values it reaches the vapor of few fluids under any model.
 PAIRS = ("tv", "td", "pt", "pv", "pd", "ph", "ps", "ts", "vh", "vs", "vu", "dh", "ds", "du")
 
 
@@ -36,7 +37,7 @@ def candidates(row, make):
 
 
 def loads(library, folder, make, row, model, Pc_atm):
-    """Whether the fluid loads under the model; each file has a name of its own, so that it is read."""
+    """Whether the fluid loads under the model. Each file has a name of its own, so that the library reads it."""
     loads.count += 1
     name = f"f{loads.count}"
     file = folder / f"{name}.osd"
@@ -65,8 +66,8 @@ def choose_digits(row, make, library_path, folder):
 
 
 def vapor_states(library, fluid, Tc, Pc):
-    """(T, p) of superheated vapor, to a tenth of the fluid's own saturation pressure, and of the gas above Tc. Nearer to
-    saturation "ph" and "ps" do not answer from their default first values under any model for many fluids."""
+    """(T, p) of superheated vapor, up to a tenth of the model's own saturation pressure, and of the gas above Tc.
+    Nearer to saturation, for many fluids no model answers "ph" and "ps" from their default first values."""
     for T in (0.7, 0.8, 0.9, 0.95):
         p_sat = library.prop(fluid, "tq", T * Tc, 1, "p")
         for fraction in (0.02, 0.05, 0.1):
@@ -77,8 +78,8 @@ def vapor_states(library, fluid, Tc, Pc):
 
 
 def answers_every_pair(row, file, library_path):
-    """'yes', with the states at which a search from its default first values misses; or what the model does not
-    answer."""
+    """'yes' and the states at which a search from its default first values misses; or the reason why the model does not
+    pass."""
     Tc, Pc = float(row["Tc"]), float(row["Pc"])
     library = Library(library_path, file.parent)
     fluid = file.stem
@@ -125,9 +126,10 @@ def saturation_pressure(row, file, library_path):
 
 
 def boiling_point(row, make, library_path, file, model, Pc_atm):
-    """Tb of the file: the table's Tb_edm, which gives its acentric factor. Where that factor is not of an equation of
-    state and the model misses 1 atm at the true boiling temperature by more than 3 %, the two disagree, and the measured
-    boiling point stands: the Tb with which the model meets it."""
+    """Tb of the file if it is not the table's Tb_edm, which gives the table's acentric factor. If that factor is not of
+    an equation of state and the model misses 1 atm at the true boiling temperature by more than 3 %, the factor and the
+    boiling temperature disagree. The measured boiling temperature is then trusted: Tb is the one with which the model
+    has 1 atm there. Empty otherwise."""
     def miss(Tb):
         file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb), encoding="utf-8")
         pressure = child(saturation_pressure, row, file, library_path)
@@ -136,7 +138,7 @@ def boiling_point(row, make, library_path, file, model, Pc_atm):
     first = float(row["Tb_edm"])
     if make.sources(row)["omega"] in EQUATIONS_OF_STATE or abs(miss(row["Tb_edm"])) <= 0.03:
         return ""
-    # The pressure falls as the acentric factor, and Tb with it, grows.
+    # The pressure falls when the acentric factor grows, and the factor grows with Tb.
     low, high = 0.95 * first, min(1.05 * first, 0.97 * float(row["Tc"]))
     for _ in range(25):
         middle = (low + high) / 2
@@ -149,7 +151,7 @@ def boiling_point(row, make, library_path, file, model, Pc_atm):
 
 
 def stays_positive(row, file, library_path):
-    """'yes' if viscosity and conductivity are, of gas up to the critical density and far above Tc."""
+    """'yes' if viscosity and conductivity of the gas are positive up to the critical density and far above Tc."""
     library = Library(library_path, file.parent)
     Tc = library.info(file.stem, "t_crit")
     values = [library.prop(file.stem, "tv", T_r * Tc, v_r * library.vc(), output)

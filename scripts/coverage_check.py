@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
-"""Compares what the tests did not reach with what may stay so.
+"""Compares the lines and branches that the tests did not reach with the exceptions.
 
     coverage_check.py COVERAGE.json EXCEPTIONS.txt
 
-COVERAGE.json is gcovr's. EXCEPTIONS.txt has blocks of a file's name, a source line, "branches: N" for the number of
-its branches that are not taken, on all lines of this text together, and "why:" with the reason.
+COVERAGE.json is made by gcovr. EXCEPTIONS.txt has blocks: the name of a file, a source line, "branches: N" and "why:"
+with the reason. N is the number of branches that are not taken on all lines with this text together.
 """
 import collections
 import json
@@ -20,7 +20,7 @@ def without_comment(line):
 
 
 def not_reached(report):
-    """Lines not executed, and the number of branches not taken by file and line text."""
+    """The lines that were not executed, and the number of branches not taken for each file and text of a line."""
     lines = []
     branches = collections.Counter()
     for file in report["files"]:

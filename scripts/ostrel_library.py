@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The library as Python programs of this folder ask it."""
+"""The library for the Python programs of this folder."""
 import ctypes
 import os
 import traceback
@@ -10,7 +10,8 @@ class Failed(Exception):
 
 
 class Library:
-    """The entry points of a built library. Its state is one for the whole process: child() gives a fresh one."""
+    """The entry points of a built library. The library has one state for the whole process; child() starts a process
+    with a fresh one."""
 
     def __init__(self, path, fluids):
         os.environ["OSTREL_FLUIDS"] = str(fluids)
@@ -20,7 +21,7 @@ class Library:
             getattr(self._library, name).restype = ctypes.c_double
 
     def _ask(self, function, texts, values, output_text):
-        """Texts and values in the order of the call, the error text behind them, the lengths at the end."""
+        """Calls with the texts and values in order, the error text behind them and the lengths at the end."""
         fields = [text.encode() for text in texts + [output_text]]
         numbers = [ctypes.byref(ctypes.c_double(value)) for value in values]
         result = function(*fields[:-1], *numbers, fields[-1], self._text,
@@ -39,14 +40,14 @@ class Library:
         self._fluid = fluid
         return self._ask(self._library.ostrel_info, [fluid], [], name)
 
-    # Of the C++ modules, for the fluid that info() loaded last.
+    # These functions are of the C++ modules. They serve the fluid that info() loaded last.
 
     def cp(self, T, d):
         """Isobaric heat capacity [J/(kg K)] at T [K] and density d [kg/m3]."""
         return self._derived("_ZN14thermodynamics7cp__T_vEdd", T, d) * 8.314 / self.info(self._fluid, "m_mol")
 
     def c(self, T, d):
-        """Speed of sound [m/s]: reduced by the square root of P_ref v_ref, P_ref = Pc."""
+        """Speed of sound [m/s]. The library reduces it by the square root of P_ref v_ref, where P_ref = Pc."""
         v_ref = 1 / (d * self._reduced(T, d)[1])
         return self._derived("_ZN14thermodynamics6c__T_vEdd", T, d) * (self.info(self._fluid, "p_crit") * v_ref) ** 0.5
 
@@ -67,7 +68,7 @@ class Library:
 
 
 def child(work, *arguments):
-    """What work(*arguments) answers in a process of its own, as text; None if the process died."""
+    """The answer of work(*arguments) in a process of its own, as text; None if the process died."""
     reading, writing = os.pipe()
     process = os.fork()
     if process == 0:

@@ -1,12 +1,13 @@
 ! SPDX-License-Identifier: MIT
 !> Module ostrel: the library's entry points for Fortran programs, with interfaces that the compiler checks.
 !!
-!! Compile this file with the program: module files are the compiler's own, so the source is what is installed,
-!! in share/ostrel/Fortran. With CMake, ostrel::fortran compiles it and links the library; by hand,
+!! Compile this file with the program. It is installed as source, in share/ostrel/Fortran, since every compiler
+!! has its own form of module files. With CMake, ostrel::fortran compiles it and links the library; by hand,
 !!   gfortran $(pkg-config --variable=fortran ostrel) host.f90 $(pkg-config --libs ostrel)
-!! Standard Fortran 2008. Names, arguments and behaviour are those of the external procedures that older programs
-!! call, and ostrel.h says all about them: "external ostrel_prop" becomes "use ostrel". One set of state, no locks:
-!! calls must not overlap. In units, [-] stands for texts and counts, [SI] for the unit that goes with a code.
+!! The module is standard Fortran 2008. Its names, arguments and behaviour are those of the external procedures that
+!! older programs call: "external ostrel_prop" becomes "use ostrel". ostrel.h is the contract of all of them. The
+!! library has one set of state and no locks: calls must not overlap. As units, [-] marks texts and counts, [SI] the
+!! unit that stands beside the code of a quantity.
 module ostrel
     use, intrinsic :: iso_c_binding, only: c_char, c_double, c_funptr, c_int32_t, c_loc, c_null_funptr, c_null_ptr, &
                                            c_ptr, c_size_t
@@ -20,18 +21,19 @@ module ostrel
 
     !> Value of a request that failed.
     real(c_double), parameter, public :: ostrel_failure = -8888.8_c_double
-    !> Length of a fluid name in a list of them.
+    !> Length of a fluid name in the list of fluids.
     integer, parameter, public :: ostrel_name_len = 256
 
-    !> The routines that belong to the host, each c_funloc of a procedure with the interface below; a member that is
-    !! left alone stands for the library's own.
+    !> The routines that belong to the host. Each member is the c_funloc of a procedure with the interface below. A
+    !! member that is not set stands for the library's own routine.
     type, bind(c) :: ostrel_host
         type(c_funptr) :: fluidpath = c_null_funptr       !! a host_fluidpath
         type(c_funptr) :: searchdirectory = c_null_funptr !! a host_searchdirectory
         type(c_funptr) :: getfluid = c_null_funptr        !! a host_getfluid
     end type ostrel_host
 
-    ! What host routines look like. Fields to fill come blank; text_of and fill_field turn them into texts and back.
+    ! The interfaces of host routines. The fields that they fill are blank before. text_of makes a text of a field, and
+    ! fill_field puts a text into a field.
     abstract interface
         !> Fills path with the fluid directory, its separator included.
         subroutine host_fluidpath(path, key, path_len, key_len) bind(c)
@@ -53,7 +55,8 @@ module ostrel
             character(kind=c_char), intent(inout) :: names(name_len, 500)  !! [-] receives file names
         end subroutine host_searchdirectory
 
-        !> Fills lines with a fluid's text, one record a line; a longer line must be refused. Non-zero on success.
+        !> Fills lines with a fluid's text, one record in each line, and returns non-zero on success. It must refuse a
+        !! text with a longer line.
         function host_getfluid(location, key, lines, found, location_len, key_len, line_len) bind(c) result(status)
             import :: c_char, c_int32_t, c_size_t
             integer(c_size_t), value, intent(in) :: location_len           !! [-] length of location
@@ -67,7 +70,7 @@ module ostrel
         end function host_getfluid
     end interface
 
-    ! The C functions; units stand at the procedures below.
+    ! The C functions. The units of their arguments stand at the procedures below.
     interface
         function c_ostrel_prop(fluid, inputspec, input1, input2, outputspec, errmsg, fluid_len, inputspec_len, &
                                outputspec_len, errmsg_len) bind(c, name='ostrel_prop') result(property)
@@ -109,7 +112,8 @@ module ostrel
             integer(c_int32_t), intent(out) :: version(4) !! [-] receives four numbers
         end subroutine getversion
 
-        !> Writes one line of greeting to standard output; flush a unit on it first to keep lines in order.
+        !> Writes one line of greeting to standard output. A program that writes there too should flush its unit first,
+        !! so that the lines stay in order.
         subroutine ostrel_sub() bind(c, name='ostrel_sub')
         end subroutine ostrel_sub
 
@@ -142,7 +146,7 @@ contains
 
     !> One property of a fluid, or ostrel_failure.
     function ostrel_prop(fluid, inputspec, input1, input2, outputspec, errmsg) result(property)
-        character(*), intent(in) :: fluid      !! [-] fluid name; one of more than 8 characters is read again at every request
+        character(*), intent(in) :: fluid      !! [-] fluid name; with more than 8 characters it is read every time
         character(*), intent(in) :: inputspec  !! [-] input pair, such as "pt"
         real(c_double), intent(in) :: input1   !! [SI] first value of the pair: t K, p Pa, v m3/kg, d kg/m3, h J/kg
         real(c_double), intent(in) :: input2   !! [SI] second value of the pair; also s J/(kg K), u J/kg, quality q 1
@@ -159,11 +163,11 @@ contains
         real(c_double), intent(in) :: input1  !! [SI] first value of the pair
         real(c_double), intent(in) :: input2  !! [SI] second value of the pair
         real(c_double), intent(inout) :: T    !! [T_ref] temperature; unchanged for an unknown pair
-        real(c_double), intent(inout) :: v    !! [v_ref] specific volume, likewise
+        real(c_double), intent(inout) :: v    !! [v_ref] specific volume; unchanged for an unknown pair
         call c_get_tv(inputspec, input1, input2, T, v, len(inputspec, c_size_t))
     end subroutine get_tv
 
-    !> One constant of a fluid; 0 if it cannot be loaded, ostrel_failure for an unknown name.
+    !> One constant of a fluid; 0 if the fluid cannot be loaded, ostrel_failure for an unknown name.
     function ostrel_info(fluid, name, errmsg) result(constant)
         character(*), intent(in) :: fluid   !! [-] fluid name
         character(*), intent(in) :: name    !! [-] "m_mol" kg/mol, "t_crit" K or "p_crit" Pa
@@ -181,27 +185,27 @@ contains
         names = names(:count)
     end subroutine ostrel_fluids
 
-    !> Loads and initialises a fluid from its parameter file in the fluid directory; ostrel_prop does not hear of it.
+    !> Loads and initialises a fluid from its parameter file in the fluid directory. ostrel_prop does not notice it.
     subroutine read_init_fluiddata(name)
         character(*), intent(in) :: name !! [-] fluid name
         call c_read_init_fluiddata(name, len(name, c_size_t))
     end subroutine read_init_fluiddata
 
-    !> Reads a parameter file without deriving anything from it. This and the next leave failures in the library's
-    !> shared error text only.
+    !> Reads a parameter file and derives nothing from it. This and the next procedure leave the message of a failure in
+    !> the library's shared error text only.
     subroutine read_init_fluiddatafile(file)
         character(*), intent(in) :: file !! [-] path of the file, with its extension
         call c_read_init_fluiddatafile(file, len(file, c_size_t))
     end subroutine read_init_fluiddatafile
 
-    !> Reads a fluid from a fluid database, likewise.
+    !> Reads a fluid from a fluid database and derives nothing from it.
     subroutine read_init_fluiddatadb(location, name)
         character(*), intent(in) :: location !! [-] place of the database, as getfluid takes it
         character(*), intent(in) :: name     !! [-] fluid name
         call c_read_init_fluiddatadb(location, name, len(location, c_size_t), len(name, c_size_t))
     end subroutine read_init_fluiddatadb
 
-    !> Replaces the host routines; without an argument the library's own come back.
+    !> Replaces the host routines; without an argument, the library's own routines are used again.
     subroutine ostrel_use_host(host)
         type(ostrel_host), intent(in), optional, target :: host !! [-] the routines, copied
         if (present(host)) then
@@ -211,13 +215,13 @@ contains
         end if
     end subroutine ostrel_use_host
 
-    !> Whether a request succeeded: a success may be any number, so the text tells.
+    !> Whether a request succeeded. Only the text tells, since the value of a success may be any number.
     pure logical function succeeded(errmsg)
         character(*), intent(in) :: errmsg !! [-] the error text of the request, of at least 9 characters
         succeeded = index(errmsg, 'No errors') == 1
     end function succeeded
 
-    !> For host routines: the text in a field, without what stands behind a NUL and trailing blanks.
+    !> For host routines: the text in a field up to a NUL, without trailing blanks.
     pure function text_of(field) result(text)
         character(kind=c_char), intent(in) :: field(:) !! [-] characters as C has them
         character(:), allocatable :: text
@@ -234,7 +238,7 @@ contains
     !> For host routines: puts a text into a field, truncated or blank-padded.
     pure subroutine fill_field(field, text)
         character(kind=c_char), intent(inout) :: field(:) !! [-] characters as C has them
-        character(*), intent(in) :: text                  !! [-] what they become
+        character(*), intent(in) :: text                  !! [-] the text that the field receives
         integer :: i
         field = ' '
         do i = 1, min(size(field), len(text))

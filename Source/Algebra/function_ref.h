@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A function as an argument: refers to a plain function or to any object that can be called, such as a lambda
-// with captures, without copying it. For parameters only; what it refers to has to outlive the call,
-// and is never null.
+// A function as an argument. It refers to a plain function or to any object that can be called, such as a lambda with
+// captures, and does not copy it. It is meant for parameters only: the function must outlive the call and must not be
+// null.
 #pragma once
 
 #include <memory>
@@ -21,7 +21,7 @@ class function_ref<Result(Arguments...)> {
                                       std::is_invocable_r_v<Result, Callable &, Arguments...>;
 
 public:
-    /// Not a template, so that it also chooses among overloads.
+    /// This is not a template, so that it also chooses among overloaded functions.
     function_ref(Result (*function)(Arguments...))
         : call_([](target to, Arguments... arguments) -> Result {
               return to.function(std::forward<Arguments>(arguments)...);

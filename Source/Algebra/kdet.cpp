@@ -13,7 +13,7 @@ double kdet(const factored_matrix &A) {
         console::stop({must_factor, "BEFORE COMPUTING DETERMINANT"});
     if (A.state == factored_matrix::states::singular)
         return 0.0;
-    // The product's digits and its power of two apart, so that it does not overflow or vanish on its way.
+    // The digits and the power of two are multiplied apart, so that no product on the way overflows or vanishes.
     long power = 0;
     const auto digits = [&](double x) {
         int exponent = 0;

@@ -21,7 +21,7 @@ factored_matrix kfact(const matrix_view &A) {
     for (std::size_t k = 0; k < n; ++k) {
         double *const left = column(k);
         std::size_t pivot = k;
-        // A NaN is taken as it comes, so that it is not lost where the rest of its column is 0.
+        // The first NaN becomes the pivot, so that it is not lost where the rest of its column is 0.
         for (std::size_t i = k + 1; i < n && !std::isnan(left[pivot]); ++i)
             if (!(std::abs(left[i]) <= std::abs(left[pivot])))
                 pivot = i;

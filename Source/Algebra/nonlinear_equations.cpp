@@ -18,7 +18,7 @@ constexpr double ten_epsilon = 10.0 * machine_epsilon;
 std::int32_t kept_n_max = 50;
 double kept_f_sh = 0.0;
 
-/// Stores a passed value, for later calls too, and gives the one in force.
+/// Stores the value if one is passed, for later calls too, and returns the value in force.
 template <class Value, class Passed>
 Value kept(Value &variable, const Passed &passed) {
     if (passed)
@@ -41,7 +41,7 @@ double attainable(double rel_tol) {
     console::stop();
 }
 
-/// Whether the product is positive, also where it would be rounded to 0.
+/// Whether x y is positive, also where the product would be rounded to 0.
 bool same_sign(double x, double y) {
     return (x > 0.0 && y > 0.0) || (x < 0.0 && y < 0.0);
 }

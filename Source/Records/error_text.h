@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The one channel for failures: a text of 256 characters that says "No errors" until something fails.
+// The one channel for failures is a text of 256 characters, which says "No errors" until something fails.
 #pragma once
 
 #include "Records/fixed_text.h"
@@ -26,7 +26,7 @@ public:
 private:
     static constexpr fixed_text<256> success{no_errors};
     fixed_text<256> text_ = success;
-    bool clear_ = true; ///< known without a look at the text, since every operation asks
+    bool clear_ = true; ///< saves a look at the text, since every operation asks
 };
 
 } // namespace records

@@ -18,12 +18,12 @@ constexpr std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-/// The letter in lower case, other bytes as they are.
+/// A letter in lower case; other bytes stay as they are.
 constexpr char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-/// The first eight bytes of the text, blank-padded, as one integer: names and codes compare in a single step.
+/// The first eight bytes of the text, blank-padded, as one integer, so that names and codes compare in a single step.
 constexpr std::uint64_t packed(std::string_view text) {
     constexpr std::size_t count = sizeof(std::uint64_t);
     constexpr std::uint64_t blanks = 0x2020202020202020;
@@ -36,7 +36,7 @@ constexpr std::uint64_t packed(std::string_view text) {
     return result;
 }
 
-/// The same with its letters in lower case: adds 0x20 to each byte from 'A' to 'Z', all eight at once.
+/// The packed text with its letters in lower case: 0x20 is added to the bytes from 'A' to 'Z', to all eight together.
 constexpr std::uint64_t lower(std::uint64_t packed) {
     constexpr std::uint64_t each = 0x0101010101010101;
     const std::uint64_t low_bits = packed & (0x7f * each);
@@ -61,7 +61,7 @@ constexpr void fill_text(std::span<char> field, std::initializer_list<std::strin
         std::fill(field.begin(), field.end(), ' ');
 }
 
-/// A text of exactly N bytes. Bytes are kept as they come; none has a meaning here but the blank.
+/// A text of exactly N bytes. All bytes are kept unchanged; only the blank has a meaning here.
 template <std::size_t N>
 class fixed_text {
 public:
@@ -73,13 +73,14 @@ public:
     constexpr std::string_view trimmed() const { return records::trimmed(padded()); }
     constexpr std::span<char> characters() { return characters_; }
 
-    /// The bytes as one integer, as records::packed gives it, and the text of such a one.
+    /// The bytes as one integer, as records::packed returns it.
     constexpr std::uint64_t packed() const requires(N <= sizeof(std::uint64_t)) {
         if constexpr (N == sizeof(std::uint64_t))
             return std::bit_cast<std::uint64_t>(characters_);
         else
             return records::packed(padded());
     }
+    /// The text of such an integer.
     static constexpr fixed_text unpacked(std::uint64_t number) requires(N == sizeof(std::uint64_t)) {
         fixed_text result;
         result.characters_ = std::bit_cast<std::array<char, N>>(number);

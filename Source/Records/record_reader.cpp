@@ -27,7 +27,7 @@ std::string lowered(std::string_view text) {
     return result;
 }
 
-/// Takes the digits at the front of the text off it.
+/// Removes the digits at the front of the text and returns them.
 std::string_view take_digits(std::string_view &text) {
     std::size_t count = 0;
     while (count < text.size() && is_digit(text[count]))
@@ -37,7 +37,7 @@ std::string_view take_digits(std::string_view &text) {
     return digits;
 }
 
-/// Takes a sign off the front; true for a minus.
+/// Removes a sign at the front, if there is one; true for a minus.
 bool take_sign(std::string_view &text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+'))
@@ -69,7 +69,7 @@ std::optional<bool> logical_value(std::string_view token) {
     return std::nullopt;
 }
 
-/// Infinity and NaN, in any case, without their sign.
+/// The value of a name of infinity or NaN, in upper or lower case, without a sign.
 std::optional<double> special_value(std::string_view token) {
     const std::string name = lowered(token);
     if (name == "inf" || name == "infinity")
@@ -79,7 +79,8 @@ std::optional<double> special_value(std::string_view token) {
     return std::nullopt;
 }
 
-/// Sign, digits with at most one point, and an exponent whose letter may be missing before its sign.
+/// Reads a real number: perhaps a sign, digits with at most one point, and perhaps an exponent, whose letter may be
+/// missing if it has a sign.
 std::optional<double> real_value(std::string_view token) {
     const bool negative = take_sign(token);
     if (const auto special = special_value(token))
@@ -112,7 +113,7 @@ std::optional<double> real_value(std::string_view token) {
             exponent = -exponent;
     }
 
-    // The leading digit's power of ten decides between overflow and underflow without wide arithmetic.
+    // The leading digit's power of ten tells overflow from underflow; longer arithmetic is not needed.
     std::string digits(whole);
     digits += fraction;
     const std::size_t leading = digits.find_first_not_of('0');
@@ -152,14 +153,14 @@ bool store(const item &wanted, std::string_view token) {
     return assign(std::get<bool *>(wanted.variable), logical_value(token));
 }
 
-/// The values of one READ, in order: where one ends, what is null, what repeats.
+/// Takes the values of one READ from its records, in order: it finds their ends, null values and repeat counts.
 class value_scanner {
 public:
     enum class found { value, null, complete, bad_count, no_record };
 
     explicit value_scanner(std::string_view record) : rest_(record) {}
 
-    /// Gives the next value's text; `more` supplies the record that follows, or none.
+    /// Finds the text of the next value; `more` supplies the record that follows, if there is one.
     template <class NextRecord>
     found next(std::string_view &token, NextRecord &&more) {
         if (repeats_left_ > 0) {
@@ -172,7 +173,7 @@ public:
             if (!more(rest_))
                 return found::no_record;
             skip_blanks();
-            // A comma at a record's start is one separator together with the record's end before it.
+            // A comma at the start of a record and the end of the record before it are one separator.
             if (rest_.starts_with(',') && !comma_before_) {
                 rest_.remove_prefix(1);
                 skip_blanks();
@@ -194,7 +195,7 @@ public:
 private:
     void skip_blanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(blanks), rest_.size())); }
 
-    /// Takes the separator behind a value.
+    /// Steps over the separator behind a value.
     void end_value() {
         skip_blanks();
         comma_before_ = rest_.starts_with(',');
@@ -202,7 +203,7 @@ private:
             rest_.remove_prefix(1);
     }
 
-    /// Takes a repeat count off the token; a count of 0 leaves -1 repeats.
+    /// Removes a repeat count from the front of the token; a count of 0 leaves -1 repeats.
     bool take_count(std::string_view &token) {
         std::string_view behind = token;
         const std::string_view digits = take_digits(behind);
@@ -222,7 +223,7 @@ private:
     bool comma_before_ = false;
 };
 
-/// At most `room` bytes of the text, with anything that does not print replaced.
+/// At most `room` bytes of the text; characters that cannot be printed are replaced.
 std::string printable(std::string_view text, std::size_t room) {
     std::string result(text.substr(0, room));
     for (char &c : result)
@@ -310,17 +311,17 @@ bool record_reader::read(std::span<const item> items) {
 
 namespace {
 
-/// The file's own name, or as much of it as leaves room for the rest of a message.
+/// The file's name without its folder, cut so that the rest of a message has room.
 std::string short_name(std::string_view path) {
     const std::string_view name = path.substr(path.find_last_of('/') + 1);
     return "file " + printable(name, 64);
 }
 
-/// Takes a file into memory; 0, or errno's code. A directory opens like a file and has no records.
+/// Reads a whole file into memory. Returns 0, or errno's code. A directory opens like a file and has no records.
 int read_whole(const std::string &path, std::string &text) {
     if (path.find('\0') != std::string::npos)
         return ENOENT;
-    // A pipe, socket or terminal would wait for someone to write; nothing that reads fluids may hang.
+    // Reading a pipe, a socket or a terminal would wait for someone to write, and reading a fluid must never hang.
     using std::filesystem::file_type;
     std::error_code ignored;
     const file_type type = std::filesystem::status(path, ignored).type();

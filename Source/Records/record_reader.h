@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // List-directed reading of parameter records.
 //
-// A READ takes one record, gets typed values from it and drops its rest, so that comments may stand
-// behind the values. Values end at a blank, tab, comma, slash or the record's end; `3*0.5` repeats,
-// `2*` and `,,` are null values that keep what the variable had, a slash ends the READ.
+// A READ takes one record, reads typed values from it and ignores the rest, so that comments may stand behind the
+// values. Values end at a blank, a tab, a comma, a slash or the end of the record. `3*0.5` is a value that repeats;
+// `2*` and `,,` are null values, which leave the variable as it was; a slash ends the READ.
 // In a file, missing values are sought on the following records; in an array of lines they are an error.
-// The first failure is kept as a message and turns every later READ into nothing, so that a section
-// is read straight through and asked once. Items before the failing one are stored, later ones kept.
+// The first failure is kept as a message, and every later READ does nothing, so that a section can be read straight
+// through and checked once. Items before the failing one are stored, later ones stay as they were.
 // Reference: ISO/IEC 1539-1, list-directed input.
 #pragma once
 
@@ -23,7 +23,7 @@
 
 namespace records OSTREL_VISIBLE {
 
-/// The longest list a count may announce: far above any real section, far below what could hurt.
+/// The longest list that a count may announce: much longer than in any real section, and too short to do harm.
 inline constexpr std::int32_t longest_list = 10000;
 
 /// One wanted value: its name for messages and the variable that receives it.
@@ -44,9 +44,9 @@ public:
     record_reader &operator=(const record_reader &) = delete;
     virtual ~record_reader() = default;
 
-    /// Steps over one record, whatever it holds. Each of these answers whether all has gone well so far.
+    /// Steps over one record, whatever it holds. This and the next functions return whether all has gone well so far.
     bool skip(std::string_view what);
-    /// Takes the first 32 bytes of the next record as they are.
+    /// Reads the first 32 bytes of the next record as they are.
     bool read_name(std::string_view field, fixed_text<32> &name);
     /// One READ of single values.
     bool read(std::initializer_list<item> items) { return read(std::span(items.begin(), items.size())); }
@@ -64,8 +64,8 @@ public:
     bool limit_count(std::string_view field, std::int64_t count, std::int64_t limit = longest_list);
 
     bool failed() const { return !message_.empty(); }
-    /// What went wrong: the source, the record, what was wanted and what stood there. Within 256 characters
-    /// where the source has no more than 80.
+    /// The message of the failure: the source, the record, the value that was expected and what stood there. It has at
+    /// most 256 characters if the source has at most 80.
     std::string_view message() const { return message_; }
     /// 1-based number of the record used last.
     std::int64_t record_number() const { return record_number_; }
@@ -74,9 +74,9 @@ protected:
     explicit record_reader(std::string source) : source_(std::move(source)) {}
     /// Gives the next record without its line end; false when there is none.
     virtual bool next_record(std::string_view &record) = 0;
-    /// Steps over the next record, where that can fail.
+    /// Steps over the next record; false when there is none, which only a file notices.
     virtual bool step() = 0;
-    /// Whether a READ may go on in the record that follows.
+    /// Whether a READ may continue in the record that follows.
     virtual bool continues() const = 0;
 
     std::int64_t record_number_ = 0;
@@ -88,7 +88,7 @@ private:
     std::string message_;
 };
 
-/// Reads a sequential file: the whole of it is taken into memory and the file closed at once.
+/// Reads a sequential file. The constructor takes the whole file into memory and closes it.
 class file_reader final : public record_reader {
 public:
     /// Opens an existing file for reading; trailing blanks of the path do not count.

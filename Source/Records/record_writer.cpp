@@ -19,7 +19,7 @@ std::string real_text(double value) {
     if (std::isinf(value))
         return right_adjusted(value < 0 ? "-Infinity" : "Infinity", width);
 
-    // d.dddddddddddddddde±x: the exponent after rounding decides the layout.
+    // The form is d.dddddddddddddddde±x. Its exponent, which is that after rounding, decides the layout.
     char scientific[40];
     const char *const end =
         std::to_chars(scientific, scientific + sizeof scientific, value, std::chars_format::scientific, 16).ptr;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // List-directed writing: the layout that the readers of parameter sections and other programs expect.
 //
-// A record that is not empty starts with a blank. An integer takes 12 columns; a logical a blank and T or F;
-// a double a blank and 25 columns with 17 significant digits, fixed while the decimal exponent is -1 to 16.
-// A text gets a blank before it at the record's start and behind a number or logical only.
+// A record that is not empty starts with a blank. An integer takes 12 columns. A logical takes a blank and T or F. A
+// double takes a blank and 25 columns with 17 significant digits; it has no exponent if its decimal exponent is from
+// -1 to 16. A text gets a blank before it only at the start of the record and behind a number or a logical.
 #pragma once
 
 #include "Records/fixed_text.h"
@@ -25,12 +25,12 @@ std::string list_directed(std::initializer_list<written_value> values);
 
 class record_writer {
 public:
-    /// One record; no values make a truly empty one.
+    /// Writes one record; without values it is empty and has not even the blank.
     void record(std::initializer_list<written_value> values) {
         text_ += list_directed(values);
         text_ += '\n';
     }
-    /// One record that holds a list.
+    /// Writes one record that holds a list.
     template <class Value>
     void record_list(std::span<const Value> values) {
         for (const Value value : values)

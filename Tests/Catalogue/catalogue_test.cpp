@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every shipped fluid: it loads, under every model, and answers in the vapor and on the saturation curve.
+// Every shipped fluid must load under every model, and answer in the vapor and on the saturation curve.
 #include "Tests/Support/frame.h"
 
 #include <cmath>
@@ -31,8 +31,8 @@ double value(const answer &given) {
     return given.value;
 }
 
-/// Whether a model has saturated states in the catalogue: the ideal gases have none, Peng-Robinson's table collapses
-/// for most fluids, Martin-Hou's solvers fail.
+/// Whether the model in use has saturated states: the ideal gases have none, Peng-Robinson's table collapses for most
+/// fluids, and Martin-Hou's solvers fail.
 bool has_saturation() {
     switch (thermodynamics::gas_type) {
     case 2:
@@ -90,7 +90,7 @@ TEST_P(catalogue, every_file_loads_under_every_model) {
 TEST(catalogue_size, three_hundred_fluids_with_names_that_are_kept) {
     const std::vector<std::string> fluids = support::shipped_fluids();
     EXPECT_GE(fluids.size(), 300u);
-    EXPECT_LE(fluids.size(), 500u); // what the list of fluids holds
+    EXPECT_LE(fluids.size(), 500u); // the list of fluids has no room for more
     for (const std::string &fluid : fluids)
         EXPECT_LE(fluid.size(), 8u) << fluid;
 }

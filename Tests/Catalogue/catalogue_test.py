@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The catalogue against its table: the files are what the generator writes, the choices what it chooses, and the numbers
-that the library gives for them are the table's.
+"""Compares the catalogue with its table. The files must be those that the generator writes, the choices must be those
+that scripts/make_fluids --choose finds, and the library's numbers for the fluids must be those of the table.
 
     catalogue_test.py SOURCE_FOLDER LIBRARY [TEST...]
 """
@@ -24,7 +24,7 @@ CHOICES = {choice["fluid"]: choice for choice in MAKE.read_table("choices.csv")}
 
 
 def cp_over_R(fluid):
-    """cp/R of the ideal gas at 298.15 K: at vanishing density."""
+    """cp/R of the ideal gas at 298.15 K, which is that of the fluid at vanishing density."""
     library = Library(LIBRARY, ROOT / "Fluids")
     R = 8.314 / library.info(fluid, "m_mol")
     return repr(library.prop(fluid, "td", 298.15, 1e-9, "cv") / R + 1)
@@ -54,7 +54,7 @@ class Catalogue(unittest.TestCase):
         self.assertTrue(all(left_out.values()))
 
     def test_the_choices_are_what_the_library_answers(self):
-        """For every fifteenth fluid; the whole takes half a minute: scripts/make_fluids --choose."""
+        """Tests every fifteenth fluid, since all of them (scripts/make_fluids --choose) take half a minute."""
         for name in list(CHOICES)[::15]:
             with self.subTest(fluid=name), tempfile.TemporaryDirectory() as folder:
                 choice = choose_fluids.choose(TABLE[name], MAKE, LIBRARY, pathlib.Path(folder))

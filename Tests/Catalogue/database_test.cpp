@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The catalogue as a fluid database, read through the default host: each fluid gives the numbers of its file, bit by
-// bit.
+// The catalogue as a fluid database, read through the default host: each fluid must give the same numbers as its file,
+// to the bit.
 #include "Tests/Support/frame.h"
 
 #include <bit>
@@ -17,7 +17,7 @@ std::vector<std::uint64_t> answers() {
     std::vector<std::uint64_t> bits;
     for (const auto &[T_r, v_r] : {std::pair(0.8, 40.0), {1.02, 1.4}, {1.5, 0.7}})
         for (const support::output_case &output : support::output_cases) {
-            // The blank name is that of the fluid in memory.
+            // The blank name stands for the fluid in memory.
             const support::answer answer = support::ask("", "tv", T_r * gas.Tc, v_r * gas.vc, output.name);
             EXPECT_EQ(answer.text, "No errors") << output.name;
             bits.push_back(std::bit_cast<std::uint64_t>(answer.value));

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""A sample of the parameter files against numbers that were worked out from the table of fluids by hand, and the
-formulas behind the numbers in every file.
+"""Compares a sample of the parameter files with numbers that were worked out from the table of fluids by hand, and
+checks the formulas behind the numbers in every file.
 
     sample_test.py SOURCE_FOLDER [TEST...]
 
-Nothing here is shared with the generator: the expected records stand below, and the files are read as the library reads
-them, values in free format with r*c for repeated ones and whatever stands behind the last wanted value a comment.
+Nothing here is shared with the generator. The expected records stand below. The files are read as the library reads
+them: values are in free format, r*c repeats a value, and everything behind the last wanted value is a comment.
 """
 import math
 import pathlib
@@ -17,8 +17,8 @@ from decimal import Decimal
 
 FLUIDS = pathlib.Path(sys.argv[1]) / "Fluids"
 
-# A line for each record, in the order of the file: the values, then behind the bar what the comment must hold.
-# Behind # the formula with its numbers, where there is one; R is 8314/MM, but 8.314463 J/(mol K) in Zc.
+# There is a line for each record, in the order of the file: the values and, behind the bar, the words that the comment
+# must have. The formula with its numbers stands behind #, if there is one; R is 8314/MM, but 8.314463 J/(mol K) in Zc.
 SAMPLE = {
     "argon": """
         heading | formula; CAS number; R740; noble gases
@@ -631,23 +631,24 @@ UNITS = {"MM": "[kg/kmol]", "Tc": "[K]", "Pc": "[atm]", "Tb": "[K]", "cv_0": "[J
 
 
 def expand(word):
-    """The values of a word in free format: two of 2*601.5."""
+    """The values of a word in free format; 2*601.5 stands for two values."""
     count, _, value = word.rpartition("*")
     return [value] * int(count or 1)
 
 
 class Reader:
-    """Takes the records of a parameter file one after the other."""
+    """Reads the records of a parameter file one after the other."""
 
     def __init__(self, file):
         self.lines = file.read_bytes().decode("ascii").split("\n")
-        self.records = []  # what, values, comment
+        self.records = []  # (name, values, comment)
 
     def text(self):
         return self.lines.pop(0)
 
     def take(self, what, wanted=1):
-        """The first of the wanted values, which may go on on the next line; all of them and the comment are kept."""
+        """Returns the first of the wanted values, and keeps all of them with the comment. They may continue on the next
+        line."""
         values = []
         while len(values) < wanted:
             words = self.text().replace(",", " , ").split(" ")
@@ -662,7 +663,7 @@ class Reader:
 
 
 def read(file):
-    """All records of a file with critical data; what stands behind them is kept as the record "rest"."""
+    """All records of a file with critical data; the lines behind them are kept as the record "rest"."""
     reader = Reader(file)
     for what, width in ("heading", 0), ("name", 32), ("label", 32), ("heading", 0):
         text = reader.text()
@@ -696,12 +697,12 @@ def half(text):
 
 
 def digit(value, n):
-    """Half a unit of the n-th significant digit, in which a number of the table is rounded."""
+    """Half a unit of the n-th significant digit, to which a number of the table is rounded."""
     return 0.5 * 10 ** (math.floor(math.log10(value)) + 1 - n)
 
 
 def number(pattern, comment):
-    """The number of a comment, as text."""
+    """The number in a comment, as text."""
     return re.search(pattern.replace("NUMBER", r"(-?[0-9.]+(?:e-?\d+)?)"), comment)[1]
 
 
@@ -711,7 +712,7 @@ def einstein(x):
 
 class Sample(unittest.TestCase):
     def same(self, expected, value):
-        """The same number, whatever zeros stand behind it, or the same text."""
+        """Requires the same number, whatever zeros it ends with, or the same text."""
         try:
             expected, value = Decimal(expected), Decimal(value)
         except ArithmeticError:

@@ -3,24 +3,24 @@
 """Runs the commands of transcripts and compares what they print.
 
     run_transcripts.py COMMAND FLUIDS TRANSCRIPT...              compares
-    run_transcripts.py --update COMMAND FLUIDS TRANSCRIPT...     rewrites what differs; read the changes
-    run_transcripts.py --examples COMMAND FLUIDS TRANSCRIPT...   runs the examples of the help texts in the transcripts,
-                                                                 of which every command must have one
+    run_transcripts.py --update COMMAND FLUIDS TRANSCRIPT...     rewrites the lines that differ; read the changes
+    run_transcripts.py --examples COMMAND FLUIDS TRANSCRIPT...   runs the examples of the help texts in the transcripts;
+                                                                 every command must have an example
     run_transcripts.py --self-test
 
 COMMAND is the program ostrel, FLUIDS a folder of parameter files. A transcript is a text:
 
     # a comment
-    $ ostrel prop toluene pt 1e5 500 t     run by bash, whose pipelines fail if any part does
+    $ ostrel prop toluene pt 1e5 500 t     run by bash, where a pipeline fails if any of its parts does
     t  500  K  temperature                 expected on standard output
     ! ostrel: something is wrong           expected on standard error
     [1]                                    expected exit code, which ends the command
 
 Each transcript runs in a folder of its own, with base.osd, and with FLUIDS as the folder Fluids.
 
-Texts must be equal to the letter, whole numbers too. Numbers with a point or exponent may differ by 1e-9 of their
-value, since mathematical functions differ in the last digit; where that changes a number's length, numbers in columns
-must still end in the same column all along the lines of a table.
+Texts and whole numbers must be equal to the letter. Numbers with a point or an exponent may differ by 1e-9 of their
+value, since mathematical functions differ in the last digit. If that changes the length of a number, the numbers of a
+column must still end in the same column in all lines of a table.
 """
 import os
 import pathlib
@@ -36,7 +36,7 @@ TOLERANCE = 1e-9
 
 
 class Step:
-    """A command with the lines before it, what it prints and its exit code."""
+    """A command with the lines before it, its output and its exit code."""
 
     def __init__(self, before, command):
         self.before, self.command = before, command
@@ -69,7 +69,7 @@ def parse(text):
 
 
 def difference(expected, actual):
-    """What tells two lists of lines apart, or nothing."""
+    """The first difference of two lists of lines, or nothing."""
     shifts = {}  # of the columns of the table that is being compared
     for number, (wanted, got) in enumerate(zip(expected, actual), 1):
         wanted_texts, got_texts = NUMBER.split(wanted), NUMBER.split(got)
@@ -106,7 +106,7 @@ def compare(expected, actual):
 
 
 class Folder:
-    """A place to run commands in."""
+    """A folder in which the commands run."""
 
     def __init__(self, command, fluids):
         self.path = tempfile.mkdtemp(prefix="ostrel-transcript-")
@@ -165,7 +165,7 @@ def run_examples(paths, command, fluids):
     steps = [step for path in paths for step in parse(pathlib.Path(path).read_text(encoding="utf-8"))]
     helps = {step.command: step.stdout for step in steps if step.command.endswith(" --help")}
     failures = []
-    # Every command that a help text lists has its own.
+    # Every command that a help text lists must have a help text of its own.
     for name, lines in helps.items():
         if "Subcommands:" in lines:
             for line in lines[lines.index("Subcommands:") + 1:]:

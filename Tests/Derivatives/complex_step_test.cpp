@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every derivative operation against the complex step of what it is the derivative of.
+// Compares every derivative operation with the complex step of the operation that it differentiates.
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
 
@@ -45,7 +45,7 @@ TEST(complex_step, every_derivative_of_every_model_and_heat_capacity) {
     });
 }
 
-// The operations that hosts call are the algebra at double, to the bit.
+// The operations of the modules must give the same bits as the algebra at double.
 TEST(complex_step, the_module_operations_are_the_algebra_at_double) {
     support::for_each_state([](const auto &model, double T, double v) {
 #define OSTREL_SAME_SCALAR(unused, operation) \

@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# What the library's file says of unloading and of floating-point arithmetic.
+# Checks the library's file: nothing in it keeps the library from being unloaded, and it does not compute with the x87
+# unit.
 #
 #   check_library_file.sh NM READELF OBJDUMP LIBRARY
 set -eu
@@ -15,13 +16,13 @@ symbols=$("$nm" -D "$library")
 dynamic=$("$readelf" -dlW "$library")
 echo "$symbols" | grep -q ' T ostrel_prop$' || complain "$library: no ostrel_prop"
 echo "$dynamic" | grep -q SONAME || complain "$library: no SONAME"
-# Each of these keeps a library from being unloaded, or calls into it afterwards.
+# Each of these keeps the library from being unloaded, or is called after it has been unloaded.
 echo "$symbols" | grep ' u ' && complain "Symbols unique in the process."
 echo "$symbols" | grep -E '__cxa_thread_atexit|__tls_get_addr' && complain "Variables of a thread."
 echo "$dynamic" | grep -E 'NODELETE|STATIC_TLS|^ *TLS ' && complain "Flags that keep it loaded, or variables of a thread."
 echo "$dynamic" | grep 'GNU_STACK.*RWE' && complain "A stack that can be executed."
 
-# The x87 unit has a rounding mode and a precision of its own, which nobody looks at.
+# The x87 unit has a rounding mode and a precision of its own, which the library does not set.
 if "$objdump" -f "$library" | grep -q 'architecture: i386:x86-64'; then
     instructions=$("$objdump" -d --no-show-raw-insn "$library" | awk '/^ / { print $2 }')
     echo "$instructions" | grep -q '^mulsd$' || complain "$library: no multiplication found"

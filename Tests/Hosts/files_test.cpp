@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Fluid files and databases that cannot be written, that are replaced or broken while they are in use, and things of
-// other kinds in their place: a fluid that is loaded stays, what is there at the next load counts, nothing waits.
+// Fluid files and databases that cannot be written, or that are replaced or broken while they are in use, and things of
+// other kinds in their place. A loaded fluid must stay, the next load must take the thing that is there then, and
+// nothing must wait.
 #include "Tests/Hosts/hosts_support.h"
 #include "Tests/Support/child_process.h"
 
@@ -31,11 +32,12 @@ double Tc_of(const char *fluid) {
 }
 
 struct files : support::frame_test {
-    files() { alarm(30); } // what waits for ever is killed
+    files() { alarm(30); } // ends a test that waits for ever
     ~files() override { alarm(0); }
 };
 
-/// Puts something in the place of the fluid "x" while it is loaded, and asks; then again after another fluid.
+/// Puts something in the place of the file of the fluid "x" while that fluid is loaded, and asks for it. Then asks for
+/// it again after another fluid.
 template <class Replace>
 void replaced_while_in_use(const fluid_folder &folder, Replace replace, const std::string &text, double Tc = 0) {
     const fs::path place = fs::path(folder.path()) / "x.osd";
@@ -146,7 +148,7 @@ TEST_F(files, things_that_are_no_files) {
 
 TEST_F(files, an_endless_file) {
     const fluid_folder folder;
-    // Holes only: reading goes on, memory must not.
+    // The file consists of holes: it has much to read, but the library must not fill the memory with it.
     replaced_while_in_use(
         folder, [](const fs::path &place) { fs::resize_file(place, std::uintmax_t{1} << 40); }, failed_open(EFBIG));
 }
@@ -191,7 +193,7 @@ TEST_F(databases, replaced_and_broken) {
 
 #endif
 
-/// What an unprivileged user sees of a folder without any right to write, as lines.
+/// The answers, one in each line, that an unprivileged user gets from a folder in which nobody may write.
 std::string seen_by_nobody(const fluid_folder &folder) {
     std::string text;
     const auto line = [&text](const std::string &answer) { text += answer + "\n"; };
@@ -235,7 +237,7 @@ TEST_F(files, of_a_folder_that_cannot_be_written) {
     constexpr int out_of_reach = 4;
     support::child_process child([&] {
         if (geteuid() == 0) {
-            // Permissions mean nothing to root.
+            // Permissions do not hold for root.
             const passwd *const nobody = getpwnam("nobody");
             if (nobody == nullptr || setgroups(0, nullptr) != 0 || setgid(nobody->pw_gid) != 0 ||
                 setuid(nobody->pw_uid) != 0)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Hosts with another rounding mode, with subnormal numbers flushed to zero, with floating-point traps: the same digits,
-// no signal, and their environment as they left it.
+// Hosts with another rounding mode, with subnormal numbers flushed to zero, or with floating-point traps. They must get
+// the same digits and no signal, and find their environment as they left it.
 #include "Tests/Hosts/hosts_support.h"
 
 #include <csignal>
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The control and status of the floating-point unit as they are, to the bit where the machine is known.
+/// The control and status of the floating-point unit now; on a known machine, all their bits.
 struct control_state {
     int rounding = std::fegetround();
     int traps = fegetexcept();
@@ -36,7 +36,7 @@ auto in_environment(Set set, int &changed) {
         const control_state before;
         call();
         const control_state after;
-        // With an exception pending, the next operation would end the host.
+        // If an exception were pending, the next operation would end the host.
         volatile double small = 1.0, large = 3.0;
         volatile long double small_extended = small;
         small = small + large;
@@ -80,7 +80,7 @@ TEST(floating_point, rounding_toward_zero) {
 }
 
 TEST(floating_point, the_session_depends_on_the_rounding) {
-    // The same session without the library's guard differs: at least one module operation does.
+    // The guard is needed: without it, at least one module operation differs.
     support::fresh_frame();
     ASSERT_TRUE(support::ask("toluene", "td", 500, 2.0, "t").ok());
     const double nearest = thermodynamics::e__T_v(1.1, 20.0);
@@ -102,7 +102,7 @@ TEST(floating_point, every_trap_and_upward) {
 }
 
 TEST(floating_point, flags_of_a_host_with_its_own_environment_stay) {
-    // Flags that stand while their traps are on are a host's own; none comes or goes.
+    // Flags that are set while their traps are on belong to the host; the library must not set or clear any.
     expect_same_in([] {
         std::feraiseexcept(FE_OVERFLOW | FE_INEXACT);
         feenableexcept(FE_DIVBYZERO | FE_INVALID);
@@ -117,7 +117,7 @@ TEST(floating_point, subnormal_numbers_flushed_to_zero) {
 }
 #endif
 
-// Routines of the host run in the library's environment, and cannot keep the host's from coming back.
+// The routines of the host run in the library's environment, and the host's environment comes back whatever they do.
 
 struct seen {
     static inline bool standard = false;

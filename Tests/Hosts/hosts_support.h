@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of difficult hosts share: one long session with every entry point, all that it answers, and the
-// descriptors that are open.
+// The tests of difficult hosts share this file: one long session with every entry point, all its answers, and the
+// number of open descriptors.
 #pragma once
 
 #include "Tests/Support/frame.h"
@@ -17,7 +17,7 @@
 
 namespace support {
 
-/// A value to the bit, so that NaNs and zeros compare too, and the text that came with it.
+/// A value, compared by its bits so that NaNs and zeros compare too, and the text that came with it.
 struct exact_answer {
     std::uint64_t bits;
     std::string text;
@@ -29,7 +29,7 @@ inline void PrintTo(const exact_answer &answer, std::ostream *out) {
 }
 
 inline long open_descriptors() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}) - 1; // the listing's own
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}) - 1; // without the listing's own
 }
 
 #ifdef OSTREL_WITH_SQLITE
@@ -45,9 +45,9 @@ inline void make_database(const std::string &path, const std::string &fluid, con
 }
 #endif
 
-/// One session with every entry point: loading from files good and bad and from a database, all pairs and outputs of
-/// fluids with every model, hostile numbers, failures of each kind. The requests are made beforehand, so that an
-/// environment can be set around each call of the library and nothing else.
+/// One session with every entry point: it loads from good and bad files and from a database, asks for all pairs and
+/// outputs of fluids with every model, passes hostile numbers and has failures of each kind. The requests are prepared
+/// beforehand, so that an environment can be set around the calls of the library alone.
 class session {
 public:
     session() {
@@ -94,7 +94,7 @@ public:
 #ifdef OSTREL_WITH_SQLITE
         database_ = folder_.path() + "/fluids.sqlite";
         make_database(database_, "good", file_text(OSTREL_TESTS "/../Fluids/toluene.osd"));
-        // Numbers where texts belong are made into texts by the database.
+        // The database makes texts of numbers that stand in place of texts.
         make_database(folder_.path() + "/numbers.sqlite", "good", "x");
         sqlite3 *numbers_database = nullptr;
         sqlite3_open((folder_.path() + "/numbers.sqlite").c_str(), &numbers_database);
@@ -105,7 +105,7 @@ public:
 #endif
     }
 
-    /// All answers, from the library as just loaded; around gets each call of an entry point to make it.
+    /// All answers of a library in its first state. `around` is given each call of an entry point and makes it.
     template <class Around>
     std::vector<exact_answer> run(Around around) const {
         fresh_frame();
@@ -196,7 +196,7 @@ private:
     std::string database_;
 };
 
-/// The same answers to the same session, the first differences told.
+/// Expects the same answers to the same session, and tells the first differences.
 inline void expect_same(const std::vector<exact_answer> &answers, const std::vector<exact_answer> &wanted) {
     ASSERT_EQ(answers.size(), wanted.size());
     int told = 0;

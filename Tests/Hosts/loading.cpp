@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Hosts that load the library while they run: two copies side by side, unloading and loading anew. The program is not
-// linked with the library, whose symbols would else be everyone's.
+// Hosts that load the library while they run: two copies side by side, unloading and loading again. The program is not
+// linked with the library, since all copies would then use the linked library's symbols.
 #include "Tests/Support/child_process.h"
 #include "ostrel.h"
 
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 const std::string library_file = OSTREL_LIBRARY;
 
-/// A file of its own with the library's content; the loader knows a library by its file.
+/// A copy of the library's file. The loader tells libraries apart by their files.
 class copied_file {
 public:
     copied_file() {
@@ -43,7 +43,7 @@ struct answer {
     friend bool operator==(const answer &, const answer &) = default;
 };
 
-/// A loaded library and those of its functions that a host asks for.
+/// A loaded library and the functions that a host looks up in it.
 class library {
 public:
     explicit library(void *handle) : handle_(handle) {
@@ -73,7 +73,7 @@ public:
                                                                             fluid.size(), name.size(), text.size());
         return {value, without_padding(text)};
     }
-    /// The reduced temperature [T_ref] of "td" for the fluid that is loaded.
+    /// The reduced temperature [T_ref] that the pair gives for the fluid that is loaded.
     double reduced(std::string_view pair) const {
         const double t = 500.0, d = 2.0;
         double T = 0, v = 0;
@@ -115,7 +115,7 @@ bool loaded(const std::string &file) {
     return handle != nullptr;
 }
 
-/// Each part of the library's state is its own in two loaded libraries.
+/// Expects that two loaded libraries share no part of their states.
 void expect_separate(const library &first, const library &second) {
     // A library that has loaded nothing yet has no reference temperature.
     const double fresh = second.reduced("td");
@@ -128,19 +128,19 @@ void expect_separate(const library &first, const library &second) {
     EXPECT_NE(water.value, toluene.value);
     EXPECT_NE(first.reduced("td"), second.reduced("td"));
 
-    // The kept state: a failed pair leaves the one before.
+    // The kept state: a failed pair keeps the state before it.
     EXPECT_EQ(first.ask("toluene", "td", 500.0, 2.0, "p"), toluene);
     EXPECT_EQ(second.ask("water", "tq", 9999.0, 1.0, "p").value, -8888.8);
     EXPECT_EQ(second.ask("water", "tq", 9999.0, 1.0, "p"), water) << "served from the state before";
     EXPECT_EQ(first.ask("toluene", "tq", 9999.0, 1.0, "p").value, -8888.8);
     EXPECT_EQ(first.ask("toluene", "tq", 9999.0, 1.0, "p"), toluene);
 
-    // The shared error text: a message that stands makes loading for a constant count as failed.
+    // The shared error text: an old message makes the loading of a fluid by ostrel_info count as failed.
     second.reduced("xx");
     EXPECT_TRUE(first.ask_info("nitrogen", "m_mol").ok());
     EXPECT_EQ(second.ask_info("nitrogen", "m_mol").text, "Ostrel error: calculation as function of xx not available.");
 
-    // The saturation table, whose range serves every later fluid.
+    // The saturation table: its range serves every later fluid.
     EXPECT_TRUE(first.ask("toluene", "tq", 450.0, 1.0, "p").ok());
     EXPECT_TRUE(second.ask("water", "tq", 500.0, 1.0, "p").ok());
     const answer second_toluene = second.ask("toluene", "tq", 450.0, 1.0, "p");
@@ -219,12 +219,12 @@ TEST(unloading, leaves_nothing_and_starts_afresh) {
         if (round == 30)
             in_use = mallinfo2().uordblks;
     }
-    // What is forgotten at each unloading would add up to more than this.
+    // Memory that is lost at each unloading would add up to more than this.
     EXPECT_LT(mallinfo2().uordblks, in_use + 2000);
 }
 
 TEST(unloading, while_a_thread_of_the_host_goes_on) {
-    // A thread that used the library ends after it is unloaded: nothing of its code may be called then.
+    // A thread that has used the library ends after the library is unloaded. None of its code may be called then.
     int ready[2], go[2];
     ASSERT_EQ(pipe(ready), 0);
     ASSERT_EQ(pipe(go), 0);

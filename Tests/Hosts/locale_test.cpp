@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Hosts with a decimal comma and grouped digits, in C's locale and in C++'s: the same numbers and texts, and the
-// host's locale as it left it.
+// Hosts with a decimal comma and grouped digits, in the locale of C and in that of C++. They must get the same numbers
+// and texts, and find their locale as they left it.
 #include "Tests/Hosts/hosts_support.h"
 
 #include <clocale>
@@ -9,14 +9,14 @@
 
 namespace {
 
-/// A locale of its own with a decimal comma, so that none needs to be installed.
+/// Makes a locale with a decimal comma, so that none needs to be installed.
 class comma_locale {
 public:
     comma_locale() {
         const std::string source = folder_.write("comma.src", "LC_CTYPE\nupper <A>;<B>\nlower <a>;<b>\nEND LC_CTYPE\n"
                                                               "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\n"
                                                               "grouping 3;3\nEND LC_NUMERIC\n");
-        // It warns of the categories that are missing and ends with 1.
+        // The command warns of the categories that are missing and ends with 1.
         const std::string command =
             "localedef -c -f ANSI_X3.4-1968 -i " + source + " " + folder_.path() + "/xx_XX >/dev/null 2>&1";
         static_cast<void>(std::system(command.c_str()));
@@ -29,7 +29,7 @@ public:
     comma_locale(const comma_locale &) = delete;
     comma_locale &operator=(const comma_locale &) = delete;
 
-    /// A number as the C library writes it now.
+    /// A number as the C library writes it in the current locale.
     static std::string one_half() {
         char text[16];
         std::snprintf(text, sizeof text, "%.1f", 0.5);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Hosts short of descriptors or memory, without standard streams, full of signals, that move about and change their
-// environment: a message instead of a crash, nothing left open, and the same answers once things are well again.
+// Hosts with few descriptors or little memory, without standard streams, with many signals, and hosts that change their
+// working directory or their environment. They must get a message and no crash, find nothing left open, and get the
+// same answers again once the trouble is over.
 #include "Tests/Hosts/hosts_support.h"
 #include "Tests/Support/child_process.h"
 
@@ -15,11 +16,11 @@
 
 namespace {
 
-/// Allocations of the process; the one with this number fails, and all behind it.
+/// The number of allocations of the process. Allocation `first_failure` fails, and all later ones.
 long allocations = 0;
 constexpr long unlimited = std::numeric_limits<long>::max();
 long first_failure = unlimited;
-/// Those that have not been given back.
+/// The number of allocations that have not been given back.
 long live = 0;
 
 void *allocate(std::size_t size) {
@@ -38,7 +39,7 @@ void release(void *place) {
 
 } // namespace
 
-// The library's allocations come here too: a program's own operators take precedence.
+// The library's allocations come here too, since a program's own operators take precedence.
 void *operator new(std::size_t size) {
     return allocate(size);
 }
@@ -80,12 +81,12 @@ TEST_F(process, without_standard_streams) {
     const support::session session;
     const auto wanted = session.run();
     support::child_process child([&] {
-        alarm(100); // a session takes long where every access is checked
+        alarm(100); // a session takes long when a sanitizer checks every access
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             close(stream);
         const long before = open_descriptors();
         const bool same = session.run() == wanted;
-        // SQLite keeps its files away from these three by filling them up; nothing else may stay open.
+        // SQLite fills these three descriptors so that its files do not get them. Nothing else may stay open.
         long filled = 0;
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             filled += fcntl(stream, F_GETFD) >= 0 ? 1 : 0;
@@ -101,7 +102,7 @@ TEST_F(process, under_a_storm_of_signals) {
     const auto wanted = session.run();
     struct sigaction action {};
     action.sa_handler = [](int) { signals = signals + 1; };
-    ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0); // system calls are not taken up again
+    ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0); // interrupted system calls are not restarted
     itimerval timer{{0, 200}, {0, 200}};                // [s], [us]
     ASSERT_EQ(setitimer(ITIMER_REAL, &timer, nullptr), 0);
     const auto answers = session.run();
@@ -189,16 +190,16 @@ TEST_F(process, without_free_descriptors) {
     support::expect_same(session.run(), wanted);
 }
 
-/// The library as just loaded, with none of its memory kept for later.
+/// Puts the library into its first state, in which it keeps no memory for later.
 void fresh_and_empty() {
     support::fresh_frame();
     for (auto *column : {&thermodynamics::TTs, &thermodynamics::PPs, &thermodynamics::vvls, &thermodynamics::vvgs})
         column->shrink_to_fit();
 }
 
-/// Lets a call run out of memory at its first, second, ... allocation (of very many at some), and checks that the
-/// library says so, forgets nothing and is none the worse for it. The call fills a text of 256 characters and answers a
-/// value.
+/// Lets a call run out of memory at its first allocation, its second and so on (if there are very many, at some of
+/// them). Checks that the library reports it, loses no memory and works as before. The call fills a text of 256
+/// characters and returns a value.
 template <class Call>
 void fail_each_allocation(Call call) {
     std::array<char, 256> text{};
@@ -296,8 +297,8 @@ TEST_F(process, out_of_memory_after_loading) {
 }
 
 #ifndef OSTREL_SANITIZED
-// Memory that is out for the C library and SQLite too, as a limit on the process makes it. A sanitizer's own memory is
-// far above any limit.
+// A limit on the process, so that the C library and SQLite run out of memory too. A sanitizer itself needs more memory
+// than any such limit allows.
 
 TEST_F(process, without_any_memory) {
     support::child_process child([] {
@@ -320,7 +321,7 @@ TEST_F(process, without_any_memory) {
         const long descriptors = open_descriptors();
         const rlimit none = {0, RLIM_INFINITY};
         want(setrlimit(RLIMIT_AS, &none) == 0, 11);
-        // What the heap still has is taken too, and kept as a list to give it back.
+        // The free memory of the heap is taken too. It is kept as a list, so that it can be given back.
         struct link {
             link *next;
         } *taken = nullptr;
@@ -354,7 +355,7 @@ TEST_F(process, without_any_memory) {
 
 #ifdef OSTREL_WITH_SQLITE
 TEST_F(process, with_less_and_less_memory) {
-    // Between enough and none, wherever the limit strikes in the C library or SQLite.
+    // The limits go from enough memory to none, so that they strike at many places in the C library and SQLite.
     support::child_process child([] {
         const support::temporary_folder folder;
         const std::string database = folder.path() + "/fluids.sqlite";

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A thread of a host with a stack of 64 KiB: everything that the library does fits, with room to spare. How deep it
-// goes is read off a pattern in the stack's memory.
+// A thread of a host with a stack of 64 KiB. All calls of the library must fit, with room to spare. A pattern in the
+// memory of the stack shows how much of it a call has used.
 #include "Tests/Hosts/hosts_support.h"
 
 #include <algorithm>
@@ -11,10 +11,11 @@
 namespace {
 
 constexpr std::size_t stack_size = std::size_t{64} << 10;
-/// [bytes] what Include/ostrel.h says is enough for a call, on top of what the thread itself has used
+/// [bytes] the stack that is enough for a call according to Include/ostrel.h, beside that of the thread itself
 constexpr std::ptrdiff_t promised = 32 << 10;
 
-/// Runs the body in a thread with a small stack, below which nothing can be written; the bytes of stack it has used.
+/// Runs the body in a thread with a small stack, below which nothing can be written. Returns the bytes of stack that
+/// were used.
 template <class Body>
 std::ptrdiff_t stack_used(Body body) {
     constexpr unsigned char pattern = 0xA5;
@@ -55,7 +56,7 @@ void expect_within(const char *what, std::ptrdiff_t used) {
     EXPECT_LT(used, promised) << what;
 }
 
-/// The first calls of a process find the functions that they need themselves, at some cost of stack.
+/// The first calls of a process look up the functions that they need in other libraries, which costs some stack.
 TEST(small_stack, first_calls) {
     const support::temporary_folder folder;
 #ifdef OSTREL_WITH_SQLITE

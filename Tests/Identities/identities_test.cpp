@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The identities between pressure, energy, entropy and heat capacity: each written once and asked of
-// every model with every heat capacity at every state, to the rounding of its terms.
+// The identities between pressure, energy, entropy and heat capacity. Each is written once and tested for every model
+// with every heat capacity at every state, within the rounding of its terms.
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
 
@@ -102,8 +102,8 @@ TEST(identities, enthalpy_is_exactly_e_plus_Pv) {
     });
 }
 
-// rho and rho e as functions of (T, v) by the complex step, and the 2x2 system for the derivatives of P
-// in them solved by Cramer's rule: nothing of the operation's own arrangement is used.
+// The complex step differentiates rho and rho e as functions of (T, v). Cramer's rule solves the 2x2 system for the
+// derivatives of P by them. The operation itself does neither.
 TEST(identities, pressure_derivatives_in_density_and_energy_density) {
     support::for_each_state([](const auto &model, double T, double v) {
         const evaluated at(model, T, v);
@@ -140,7 +140,7 @@ TEST(identities, extended_state_agrees_with_its_parts) {
     });
 }
 
-// Along an isentrope d(rho e)/d(rho) = e + P v, so that c2 is also dP/d(rho) + (e + P v) dP/d(rho e).
+// Along an isentrope d(rho e)/d(rho) = e + P v, so that c2 also equals dP/d(rho) + (e + P v) dP/d(rho e).
 TEST(identities, speed_of_sound_two_ways) {
     support::for_each_state([](const auto &model, double T, double v) {
         const evaluated at(model, T, v);

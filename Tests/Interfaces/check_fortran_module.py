@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Fortran's module has each function of the C header with as many arguments, and a unit at every argument of its own
-procedures.
+"""Fortran's module must have each function of the C header with the same number of arguments, and a unit at every
+argument of its own procedures.
 
     check_fortran_module.py MODULE C_HEADER
 """

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Every argument of a public function has its unit in the comment block above it.
+"""Every argument of a public function must have its unit in the comment block above the function.
 
     check_header_units.py HEADER              complains about each argument that has none
-    check_header_units.py --self-test HEADER  damages copies of the header and wants a complaint about each
+    check_header_units.py --self-test HEADER  damages copies of the header and requires a complaint about each
 
-An argument is documented by a line "name  [unit] text". The length of a text, which is named after the
-text, needs none; the length of an array's elements does.
+An argument is documented by a line "name  [unit] text". The length of a text, whose name comes from that of the text,
+needs no line; the length of an array's elements does.
 """
 import re
 import sys
@@ -19,7 +19,7 @@ DOCUMENTED = re.compile(r"^ \* (\w+) +\[([^\]\n]*)\] +\S", re.M)
 
 
 def arguments(text):
-    """(name, whether it is a text: one that is read, or the error text) of each argument."""
+    """(name, whether it is an input text or the error text) of each argument."""
     for argument in text.split(","):
         argument = argument.strip()
         if argument not in ("", "void"):
@@ -48,7 +48,7 @@ def complaints(header):
 
 
 def self_test(header):
-    """Yields what goes unnoticed."""
+    """Yields the damages that go unnoticed."""
     damages = []
     for match in FUNCTION.finditer(header):
         for line in DOCUMENTED.finditer(match["comment"]):

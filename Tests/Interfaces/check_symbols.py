@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The library exports the functions of the C header, each plain and with a trailing underscore, and what the module
-headers declare, and nothing else.
+"""The library must export the functions of the C header, each plain and with a trailing underscore, everything that the
+module headers declare, and nothing else.
 
     check_symbols.py list NM LIBRARY C_HEADER LIST      compares all symbols with the list
     check_symbols.py update NM LIBRARY C_HEADER LIST    writes the list
     check_symbols.py modules NM LIBRARY FOLDER COMPILER...
-        wants what headers in the folder declare: everything in a visible namespace, names with "__" in any
+        requires that the declarations of the headers in the folder are exported: everything in a visible namespace, and
+        names with "__" in any namespace
 
-The list holds what g++ and nm make of the names on a 64-bit Linux. Inline variables are left out: whether one is
-there depends on the optimisation, and every program has its own copy.
+The list has the names in the form that g++ and nm give them on a 64-bit Linux. Inline variables are left out: it
+depends on the optimisation whether the library has one, and every program has its own copy.
 """
 import pathlib
 import re
@@ -25,7 +26,7 @@ def exported(nm, library):
 
 
 def inline_variable(kind, name):
-    # Unique in the process or weak, as the tables of types are too.
+    # Such a variable is unique in the process or weak; the tables of types are weak too.
     return kind == "u" or (kind == "V" and not name.startswith(("vtable ", "typeinfo ")))
 
 
@@ -51,7 +52,7 @@ def against_list(symbols, functions, path, update):
 
 
 def preprocessed(folder, compiler):
-    """What the compiler sees of all headers in the folder, without what they include from elsewhere."""
+    """The text of all headers in the folder behind the preprocessor, without headers from elsewhere."""
     headers = sorted(folder.rglob("*.h"))
     source = "".join(f'#include "{header}"\n' for header in headers)
     text = subprocess.run([*compiler, "-E", "-x", "c++", "-"], input=source, check=True, capture_output=True,
@@ -68,7 +69,7 @@ def preprocessed(folder, compiler):
 
 def statements(text):
     """(namespace, whether it is visible, statement) of everything that ends in a semicolon directly in a namespace."""
-    scopes = []  # of each open brace: the namespace's name and its visibility, or None
+    scopes = []  # for each open brace: the namespace's name and whether it is visible, or None
     statement, parentheses = "", 0
     for token in re.findall(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'|[{}();]|[^{}();"\']+', text):
         parentheses += {"(": 1, ")": -1}.get(token, 0)
@@ -101,7 +102,7 @@ def declared(text):
 
 
 def against_headers(symbols, names):
-    # Without arguments and without what the compiler notes behind a name.
+    # The names without their arguments and without the notes of the compiler behind them.
     bare = {re.split(r"[(\[]", symbol)[0] for symbol in symbols}
     yield from (f"declared and not exported: {name}" for name in sorted(set(names) - bare))
     if len(set(names)) < 200:

@@ -1,4 +1,4 @@
-# Runs both hosts on the table: each must succeed, answer every row, and print the same bytes.
+# Runs both hosts on the table. Each must succeed and answer every row, and both must print the same bytes.
 #   cmake -D C_HOST=.. -D FORTRAN_HOST=.. -D TABLE=.. -P compare_hosts.cmake
 foreach(host C_HOST FORTRAN_HOST)
   execute_process(COMMAND ${${host}} ${TABLE} OUTPUT_VARIABLE ${host}_output ERROR_VARIABLE errors RESULT_VARIABLE status)
@@ -18,7 +18,7 @@ math(EXPR expected "${row_count} + 2")
 if(NOT number_count EQUAL expected)
   message(FATAL_ERROR "${number_count} answers, expected ${expected}:\n${C_HOST_output}")
 endif()
-# Numbers that need no formula: the temperature asked for, and the failure value.
+# These numbers need no formula: the temperature that was asked for, and the failure value.
 foreach(line
     "407F400000000000   5.0000000000000000E+002 [No errors]"
     "C0C15C6666666666  -8.8887999999999993E+003 [Ostrel error: calculation as function of xyz        not available.]"

@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: MIT */
-/* Asks the library what a table of requests says, and prints every number and text that comes back.
+/* Makes the requests of a table, and prints every number and text that the library returns.
  *
  *   host_c TABLE
  */
@@ -94,7 +94,7 @@ int main(int argc, char **argv) {
     }
     fclose(table);
 
-    /* A short error field. */
+    /* An error field that is too short for the text. */
     {
         const double first = 500, second = 5;
         const double value = ostrel_prop("toluene", "td", &first, &second, "nothing", brief, 7, 2, 7, sizeof brief);

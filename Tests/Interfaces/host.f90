@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Asks the library what a table of requests says, and prints every number and text that comes back.
+! Makes the requests of a table, and prints every number and text that the library returns.
 ! The entry points are external procedures without interfaces, as older programs declare them.
 !
 !   host_fortran TABLE
@@ -51,7 +51,7 @@ program host
     end do
     close (table)
 
-    ! A short error field.
+    ! An error field that is too short for the text.
     value = ostrel_prop('toluene', 'td', 500.0_real64, 5.0_real64, 'nothing', brief)
     call print_answer(value, brief)
     call read_init_fluiddata('toluene')

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# A program that uses the installed library finds the installed fluids by itself, also when the tree was moved.
+# A program that uses the installed library must find the installed fluids by itself, also when the tree was moved.
 #   installed_fluids.sh CMAKE BUILD_FOLDER C_COMPILER PROGRAM_SOURCE LIBRARY_FOLDER FLUID_FOLDER [COMPILER_OPTION...]
 set -eu
 cmake=$1 build=$2 compiler=$3 source=$4 libraries=$5 fluids=$6
@@ -15,7 +15,7 @@ mkdir -p "$tree/bin"
 "$compiler" "$@" -I"$tree/include" "$source" -o "$tree/bin/program" -L"$tree/$libraries" -lostrel \
     -Wl,-rpath,"\$ORIGIN/../$libraries"
 
-# A fluid that is in this tree only shows which directory is read.
+# A fluid that is in this tree alone shows which directory the library reads.
 ask() {
     cp "$1/$fluids/toluene.osd" "$1/$fluids/$2.osd"
     "$1/bin/program" "$2" > "$place/answer" || { echo "$2 not found in $1"; cat "$place/answer"; exit 1; }
@@ -25,14 +25,14 @@ ask "$tree" here
 mv "$tree" "$place/second"
 ask "$place/second" there
 
-# Without its fluids the library must not answer from the moved tree's old place.
+# When its fluids are gone, the library must not answer from the old place of the moved tree.
 rm "$place/second/$fluids/there.osd"
 if "$place/second/bin/program" there > "$place/answer" 2>&1; then
     echo "a fluid that was removed still answers"
     exit 1
 fi
 
-# Through a symbolic link to the library, as a system directory may hold.
+# The library must also find its fluids through a symbolic link to it, which a system directory may have.
 mkdir "$place/links"
 ln -s "$place/second/$libraries"/libostrel.so* "$place/links"
 mkdir "$place/elsewhere"

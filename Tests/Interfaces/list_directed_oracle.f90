@@ -1,12 +1,12 @@
 ! SPDX-License-Identifier: MIT
-! Answers what this compiler's runtime makes of list-directed input and output.
+! Shows how this compiler's runtime treats list-directed input and output.
 !
-! Arguments: a folder, in which `cases` lists one case a line, and the file that takes the answers.
+! Arguments: a folder, in which the file `cases` lists one case in each line, and the file that receives the answers.
 !   Fp###  name     two READs of ### values of pattern p from the file `name`
 !   Lp###  name     the same, each READ from one line of the file, taken as a text of 255 characters
 !   Wp###  words    the ### values, given as hexadecimal words, written as one record
 ! Patterns: r reals, i integers, l logicals, m an integer, a real, a logical and a real.
-! The answer to a READ is 0 (success) or 1 and the values as hexadecimal words; to a WRITE the record.
+! The answer to a READ is 0 (success) or 1 and the values as hexadecimal words. The answer to a WRITE is the record.
 program list_directed_oracle
   use, intrinsic :: iso_fortran_env, only: int32, int64, real64, iostat_end
   implicit none

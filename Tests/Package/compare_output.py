@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""A program must print what is expected of it; numbers may differ by some units of their last digit.
+"""A program must print the expected output; numbers may differ by some units of their last digit.
 
     compare_output.py EXPECTED UNITS PROGRAM [ARGUMENT...]
 """
@@ -14,7 +14,7 @@ NUMBER = re.compile(r"-?\d+(?:\.(\d+))?")
 def differs(expected, printed, units):
     numbers, others = list(NUMBER.finditer(expected)), list(NUMBER.finditer(printed))
     if NUMBER.sub("#", expected) != NUMBER.sub("#", printed):
-        # A number that is longer or shorter shifts the blanks before it.
+        # The number of blanks before a number depends on its length.
         if NUMBER.sub("#", expected).split() != NUMBER.sub("#", printed).split():
             return True
     for number, other in zip(numbers, others):

@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: MIT */
-/* Asks for a density by what it was asked for: the library is found, and its fluids are. */
+/* Asks for the density that is an input itself, which shows that the library and its fluids are found. */
 #include "ostrel.h"
 
 #include <math.h>

@@ -1,5 +1,5 @@
 ! SPDX-License-Identifier: MIT
-! Asks for a density by what it was asked for, through module ostrel, with host routines that are put in and out again.
+! Asks through module ostrel for the density that is an input itself. It sets host routines of its own and removes them.
 module own_host
     use, intrinsic :: iso_c_binding
     use ostrel
@@ -49,7 +49,7 @@ program host
     call ostrel_use_host()
     call ostrel_fluids(names)
     if (all(names /= 'toluene') .or. calls /= 11) stop 4
-    deallocate (names) ! the compiler leaves a program's own to the end of the process, which counts as a leak
+    deallocate (names) ! a program's own arrays are kept until the process ends, which counts as a leak
 
     d = ostrel_prop('toluene', 'td', 500.0_c_double, 5.0_c_double, 'd', message)
     print '(f0.3, 2a)', d, ' kg/m3, ', trim(message)

@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Installs the library and moves the tree to where the other tests find it. Nothing in it may name a place.
+# Installs the library and moves the tree to the place where the other tests look for it. No file in the tree may name a
+# place.
 #   install.sh CMAKE BUILD_FOLDER SOURCE_FOLDER TREE
 set -eu
 cmake=$1 build=$2 source=$3 tree=$4

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Uses operations, variables and readers of the library's modules, and has all their headers included before.
+// Uses operations, variables and readers of the library's modules, and includes all their headers first.
 #include "all_headers.h"
 
 #include <cmath>
@@ -25,7 +25,7 @@ bool answers() {
            thermodynamics::gas_type == 4 && soave_redlich_kwong_gas::P__T_v__SRKG(3, 2) == thermodynamics::P__T_v(3, 2);
 }
 
-/// Through a reader of the caller's: its class is the library's own, with one type_info.
+/// Reads through a reader that the caller makes; its class is the library's, so that there is only one type_info.
 bool reads() {
     std::string lines(255 * 255, ' ');
     lines.replace(0, 4, "12.5");

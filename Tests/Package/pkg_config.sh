@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Programs in C, Fortran and C++ that ask pkg-config for everything.
+# Builds programs in C, Fortran and C++ that ask pkg-config for everything.
 #   pkg_config.sh PKG_CONFIG SOURCE_FOLDER VERSION C_COMPILER FORTRAN_COMPILER CXX_COMPILER [COMPILER_OPTION...]
-# PKG_CONFIG_PATH has the folder of ostrel.pc. The programs are built in a folder pkg_config, made anew.
+# PKG_CONFIG_PATH has the folder of ostrel.pc. The programs are built in a new folder, pkg_config.
 set -eu
 tool=$1 source=$2 version=$3 c=$4 fortran=$5 cxx=$6
 shift 6
@@ -11,7 +11,7 @@ rm -rf pkg_config
 mkdir pkg_config
 cd pkg_config
 "$tool" --print-errors --exact-version="$version" ostrel
-# eval: pkg-config quotes for the shell, such as blanks in the tree's name.
+# eval is needed since pkg-config quotes for the shell, for example blanks in the name of the tree.
 variable() {
     eval "printf '%s' $("$tool" --variable="$1" ostrel)"
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# The library is known to programs by the first number of its interface version.
+# Programs must know the library by the first number of its interface version.
 #   soname.sh READELF LIBRARY_FOLDER PROGRAM
 set -eu
 readelf=$1 libraries=$2 program=$3

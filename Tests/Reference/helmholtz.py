@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""The Helmholtz energy a(T, v) of the eight models and of the five heat capacities, once each, and everything else from
-it by differentiation.
+"""The Helmholtz energy a(T, v) of the eight models and of the five heat capacities, each written once. Everything else
+follows from it by differentiation.
 
-Reduced: T in T_ref, v in v_ref, a in P_ref v_ref = R T_ref, pressures in P_ref. The models' equations of state, written
-beside their integrals, are compared with -da/dv at every state.
+All quantities are reduced: T by T_ref, v by v_ref, a by P_ref v_ref = R T_ref, pressures by P_ref. The equations of
+state of the models stand beside their integrals, and are compared with -da/dv at every state.
 """
 from mpmath import mp, mpf
 
@@ -11,7 +11,7 @@ from taylor import Inputs, Taylor, exp, log, scales, sensitivities, sqrt
 
 
 def soave(p, T):
-    # The units inside are rounded like what stands beside them.
+    # The square root counts as a rounded result, since 1 minus it loses digits that the inputs do not show.
     return p["c_a"] * (1 + p["fw"] * (1 - p.rounded("sqrt(Zc T)", sqrt(p["Zc"] * T)))) ** 2
 
 
@@ -29,7 +29,7 @@ def martin_hou_q(p, T):
 
 
 class Model:
-    """`a`: the Helmholtz energy without the ideal gas's part; `P`: the equation of state."""
+    """A model. `a` is the Helmholtz energy without the part of the ideal gas, `P` the equation of state."""
 
     def __init__(self, suffix, gas_type, a, P, covolume=lambda p: 0):
         self.suffix = suffix
@@ -85,13 +85,13 @@ def power_terms(constant, coefficients, exponents, t):
 
 
 def interval(h, T):
-    """The last one that holds T, from 0."""
+    """The number, from 0, of the last interval that contains T."""
     bounds = [*h["T_k"], mp.inf]
     return max(k for k in range(len(bounds) - 1) if bounds[k] < T < bounds[k + 1])
 
 
 def piecewise(p, t):
-    """With the constants of integration given, as they are in the library."""
+    """The piecewise form. Its constants of integration are inputs, as in the library."""
     h = p.values
     k = interval(h, t.value)
     first = sum(h["n_k"][:k])
@@ -105,7 +105,7 @@ def einstein(p, t):
         sum(p["R"] * t * log(1 - p.rounded(f"exp({k})", exp(-Tv / t))) for k, Tv in enumerate(p.list("Tv")))
 
 
-# phi - t psi of the ideal gas at t [K], in J/kg: its second derivative is -cv/t. The constants of integration are those
+# phi - t psi of the ideal gas at t [K], in J/kg. Its second derivative is -cv/t. The constants of integration are those
 # of the closed forms.
 HEATS = {
     1: lambda p, t: p["cv_0"] * t * (1 - log(t)),
@@ -117,7 +117,7 @@ HEATS = {
 
 
 def cv_of_form(form, p, T):
-    """cv [J/(kg K)] at T [K], by the forms themselves: what -T a'' is compared with."""
+    """cv [J/(kg K)] at T [K], by the forms themselves, for the comparison with -T a''."""
     if form == 1:
         return p["cv_0"]
     if form == 2:
@@ -139,12 +139,12 @@ def cv_of_form(form, p, T):
 
 
 def ideal_part(form, p, T):
-    """In units of R T_ref, T reduced."""
+    """The part of the ideal gas in units of R T_ref; T is reduced."""
     return HEATS[form](p, T * p["T_ref"]) / (p["R"] * p["T_ref"])
 
 
-# What a caller computes everything else from: P and e with first and second derivatives, s, and the rounding of the two
-# derivatives of s.
+# A caller computes everything else from these: P and e with first and second derivatives, and s. The rounding of the
+# two derivatives of s counts too.
 PRIMITIVES = ("P", "P_T", "P_v", "P_TT", "P_Tv", "P_vv", "e", "e_T", "e_v", "e_TT", "e_Tv", "e_vv", "s")
 ROUNDED = ("s_T", "s_v")
 
@@ -166,7 +166,7 @@ def primitives(a, T):
 
 
 class Quantity:
-    """Something by its value and its two derivatives, each a polynomial."""
+    """A quantity: its value and its two derivatives, each a polynomial."""
 
     def __init__(self, f, along_T=None, along_v=None):
         self.f = f
@@ -184,7 +184,7 @@ def partial(X, Y, Z):
 
 
 def derived(values):
-    """Every derived property from T, v and the primitives: (operation, its components)."""
+    """(operation, its components) of every derived property, from T, v and the primitives."""
     y = {name: values[name] for name in PRIMITIVES}
     T = Quantity(Taylor.variable(values["T"], (1, 0), 2))
     v = Quantity(Taylor.variable(values["v"], (0, 1), 2))
@@ -228,8 +228,8 @@ def derived(values):
 
 
 def without_noise(x, scale):
-    """Exact zeros where a derivative vanishes identically: what is left then is the rounding of 70 digits, in a scale
-    that of a difference over a step of 1e-20."""
+    """Exact zeros where a derivative vanishes identically. Only the rounding of 70 digits is left then, and in a scale
+    the rounding of a difference over a step of 1e-20."""
     return (x, scale) if scale > mpf(10) ** -44 else (mpf(0), mpf(0))
 
 
@@ -242,7 +242,7 @@ def close(x, y, digits=40):
 
 
 def state(model, form, parameters, heat, gas, T, v):
-    """All operations at one state: (operation, [(value, scale), ...])."""
+    """(operation, [(value, scale), ...]) of all operations at one state."""
     T_double, v_double = T, v
     T, v = mpf(T), mpf(v)
 
@@ -255,7 +255,7 @@ def state(model, form, parameters, heat, gas, T, v):
         return primitives(ideal_part(form, p, Taylor.variable(p["T"], (1, 0))), p["T"])
 
     def offsets(p):
-        # e_0 - T s_0
+        # The offsets add e_0 - T s_0 to the Helmholtz energy.
         return primitives(p["e_0"] - Taylor.variable(p["T"], (1, 0)) * p["s_0"], p["T"])
 
     where = {"T": T_double, "v": v_double}
@@ -269,7 +269,7 @@ def state(model, form, parameters, heat, gas, T, v):
     y = dict(zip(PRIMITIVES, base))
     scale = dict(zip(PRIMITIVES, scales(base, slopes)))
 
-    # The integrals against what they are integrals of.
+    # The integrals are compared with the functions that were integrated.
     assert close(y["P"], model.P(Inputs(parameters), T, v)), (model.suffix, T, v)
     ideal_y = dict(zip(PRIMITIVES, parts[1][0]))
     assert close(ideal_y["e_T"], cv_of_form(form, Inputs({**heat, **gas}), T * gas["T_ref"]) / gas["R"]), (form, T)
@@ -288,7 +288,7 @@ def state(model, form, parameters, heat, gas, T, v):
                                     ("psi__T", "s", 1), ("cv_oo__Tdim", "e_T", R)):
         result.append((operation, [without_noise(ideal_y[name] * factor, ideal_scale[name] * factor)]))
 
-    # What is computed from the primitives carries their errors, each for itself.
+    # A property that is computed from the primitives carries the errors of all of them, each independent of the others.
     values = {"T": T, "v": v, "s_T": mpf(1), "s_v": mpf(1), **y}
     operations = derived(values)
     found = flattened(operations)

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Makes the vectors of this folder anew, the same bytes every time. Takes some minutes: scripts/make_reference_vectors.
+"""Makes the vectors of this folder anew, with the same bytes every time. scripts/make_reference_vectors runs it, which
+takes some minutes.
 
-Nothing here is computed with the library or read from its sources: the equations of state, the heat capacities and the
+Nothing here is computed with the library or read from its sources. The equations of state, the heat capacities and the
 correlations stand in helmholtz.py, martin_hou.py and transport.py as they are published.
 """
 import csv
@@ -43,7 +44,7 @@ def critical(suffix, Zc, Tc=300.0, Pc=5e6, Tb=200.0):
         return one, 1 / Zc, 1.0
     if suffix == "IZG":
         return {**one, "Z_const": Zc}, 1 / Zc, 1.0
-    if suffix == "vdWG":  # in units of another point than the critical one for the second fluid
+    if suffix == "vdWG":  # the second fluid is in units of a point that is not the critical one
         f = Zc / 0.375
         return {**one, "a": float(3 / f), "b": float(f * f / 3)}, float(8 / (3 * f ** 3)), f * f
     if suffix == "RKG":
@@ -89,7 +90,7 @@ def heat_capacity(form, fluid, R, Tc):
 
 
 def join_intervals(h):
-    """The constants that make phi and psi continuous, at full precision."""
+    """The constants that make phi and psi continuous, in full precision."""
     K = len(h["cv_0_k"])
     phi0, psi0 = [mpf(0)] * K, [mpf(0)] * K
     for k in range(1, K):
@@ -107,7 +108,7 @@ def join_intervals(h):
 
 
 def exact_reference(chance, R, T_ref, P_ref):
-    """Near these, and with P_ref v_ref = R T_ref without any rounding: each is a product of two short numbers."""
+    """Constants near these with P_ref v_ref = R T_ref without any rounding: each is a product of two short numbers."""
     def short(x):
         exponent = mp.floor(mp.log(abs(x), 2)) - 23
         return float(mp.nint(x / mpf(2) ** exponent) * mpf(2) ** exponent)
@@ -121,7 +122,7 @@ def exact_reference(chance, R, T_ref, P_ref):
     return gas
 
 
-# T over the critical temperature, and the volume: over the critical one, or (v - b)/(vc - b), or v/b - 1.
+# "T" is T over the critical temperature; "v" is v over the critical volume, "w" is (v - b)/(vc - b), "b" is v/b - 1.
 PLACES = ((("T", 1.1), ("v", 1e4)), (("T", 0.47), ("v", 3e6)), (("T", 7.9), ("v", 2e5)), (("T", 0.83), ("v", 15.0)),
           (("T", 1.5), ("w", 0.7)), (("T", 1 + 1e-3), ("v", 1 - 1e-3)), (("T", 1 - 1e-6), ("v", 1 + 1e-6)),
           (("T", 0.62), ("w", 0.23)), (("T", 4.1), ("w", 0.08)), (("T", 1.3), ("b", 1e-3)))
@@ -130,7 +131,7 @@ PLACES = ((("T", 1.1), ("v", 1e4)), (("T", 0.47), ("v", 3e6)), (("T", 7.9), ("v"
 def place(chance, at, b, T_c, v_c, fluid):
     (_, T), (kind, v) = at
     jitter = 1 + 0.2 * (chance.random() - 0.5)
-    if abs(T - 1) < 0.01:  # the same side or the other one of the critical point
+    if abs(T - 1) < 0.01:  # the second fluid lies on the other side of the critical point
         side = 1 if fluid == 0 else -1
         return T_c * (1 + side * (T - 1) * jitter), v_c * (1 + side * (v - 1) * jitter)
     T = T_c * T * jitter
@@ -199,11 +200,11 @@ def state_lines(index, form):
 
 # Transport.
 
-# Viscosity and conductivity model, critical data or not, heat capacity.
+# Viscosity model, conductivity model, whether there are critical data, heat capacity.
 TRANSPORT = ((1, 1, True, 1), (2, 2, True, 5), (3, 3, True, 5), (3, 3, True, 3), (4, 1, True, 4), (5, 2, True, 2),
              (6, 3, True, 1), (1, 3, True, 5), (4, 2, True, 3), (5, 4, False, 5), (6, 4, False, 3), (1, 4, False, 1))
 POLAR = ((0.22394, 0.0, 0.0), (0.34429, 1.28006, 0.075908), (0.644, 0.75358, 0.174823), (-0.219, 0.3, 0.0))
-# T/T_ref and v/v_ref.
+# (T/Tc or, without critical data, T/T_ref; v/v_ref).
 TRANSPORT_PLACES = ((0.71, 900.0), (1.02, 3.1e6), (1.7, 40.0), (6.3, 7.7), (1.31, 1.9), (1.1, 1.06), (1.06, 0.83),
                     (2.9, 0.61), (0.66, 0.43))
 
@@ -278,7 +279,7 @@ def rounded_text(x):
 
 
 def heat_of(row, n):
-    """Form, whether dimensionless, and coefficients as a file has them: cv/R or cv, T/T_ref or T."""
+    """Form, whether dimensionless, and the coefficients of a file: cv/R and T/T_ref if dimensionless, else cv and T."""
     form, adim = n % 5 + 1, (n + n // 5) % 2 == 1
     R = 1.0 if adim else 8314.0 / float(row["MM"])
 
@@ -327,12 +328,12 @@ def heat_records(heat):
 
 
 def peng_robinson_Zc(A, B, near):
-    """The compressibility at Tc and Pc."""
+    """The compressibility factor at Tc and Pc."""
     return mp.findroot(lambda z: A[1] / (z - B) - A[2] - A[0] / (z * z + 2 * B * z - B * B), near)
 
 
 def initialised(p, model, heat):
-    """Everything that loading a fluid makes of its records, by the library's names. `x` moves the critical volume."""
+    """Everything that loading derives from a fluid's records, by the library's names. `x` moves the critical volume."""
     form, adim, coefficients = heat
     X = model.suffix
     MM, Tc, Pc_atm, Zc, Tb = (p[name] for name in INPUTS)
@@ -419,7 +420,7 @@ def table(name, key):
 
 
 def initialisation_lines(n):
-    """Of one fluid under every model."""
+    """The lines of one fluid under every model."""
     name = FLUIDS[n]
     row, Pc_atm = table("fluids.csv", "short")[name], table("choices.csv", "fluid")[name]["Pc_atm"]
     heat = heat_of(row, n)
@@ -441,7 +442,7 @@ def initialisation_lines(n):
         if model.suffix not in ("RKG", "SRKG"):
             lines += [f"{key} {judged([pair])}" for key, pair in zip(names, pairs)]
             continue
-        # The coefficients of x, x^2 and x^3 by differences.
+        # Differences give the coefficients of x, x^2 and x^3.
         at = {i: found(Inputs({**where, "x": i * SHIFT})) for i in (-2, -1, 1, 2)}
         for k, (key, pair) in enumerate(zip(names, pairs)):
             f = {i: results[k] for i, results in at.items()}
@@ -458,7 +459,7 @@ REFERENCE = {"MM": 28.0134, "T_ref": 298.15, "P_ref_atm": 0.97, "v_ref": 0.9, "Z
 
 
 def reference_fluid(p, suffix, heat):
-    """What loading makes of a fluid without critical data under an ideal model."""
+    """Everything that loading derives for a fluid without critical data under an ideal-gas model."""
     form, adim, coefficients = heat
     R, T_ref = 8314 / p["MM"], p["T_ref"]
     P_ref = p.rounded("P_ref", p["P_ref_atm"] * 101325)
@@ -497,7 +498,7 @@ def reference_fluid_lines():
 # Saturation.
 
 def first_values(model, parameters, T_c, b):
-    """A short table of the curve for Peng-Robinson, whose own one the library does not find: T, P, v_g, v_l in turn."""
+    """A short table of the curve for Peng-Robinson, since the library does not find its own: T, P, v_g, v_l in turn."""
     if model.suffix != "PRG":
         return ""
     table = []
@@ -534,32 +535,33 @@ def saturation_lines(index):
 
 # Files.
 
-SCALE = ("Beside each number stands its scale: its magnitude, plus by how much it changes with a relative change "
-         "of 1 in T, in v, in every parameter and constant, and in those intermediate results whose rounding the "
-         "printed form cannot avoid and the inputs do not show: the ratio in a logarithm, an exponential close to"
-         " 1.")
-DERIVED = ("What is computed from P, e, s and their derivatives carries, in place of the inputs' changes, theirs:"
-           " the sum over them of its partial derivative times their own scale.")
+SCALE = ("Beside each number stands its scale: its magnitude, plus the changes that relative changes of 1 in T, in "
+         "v, in every parameter and constant, and in some intermediate results would make in it. These results are "
+         "the ratio in a logarithm and an exponential close to 1: the printed form cannot avoid their rounding, and "
+         "the inputs do not show it.")
+DERIVED = ("A number that is computed from P, e, s and their derivatives has other changes in its scale: for each of"
+           " these, the number's partial derivative by it times its own scale.")
 FILES = {
     **{f"states_{form}.txt":
-        f"The eight models under the heat capacity of form {form} at 160 states: everything by differentiation of the "
-        "Helmholtz energy. " +
+        f"The eight models under the heat capacity of form {form} at 160 states. Everything follows from the "
+        "Helmholtz energy by differentiation. " +
         SCALE +
         " " +
         DERIVED
        for form in helmholtz.HEATS},
     "initialisation.txt":
-        "What loading makes of the records of 13 fluids of the catalogue under the eight models, and of fluids "
-        "without critical data under the ideal ones. " +
+        "Everything that loading derives from the records of 13 fluids of the catalogue under the eight models, and "
+        "of fluids without critical data under the ideal-gas models. " +
         SCALE +
-        " Redlich-Kwong's and Soave's search for the critical volume, a triple root, ends by rule where the "
-        "residual is zero in doubles, within some 1e-5 of the root: a line 'along' gives a parameter at the root "
-        "and how it moves with the volume, and is judged at the volume found, whose own error is judged by the "
-        "residual. All others, Peng-Robinson's critical volume included, are judged by their scales.",
+        " Redlich-Kwong and Soave-Redlich-Kwong search for the critical volume, which is a triple root. By rule the "
+        "search ends where the residual is zero in doubles, within some 1e-5 of the root. A line 'along' gives a "
+        "parameter at the root and how it moves with the volume. The parameter is judged at the volume that was "
+        "found, and the error of that volume by the residual. All other numbers, also Peng-Robinson's critical "
+        "volume, are judged by their scales.",
     "saturation.txt":
         "States of liquid and vapor in equilibrium, (P, v_g, v_l) at T and (T, v_g, v_l) at P, solved to 40 "
-        "digits. Beside each number stands by how much it can be off where the residuals of the search, in the "
-        "Gibbs energy and in P or T, are up to 1; the search ends at 1e-6 or 1e-5.",
+        "digits. Beside each number stands the error that it can have if the residuals of the search, in the Gibbs "
+        "energy and in P or T, are up to 1. The search ends at 1e-6 or 1e-5.",
     "transport.txt":
         "The collision integral, and the transport models term by term for 12 fluids, some of them without "
         "critical data. " +
@@ -570,7 +572,7 @@ COMMAND = "# Made by scripts/make_reference_vectors.\n"
 
 
 def jobs():
-    """(file, function, arguments) in the files' order."""
+    """(file, function, arguments) in the order of the files."""
     for form in helmholtz.HEATS:
         for model in range(len(helmholtz.MODELS)):
             yield f"states_{form}.txt", state_lines, (model, form)

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Every formula against numbers of 30 digits that scripts/make_reference_vectors derives from the equations of state,
-// the heat capacities and the published correlations alone. Beside each number stands its scale: its magnitude, and how
-// far it moves with everything it is computed from. Errors are in units of 2^-52 of the scale. A vector file holds,
-// line by line,
+// Compares every formula with numbers of 30 digits that scripts/make_reference_vectors derives from the equations of
+// state, the heat capacities and the published correlations alone. Beside each number stands its scale: its magnitude,
+// and how far it moves with everything that it is computed from. Errors are in units of 2^-52 of the scale. A vector
+// file has these lines:
 //   # anything                  a remark
-//   model gas_type suffix       a fluid begins: the library is as just loaded
-//   set name values             one of its parameters, exact doubles
+//   model gas_type suffix       a fluid begins, and the library is in its first state
+//   set name values             one of the fluid's parameters, exact doubles
 //   fluid, | record, load       a fluid begins, one record of its file, the initialisation
 //   at T v                      a state, reduced, exact doubles
 //   curve [T P v_g v_l ...]     the saturation table is built, or filled with these
 //   name value scale ...        a result: of an operation at the state, for each component, or a parameter
 //   along name value scale c1 c2 c3
-//                               a parameter that moves by c1 x + c2 x^2 + c3 x^3 with a critical volume off by x
+//                               a parameter that moves by c1 x + c2 x^2 + c3 x^3 if the critical volume is off by x
 #include "Tests/Support/thermodynamics.h"
 
 #include <algorithm>
@@ -30,13 +30,13 @@ namespace tp = transport_properties;
 constexpr double of_a_model = 2;            // 0.86
 constexpr double of_the_ideal_gas = 2;      // 0.86
 constexpr double of_derived_properties = 2; // 0.93
-constexpr double of_transport = 2;          // 0.58
+constexpr double of_transport = 2;          // 0.57
 constexpr double of_initialisation = 2;     // 1.39
-// A search that ends where its residuals are within a tolerance may leave the error that such residuals stand for.
-constexpr double of_saturation = 1; // 0.79
+// A search ends where its residuals are within a tolerance; its result may have the error that such residuals make.
+constexpr double of_saturation = 1; // 0.78
 
-/// How far the double in which the search for a triple root ends can be from it, relative: its residual is x^3 times
-/// 1/(1 - (b/v)^2) critical pressures, formed from terms of 4, 3 and 1 critical pressures. Found: 0.67 of it.
+/// The greatest relative distance x between a triple root and the double in which the search for it ends. The residual
+/// is x^3 times 1/(1 - (b/v)^2) critical pressures, formed from terms of 4, 3 and 1 critical pressures. Found: 0.66.
 const double of_a_triple_root = std::cbrt(4 * support::epsilon * 8.1 / 1.07);
 
 /// The errors of one group of results.
@@ -65,7 +65,7 @@ public:
 
 private:
     double tolerance_;
-    double unit_; ///< an error of 1
+    double unit_; ///< the size of an error of 1
     int count_ = 0;
     int failures_ = 0;
     double worst_ = 0;
@@ -114,7 +114,7 @@ place in(Object &object, Member member) {
                 },
                 [&object, member] { return components((object.*member).begin(), (object.*member).end()); }};
 }
-/// A constant of the fluid of which the heat capacity keeps a copy.
+/// A constant of the fluid; the heat capacity keeps a copy of it.
 place in_both(double gas_properties::gas_constants::*member, double ideal_specific_heat::heat_capacity::*copy) {
     return {[member, copy](auto values) { gas.*member = ideal_specific_heat::active.*copy = real(values[0]); },
             [member] { return components{gas.*member}; }};
@@ -217,7 +217,7 @@ const std::map<std::string, place> &places() {
     return table;
 }
 
-/// An operation at (T, v): by the dispatcher and, if each model has its own, by the active model's.
+/// An operation at (T, v), by the dispatcher and, if each model has its own, by that of the active model.
 struct operation {
     double tolerance;
     components (*evaluate)(double T, double v);
@@ -258,7 +258,7 @@ const std::map<std::string, operation> &operations() {
     row(#name, {of_the_ideal_gas, [](double T, double) { return as_components(ideal_specific_heat::name(argument)); }})
 #define OSTREL_DERIVED(name) \
     row(#name, {of_derived_properties, [](double T, double v) { return as_components(td::name(T, v)); }})
-// The search starts at its solution, and stays there.
+// The search starts at its solution and must stay there.
 #define OSTREL_SEARCHED(name, first, second, start)                 \
     row(#name, {of_derived_properties, [](double T, double v) {     \
                     td::gradient result{};                          \
@@ -266,7 +266,7 @@ const std::map<std::string, operation> &operations() {
                     EXPECT_EQ(support::shared_text(), "No errors"); \
                     return as_components(result);                   \
                 }})
-// At reduced t and w, with T [K] and v [m3/kg].
+// A transport operation at reduced t and w; T [K] and v [m3/kg] are the same state.
 #define OSTREL_TRANSPORT(name, result)                               \
     row(#name, {of_transport, [](double t, double w) -> components { \
                     [[maybe_unused]] const double T = t * gas.T_ref; \
@@ -361,7 +361,7 @@ public:
         }
     }
 
-    /// The groups, each printed: their names and how many values they hold.
+    /// Prints the groups, and returns their names with the numbers of their values.
     std::map<std::string, int> finish() const {
         std::map<std::string, int> result;
         for (const auto &[name, group] : tallies_) {
@@ -422,7 +422,7 @@ private:
             group.compare(computed[i], wide(values[2 * i]), real(values[2 * i + 1]), where_);
     }
 
-    /// A parameter by its name, or one element "name(i)" of it, from 0.
+    /// A parameter by its name, or one element of it, "name(i)" with i from 0.
     components parameter(const std::string &name) const {
         const std::size_t bracket = name.find('(');
         const components all = places().at(name.substr(0, bracket)).get();
@@ -441,7 +441,7 @@ private:
     std::map<std::string, tally> tallies_;
     double T_ = 0;
     double v_ = 0;
-    long double x_ = 0; ///< how far the critical volume found is from the root
+    long double x_ = 0; ///< relative distance of the critical volume that was found from the root
 };
 
 void walk::along(const words &values) {
@@ -485,14 +485,15 @@ struct reference : support::thermodynamics_test {};
 TEST_F(reference, states) {
     const auto counts = walk({"states_1.txt", "states_2.txt", "states_3.txt", "states_4.txt", "states_5.txt"}).finish();
     EXPECT_EQ(counts.size(), 34U);
-    // Each state by the dispatcher, those of a model also by its own operation; c where c^2 is positive.
+    // Each state is asked of the dispatcher, and of the model's own operation if there is one; c exists only where c^2
+    // is positive.
     for (const auto &[name, count] : counts)
         EXPECT_GE(count, name == "c__T_v" ? 795 : operations().at(name).of_model != nullptr ? 1600 : 800) << name;
 }
 
 TEST_F(reference, initialisation) {
     const auto counts = walk({"initialisation.txt"}).finish();
-    // 13 fluids under 8 models, and 4 heat capacities of fluids without critical data under 2.
+    // There are 13 fluids under 8 models, and 4 heat capacities of fluids without critical data under 2 models.
     for (const char *name : {"gas.omega", "gas.vc", "thermodynamics.vmin"})
         EXPECT_EQ(counts.at(name), 13 * 8) << name;
     for (const char *name : {"gas.R", "gas.e_0", "gas.s_0", "gas.T_ref", "gas.v_ref", "gas.cp0_ref"})

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Liquid and vapor in equilibrium: equal pressure and equal a + P v at one temperature."""
+"""Liquid and vapor in equilibrium have equal pressure and equal a + P v at one temperature."""
 from mpmath import mp, mpf
 
 import helmholtz
@@ -7,7 +7,7 @@ from taylor import Inputs, Taylor
 
 
 def isotherm(model, parameters, T):
-    """P(v) and the Gibbs energy g(v) without the ideal gas's part, from a."""
+    """P(v) and the Gibbs energy g(v) without the part of the ideal gas, from a."""
     p = Inputs(parameters)
 
     def at(v):
@@ -30,10 +30,10 @@ def bisect(f, low, high, steps=24):
 
 
 def volumes(model, parameters, T, b):
-    """(v_g, v_l) of the model at T, to the working precision: by Maxwell's construction, then Newton's method."""
+    """(v_g, v_l, P) of the model at T, to the working precision: by Maxwell's construction, then Newton's method."""
     at = isotherm(model, parameters, T)
     with mp.workdps(15):
-        # The loop's turning points next to the critical volume.
+        # The turning points of the loop, next to the critical volume.
         below = [1 - (1 - b) * mpf(k) / 200 for k in range(1, 198)]
         above = [mp.exp(mpf(k) / 25) for k in range(1, 100)]
         P_below, P_above = [at(v)[0] for v in below], [at(v)[0] for v in above]
@@ -60,7 +60,7 @@ def volumes(model, parameters, T, b):
 
 
 def state_at(model, parameters, P, start):
-    """(T, v_g, v_l) at P from a state close by."""
+    """(T, v_g, v_l) at P, found from a state close by."""
     def residuals(T, v_g, v_l):
         at = isotherm(model, parameters, T)
         (P_g, g_g), (P_l, g_l) = at(v_g), at(v_l)
@@ -82,7 +82,7 @@ def phase(model, form, parameters, heat, gas, T, v):
 
 
 def per_residual(first, second):
-    """By how much (v_g, v_l) can be off for residuals up to 1: |inverse of the Jacobian| times (1, 1)."""
+    """The errors that (v_g, v_l) can have for residuals up to 1: |inverse of the Jacobian| times (1, 1)."""
     (a, b), (c, d) = first, second
     determinant = a * d - b * c
     return (abs(d) + abs(b)) / abs(determinant), (abs(c) + abs(a)) / abs(determinant)
@@ -97,7 +97,7 @@ def at_temperature(model, form, parameters, heat, gas, T, b):
 
 
 def at_pressure(model, form, parameters, heat, gas, P, near):
-    """T, v_g, v_l at P, each with its error per unit of the residuals in mu and T. `near`: such a state close by."""
+    """T, v_g, v_l at P, each with its error per unit of the residuals in mu and T. `near` is such a state close by."""
     T, v_g, v_l = state_at(model, parameters, P, near)
     g, l = (phase(model, form, parameters, heat, gas, T, v) for v in (v_g, v_l))
 

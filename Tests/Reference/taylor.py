@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: MIT
-"""Taylor polynomials in (T, v) at 70 digits, and the sensitivity of results to everything they depend on."""
+"""Taylor polynomials in (T, v) with 70 digits, and the sensitivity of results to everything that they depend on."""
 import math
 
 from mpmath import mp, mpf
 
 mp.dps = 70
-STEP = mpf(10) ** -20  # relative; a difference over it has 20 digits or nearly so
+STEP = mpf(10) ** -20  # relative step; a difference over it has about 20 digits
 TOP = 3  # the largest total degree
 
 POWERS = [(n - j, j) for n in range(TOP + 1) for j in range(n + 1)]  # of T and v, by total degree
@@ -15,7 +15,7 @@ PRODUCTS = [[(INDEX[i, j], INDEX[p - i, q - j]) for i in range(p + 1) for j in r
 
 
 class Taylor:
-    """The polynomial of a function of (T, v) about a state, to a total degree."""
+    """The polynomial of a function of (T, v) about a state, up to a total degree."""
 
     def __init__(self, degree, coefficients):
         self.degree = degree
@@ -132,8 +132,8 @@ def sqrt(x):
 
 
 class Inputs:
-    """What a result depends on: named values that are exact doubles, the constants in a formula, and intermediate
-    results whose rounding the inputs do not see. Each can be changed in the last but some digits."""
+    """Everything that a result depends on: named values, which are exact doubles, the constants in a formula, and
+    intermediate results whose rounding the inputs do not show. Each of them can be changed by a small step."""
 
     def __init__(self, values, changed=None):
         self.values = values
@@ -162,7 +162,7 @@ class Inputs:
 
 
 def sensitivities(evaluate, values):
-    """evaluate(Inputs) gives a list of numbers: that list, and by name of each input x the list of x dX/dx."""
+    """The list of numbers that evaluate(Inputs) gives, and for the name of each input x the list of x dX/dx."""
     inputs = Inputs(values)
     base = evaluate(inputs)
     slopes = {}
@@ -173,5 +173,5 @@ def sensitivities(evaluate, values):
 
 
 def scales(base, slopes):
-    """The magnitude that an error of one rounding of everything is judged by."""
+    """The magnitude by which an error of one rounding of everything is judged."""
     return [abs(x) + sum(abs(slope[k]) for slope in slopes.values()) for k, x in enumerate(base)]

@@ -3,8 +3,8 @@
 
 T.-H. Chung, M. Ajlan, L. L. Lee, K. E. Starling, Ind. Eng. Chem. Res. 27 (1988) 671; P. D. Neufeld, A. R. Janzen,
 R. A. Aziz, J. Chem. Phys. 57 (1972) 1100; L. I. Stiel, G. Thodos, AIChE J. 7 (1961) 611; W. Sutherland, Phil. Mag. 36
-(1893) 507. Different on purpose: the sine of the collision integral holds a tenth of its published constant, the dilute
-gas's viscosity is in 0.1 Pa s, the conductivity is multiplied by 10^4/418.4 instead of 418.4.
+(1893) 507. Three things differ on purpose: the sine of the collision integral has a tenth of its published constant,
+the viscosity of the dilute gas is in 0.1 Pa s, and the conductivity is multiplied by 10^4/418.4 instead of 418.4.
 """
 from mpmath import mp, mpf
 
@@ -129,7 +129,7 @@ def dilute_conductivity(p, T, mu):
 
 
 def dense_conductivity(p, T, v, k0):
-    """From the dilute gas's k0."""
+    """The conductivity of the dense gas, from that of the dilute gas, k0."""
     y = y_of(p, v)
     G2 = G2_of(p, y, B_ROWS)
     B = coefficients(p, B_ROWS, 7)
@@ -138,14 +138,15 @@ def dense_conductivity(p, T, v, k0):
 
 
 def prandtl(p, T, v, mu):
-    """With cp of van der Waals's equation: cp/R = cv/R + 1/(1 - 2 a (v - b)^2/(T v^3)), reduced."""
+    """The conductivity by a constant Prandtl number, with cp of van der Waals's equation. In reduced form,
+    cp/R = cv/R + 1/(1 - 2 a (v - b)^2/(T v^3))."""
     t, w = T / p["T_ref"], v / p["v_ref"]
     ratio = p.rounded("ratio", 2 * p["a"] * (w - p["b"]) ** 2 / (t * w ** 3))
     return mu * p["R"] * (cv(p, T) / p["R"] + 1 / (1 - ratio)) / p["Pr"]
 
 
 def both(p, T, v):
-    """Viscosity and conductivity by the models chosen."""
+    """Viscosity and conductivity by the chosen models."""
     mu0 = mpf(0)
     viscosity, conductivity = p.values["viscosity_model"], p.values["thermal_cond_model"]
     if viscosity == 1:
@@ -184,7 +185,7 @@ def at_initialisation(p):
 
 
 def at_state(p, t, w):
-    """Every operation at reduced T and v: those that a fluid's models know the constants of."""
+    """Every operation at reduced T and v for which the fluid's models have the constants."""
     T, v = p["t"] * p["T_ref"], p["w"] * p["v_ref"]
     result = {"transport_coefficients_dim": both(p, T, v), "sutherland_law_viscosity": [sutherland(p, T)],
               "linear_viscosity": [linear(p, T)]}

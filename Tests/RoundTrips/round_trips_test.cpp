@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every input pair at states all over the models' range: what converges has the pair's values again, and how
-// much does not converge is counted.
+// Tries every input pair at states all over the range of the models. A search that converges must have found a state
+// with the values of the pair; those that do not converge are counted.
 #include "Algebra/lin_algebra.h"
 #include "Ostrel_Main.h"
 #include "Tests/Support/thermodynamics.h"
@@ -31,8 +31,8 @@ double covolume() {
     return b;
 }
 
-/// Temperatures over that of the reference point, and volumes above the covolume. States that a fluid cannot
-/// have, stretched or inside the spinodal, are left out.
+/// A grid of temperatures, as multiples of that of the reference point, and of volumes above the co-volume. States that
+/// a fluid cannot have (stretched, or inside the spinodal) are left out.
 std::vector<state> grid() {
     std::vector<state> result;
     const auto add = [&](region where, double T_r, double w) {
@@ -54,7 +54,7 @@ std::vector<state> grid() {
     return result;
 }
 
-/// What a code's letter stands for, reduced: the value, its derivatives, and its unit.
+/// The reduced quantity for which a letter of a code stands: its value, its derivatives, and its unit.
 struct quantity {
     double value;
     std::array<double, 2> slopes;
@@ -89,8 +89,8 @@ double input(char letter, const state &at) {
     return q.value * q.unit;
 }
 
-/// Whether a letter has its value again at the solved state: within the tolerance, and where a second solve has
-/// found T from `solved_for` within its tolerance, what both together allow. The inputs themselves are rounded.
+/// Whether the quantity of a letter has its value again at the solved state, within the tolerance of the solver. If a
+/// second solve has found T from `solved_for`, both tolerances together count. The inputs themselves are rounded.
 bool again(char letter, char solved_for, const state &given, const state &found) {
     const char name = letter == 'd' ? 'v' : letter;
     const quantity wanted = of(name, given.T, given.v), got = of(name, found.T, found.v);
@@ -102,7 +102,7 @@ bool again(char letter, char solved_for, const state &given, const state &found)
     return std::abs(got.value - wanted.value) <= allowed;
 }
 
-/// The temperature that goes with a volume from two unknowns is found by a solve of its own, from this letter.
+/// After a solve for two unknowns, which gives the volume, the temperature is found by a second solve from this letter.
 char second_solve(std::string_view pair) {
     return pair == "ph" || pair == "ps" ? 'p' : pair == "hs" ? 'h' : char(0);
 }
@@ -125,7 +125,7 @@ const fluid_case cases[] = {
     {"CII", 7, support::vapor_fluid}, {"IZG", 8, support::vapor_fluid}, {"MH_nitrogen", 3, nitrogen},
 };
 
-/// What must always be found. Martin and Hou's isotherms have several extrema, nothing is promised for them.
+/// Whether the state must always be found. Martin-Hou isotherms have several extrema, so nothing is promised for them.
 bool always_found(std::int32_t gas_type, std::string_view pair, region where) {
     if (gas_type == 1 || gas_type == 8)
         return true;
@@ -151,7 +151,7 @@ TEST_P(round_trips, what_converges_has_the_values_of_the_pair) {
         const char solved_for = second_solve(pair);
         for (const state &at : states) {
             errmsg.reset();
-            lin_algebra::linalg_errmsg.reset(); // one state's failure is not the next one's
+            lin_algebra::linalg_errmsg.reset(); // so that one failure does not make the next states fail
             state found = {at.where, -1, -1};
             ostrel::get_tv(pair, input(pair[0], at), input(pair[1], at), found.T, found.v);
             count &here = counts[at.where];

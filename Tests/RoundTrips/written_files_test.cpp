@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whole parameter files: what the writers write of all sections is a file that gives the same numbers.
+// Whole parameter files: the writers of all sections together must write a file that gives the same numbers.
 #include "Tests/Support/frame.h"
 
 #include <cmath>
@@ -13,7 +13,7 @@ using support::frame_test;
 
 struct written_files : frame_test {};
 
-/// All sections, one after the other, as they are in memory.
+/// All sections, one after the other, written from memory.
 std::string written_file() {
     records::record_writer writer;
     thermodynamics::write_param_thermodynamics(writer);
@@ -28,7 +28,7 @@ std::string transport_section(std::int32_t viscosity, std::int32_t conductivity)
            conductivities[conductivity];
 }
 
-/// The numbers that a fluid answers at some states, as bits, so that a NaN equals itself.
+/// The bits of a fluid's numbers at some states, so that a NaN equals itself.
 std::vector<std::uint64_t> answers(const std::string &fluid) {
     std::vector<std::uint64_t> bits;
     for (const auto &[t, d] : {std::pair(310.0, 1.3), {420.0, 60.0}, {900.0, 11.0}})
@@ -40,7 +40,7 @@ std::vector<std::uint64_t> answers(const std::string &fluid) {
     return bits;
 }
 
-/// Pc goes to atm and back: its two roundings may meet a neighbour of the first value.
+/// Whether Pc is the same after a conversion to atm and back: the two roundings may end at a neighbouring number.
 bool survives_atm(double Pc) {
     return Pc / 101325.0 * 101325.0 == Pc;
 }
@@ -57,7 +57,7 @@ TEST_F(written_files, every_shipped_fluid_is_the_same_again) {
         const auto transport = transport_properties::active;
         const std::int32_t type = thermodynamics::gas_type;
         std::string text = written_file();
-        // The one record that starts with its text.
+        // This is the only record that starts with its text.
         if (type == 8)
             text.replace(text.find(" Compressibility"), std::strlen(" Compressibility of ideal Z gas: "), "");
 
@@ -90,12 +90,12 @@ TEST_F(written_files, every_shipped_fluid_is_the_same_again) {
     EXPECT_GT(exact, 0u);
 }
 
-/// The file before and after it was loaded, written and loaded again, asked the same.
+/// A fluid must give the same answers after it was loaded, written and loaded again.
 TEST_F(written_files, every_model_heat_capacity_and_transport_pair_answers_the_same_again) {
     std::size_t combinations = 0;
     for (const support::model_case &model : support::model_cases) {
         if (model.gas_type == 8)
-            continue; // starts with its text
+            continue; // its record starts with a text
         // The reference pressure of a fluid without critical data is written in Pa and read in atm.
         if (&model.fluid != &support::vapor_fluid)
             continue;
@@ -129,7 +129,7 @@ TEST_F(written_files, dimensionless_coefficients_written_after_initialisation_do
     EXPECT_EQ(ideal_specific_heat::active.cv_0, 2.5 * gas.R);
     folder.add("second", written_file());
     ASSERT_TRUE(support::ask("second", "td", 400.0, 5.0, "p").ok());
-    // The record of coeff_adim still says T: what is in J/(kg K) by now is taken for multiples of R again.
+    // The record of coeff_adim still says T, so that values which are in J/(kg K) by now are taken for multiples of R.
     EXPECT_TRUE(ideal_specific_heat::active.coeff_adim);
     EXPECT_EQ(ideal_specific_heat::active.cv_0, 2.5 * gas.R * gas.R);
 }

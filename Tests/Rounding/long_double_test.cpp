@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every operation at double against the same algebra at long double, within the bound of its rounding.
+// Compares every operation at double with the same algebra at long double, within the bound of its rounding.
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Scripts of calls in one process: what a call answers depends on those before it.
+// Scripts of calls in one process. The answer of a call depends on the calls before it.
 #include "Tests/Support/frame.h"
 
 #include <cerrno>
@@ -18,12 +18,12 @@ const std::string fine = "No errors";
 constexpr double failed = support::failed;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-/// One call and what must come of it: loads is the number of times the fluid directory is asked for,
-/// solved whether the kept state was replaced.
+/// One call and its expected results. `loads` is the number of times that the fluid directory is asked for, `solved`
+/// says whether the kept state was replaced.
 struct step {
     enum kind { request, info } call = request;
     std::string fluid;
-    std::string code; ///< or the constant's name
+    std::string code; ///< of the pair, or the name of the constant
     double input1 = 0, input2 = 0;
     std::string output;
 
@@ -47,7 +47,7 @@ constexpr bool solves = true, keeps = false;
 
 const std::string broken_message = "Ostrel error: file broken.osd, record 8: expected P_ref (a real), found \"one\".";
 
-/// Fluids of three models, one that cannot be read, and a counting host.
+/// Fluids of three models, some that fail, and a counting host.
 class request_sequence : public support::frame_test {
 protected:
     request_sequence() {
@@ -65,8 +65,8 @@ protected:
         fluids_.add("mixed", support::vapor_section + "7\n" + support::constant_heat + "3\n1\n0.02\n");
     }
 
-    /// A change of the kept temperature by one unit in the last place shows whether it was replaced;
-    /// zero and infinity are left as they are.
+    /// Before each call the kept temperature is changed by one unit in the last place, which shows whether the call
+    /// replaces it. Zero and infinity are left as they are.
     void run(const std::vector<step> &script) {
         const support::directory_host host(fluids_.path() + "/");
         int number = 0;
@@ -144,7 +144,7 @@ TEST_F(request_sequence, a_code_of_more_than_two_characters_never_finds_its_key)
         ask("ideal", "tv", 400, 2, "t", fine, 400, no_load, keeps),
         ask("ideal", "tvx", 400, 2, "t", unknown_pair("tvx"), failed, no_load, keeps),
         ask("ideal", "tvx", 400, 2, "t", unknown_pair("tvx"), failed, no_load, keeps),
-        // Its first two characters are the key now.
+        // The first two characters of "tvx" are the key now.
         ask("ideal", "tv", 400, 2, "v", fine, 2, no_load, keeps),
     });
 }
@@ -170,7 +170,7 @@ TEST_F(request_sequence, a_failed_request_repeated_answers_with_the_state_before
         ask("ideal", "xy", 500, 3, "v", fine, 2, no_load, keeps),
         ask("ideal", "XY", 500, 3, "v", unknown_pair("XY"), failed, no_load, keeps),
         ask("ideal", "XY", 500, 3, "h2", unknown_output("h2"), failed, no_load, keeps),
-        // The key of the state itself is gone.
+        // The key of the state itself is lost.
         ask("ideal", "tv", 400, 2, "t", fine, 400, no_load, solves),
         ask("ideal", "", 400, 2, "t", unknown_pair(""), failed, no_load, keeps),
         ask("ideal", "  ", 400, 2, "t", fine, 400, no_load, keeps),
@@ -194,11 +194,11 @@ TEST_F(request_sequence, the_quality_restriction_is_passed_by_on_a_repeat) {
         ask("ideal", "pq", 1e5, 0.25, "cv", quality_text, failed, no_load, keeps),
         ask("ideal", "PQ", 1e5, 0.25, "cv", quality_text, failed, no_load, keeps),
         ask("ideal", "PQ", 1e5, 0.25, "cv", fine, 2.5 * 8314 / 28, no_load, keeps),
-        // An unknown pair with a quality is found out only at an output that passes the restriction.
+        // An unknown pair with a quality is only noticed with an output that passes the restriction.
         ask("ideal", "xq", 1e5, 0.25, "s", quality_text, failed, no_load, keeps),
         ask("ideal", "xq", 1e5, 0.5, "t", unknown_pair("xq"), failed, no_load, keeps),
         ask("ideal", "xq", 1e5, 0.5, "t", fine, 400, no_load, keeps),
-        // A quality that is not a number is never kept.
+        // A NaN as quality never equals the kept one.
         ask("ideal", "xq", 1e5, nan, "t", unknown_pair("xq"), failed, no_load, keeps),
         ask("ideal", "xq", 1e5, nan, "h", unknown_pair("xq"), failed, no_load, keeps),
     });
@@ -226,14 +226,14 @@ TEST_F(request_sequence, viscosity_and_conductivity_are_those_of_the_kept_state)
         ask("linear", "td", 450, 2, "t", fine, 450, no_load, solves),
         ask("linear", "td", 450, 2, "LAMBDA", fine, k(450), no_load, keeps),
         ask("linear", "td", 450, 2, "Eta  ", fine, mu(450), no_load, keeps),
-        // Not of a mixture, unless the request is repeated.
+        // They are not served for a mixture, unless the request is repeated.
         ask("linear", "pq", 1e5, 0.5, "eta", quality_text, failed, no_load, keeps),
         ask("linear", "pq", 1e5, 0.5, "eta", fine, mu(450), no_load, keeps),
         ask("linear", "tq", 300, 0.999998, "lambda", quality_text, failed, no_load, keeps),
-        // A failed pair answers for the state before it when repeated.
+        // A failed pair that is repeated is answered from the state before it.
         ask("linear", "xy", 500, 3, "eta", unknown_pair("xy"), failed, no_load, keeps),
         ask("linear", "xy", 500, 3, "eta", fine, mu(450), no_load, keeps),
-        // Constants of another fluid, and back.
+        // Another fluid brings its own constants; the first fluid brings them again when it comes back.
         ask("ideal", "tv", 400, 2, "eta", fine, 1e-5, load, solves),
         ask("ideal", "tv", 400, 2, "lambda", fine, 0.02, no_load, keeps),
         ask("linear", "tv", 400, 2, "eta", fine, mu(400), load, solves),
@@ -247,14 +247,16 @@ TEST_F(request_sequence, transport_models_that_do_not_go_together_leave_those_of
     run({
         ask("linear", "tv", 400, 2, "eta", fine, mu(400), load, solves),
         ask("mixed", "tv", 450, 2, "t", mismatch, failed, load, keeps),
-        // The key of the state before still stands, T_ref and the viscosity model are new, and without coefficients.
+        // The key of the state before is still there. T_ref and the viscosity model are new, and the model has no
+        // coefficients.
         ask("mixed", "tv", 400, 2, "t", fine, 400.0 / 300 * 81, no_load, keeps),
         ask("mixed", "tv", 400, 2, "eta", fine, nan, no_load, keeps),
         inform("mixed", "m_mol", fine, 0.02, no_load),
         ask("linear", "tv", 400, 2, "eta", fine, mu(400), load, solves),
         inform("mixed", "m_mol", mismatch, 0, load),
         inform("ideal", "m_mol", mismatch, 0, load),
-        // Half loaded: the transport models are read but not initialised, their references those of the fluid before.
+        // The fluid is half loaded: its transport models are read but not initialised, and the reference values are
+        // those of the fluid before.
         ask("ideal", "tv", 400, 2, "eta", fine, 1e-5, no_load, keeps),
         ask("ideal", "tv", 400, 2, "lambda", fine, 0.02, no_load, keeps),
     });
@@ -264,7 +266,7 @@ TEST_F(request_sequence, a_failed_load_repeated_goes_on_with_what_is_in_memory) 
     run({
         ask("ideal", "tv", 400, 2, "t", fine, 400, load, solves),
         ask("missing", "tv", 500, 3, "t", failed_open(ENOENT), failed, load, keeps),
-        // The key of the state before it still stands, and so does the fluid.
+        // The key of the state before and the fluid before are still there.
         ask("missing", "tv", 400, 2, "p", fine, 8314.0 / 28 * 400 / 2, no_load, keeps),
         ask("missing", "tv", 500, 3, "t", fine, 500, no_load, solves),
         ask("missing", "tv", 500, 3, "p", fine, 8314.0 / 28 * 500 / 3, no_load, keeps),
@@ -293,7 +295,7 @@ TEST_F(request_sequence, a_long_name_is_loaded_and_solved_at_every_request) {
         ask("clausius_two", "tv", 400, 2, "v", fine, 2, load, solves),
         inform("clausius_two", "m_mol", fine, 0.02, load),
         ask("clausius_two  ", "tv", 400, 2, "t", fine, 400, load, solves),
-        // Its first eight characters are another name, which counts as loaded.
+        // The first eight characters of the long name are another name, which counts as loaded.
         ask("clausius", "tv", 400, 2, "t", fine, 400, no_load, keeps),
         inform("clausius", "m_mol", fine, 0.02, no_load),
         // A failed request of a long name does not become a success when it is repeated.
@@ -311,7 +313,7 @@ TEST_F(request_sequence, a_blank_name_loads_nothing_at_first_and_fails_later) {
         ask("   ", "tv", 400, 2, "t", fine, nan, no_load, keeps),
         inform("", "m_mol", fine, 0, no_load),
         ask("ideal", "tv", 400, 2, "t", fine, 400, load, solves),
-        // Now it is another name, and no file is named ".osd".
+        // Now the blank name is a new one, and there is no file ".osd".
         ask("", "tv", 400, 2, "t", failed_open(ENOENT), failed, load, keeps),
         ask("", "tv", 400, 2, "t", fine, 400, no_load, keeps),
         ask("", "tv", 500, 2, "t", fine, 500, no_load, solves),
@@ -327,13 +329,13 @@ TEST_F(request_sequence, information_and_requests_share_the_fluid_and_not_the_st
         inform("zgas", "m_mol", fine, 0.02, load),
         inform("zgas", "T_CRIT", fine, 300, no_load),
         inform("zgas", "v_crit", unknown_constant("v_crit"), failed, no_load),
-        // The key of the state is that of the fluid before: the reduced state is taken over.
+        // The key of the state is still that of the fluid before, so its reduced state is taken over.
         ask("zgas", "tv", 400, 2, "t", fine, 400.0 / 300 * 270, no_load, keeps),
         ask("zgas", "tv", 401, 2, "t", fine, 401, no_load, solves),
         inform("ideal", "m_mol", fine, 0.028, load),
         ask("zgas", "tv", 401, 2, "t", fine, 401, load, solves),
         inform("missing", "m_mol", failed_open(ENOENT), 0, load),
-        // Not loaded again, and the old message is of no interest to a request.
+        // The fluid is not loaded again, and the old message does not matter for its constants.
         inform("missing", "m_mol", fine, 0.02, no_load),
         ask("missing", "tv", 401, 2, "t", fine, 401, no_load, keeps),
     });
@@ -350,7 +352,7 @@ TEST_F(request_sequence, an_old_message_makes_the_load_of_an_information_query_f
         // A request resets the message.
         ask("zgas", "tv", 400, 2, "t", fine, 400, no_load, solves),
         inform("clausius", "m_mol", fine, 0.02, load),
-        // A quality that is refused and an unknown output do not write the shared text.
+        // A refused quality and an unknown output do not write the shared text.
         ask("clausius", "pq", 1, 0.5, "h", quality_text, failed, no_load, keeps),
         inform("ideal", "m_mol", fine, 0.028, load),
         ask("ideal", "tv", 400, 2, "cp", unknown_output("cp"), failed, no_load, solves),
@@ -384,7 +386,7 @@ TEST_F(request_sequence, a_file_that_cannot_be_read_initialises_nothing) {
     const auto before = gas;
     run({ask("broken", "tv", 400, 2, "t", broken_message, failed, load, keeps)});
     EXPECT_EQ(support::shared_text(), broken_message);
-    // What stands before the record is read, what stands behind it is not, nothing is derived from either.
+    // The records before the broken one are read, those behind it are not, and nothing is derived from either.
     EXPECT_EQ(gas.MM, 56);
     EXPECT_EQ(gas.R, 8314.0 / 56);
     EXPECT_EQ(gas.T_ref, 600);
@@ -475,7 +477,7 @@ TEST_F(fluid_switches, with_failures_between_them_leave_no_trace_either) {
             SCOPED_TRACE(fluid + ", " + other);
             support::ask(other, "??", 1, 2, "t");
             support::ask_info("missing", "m_mol");
-            support::ask_info(fluid == other ? "absent" : fluid, "m_mol"); // half-loaded by the message before
+            support::ask_info(fluid == other ? "absent" : fluid, "m_mol"); // the message before makes it half loaded
             support::ask(other, "pq", 1, 0.5, "h");
             support::ask("missing", "tv", 1, 2, "t");
             EXPECT_EQ(all_outputs(fluid), alone);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What one request with an input pair leaves behind for the next.
+// Requests with input pairs that depend on the requests before them.
 #include "Algebra/lin_algebra.h"
 #include "Ostrel_Main.h"
 #include "Tests/Support/thermodynamics.h"
@@ -38,7 +38,7 @@ struct solver_sequences : support::thermodynamics_test {
         ostrel::os_fluid = {};
         ostrel::os_inputspec = {};
     }
-    /// What a fluid says of a state, as inputs for other pairs.
+    /// The values of a fluid at a state, as inputs for other pairs.
     struct state_values {
         double p, h, s;
     };
@@ -60,7 +60,7 @@ TEST_F(solver_sequences, a_singular_Jacobian_and_every_later_solve_in_two_unknow
     EXPECT_NEAR(ask("srk", "hs", a.h, a.s, "t").value, 350.0, 1e-6);
     EXPECT_TRUE(ask("srk", "pq", 1e6, 1.0, "t").ok());
 
-    // So low a pressure that dP/dv is lost: the first inversion fails.
+    // The pressure is so low that dP/dv is lost and the first inversion fails.
     expect_failure(ask("ideal", "ph", 1e-190, 2e5, "t"), "ERROR: in v__h_P");
     EXPECT_EQ(lin_algebra::linalg_errmsg.trimmed(), singular);
 
@@ -74,7 +74,7 @@ TEST_F(solver_sequences, a_singular_Jacobian_and_every_later_solve_in_two_unknow
     expect_failure(ask("srk", "hs", b.h, b.s, "t"), "ERROR: in v__h_s");
     expect_failure(ask("srk", "pq", 1.1e6, 1.0, "t"), singular);
     expect_failure(ask("srk", "tq", 240.0, 1.0, "p"), singular);
-    // Solves in one unknown go on.
+    // Solves in one unknown still work.
     EXPECT_NEAR(ask("srk", "pt", b.p, 360.0, "v").value, 0.06, 1e-9);
     EXPECT_NEAR(ask("srk", "pv", b.p, 0.06, "t").value, 360.0, 1e-6);
     EXPECT_NEAR(ask("srk", "ts", 360.0, b.s, "v").value, 0.06, 1e-8);
@@ -106,7 +106,7 @@ TEST_F(solver_sequences, the_first_fluids_saturation_table_serves_the_second) {
     expect_failure(ask("srk", "pq", 0.99 * pressures.back() * gas.P_ref, 1.0, "t"), range);
     expect_failure(ask("other", "pq", 0.99 * pressures.back() * 37.5 * 101325.0, 1.0, "t"),
                    "Pressure out of range: 0.023 < P < 37.997 bar");
-    // With a table of its own it answers the same to the tolerance, and has another range.
+    // With a table of its own the fluid answers the same within the tolerance, and has another range.
     release();
     EXPECT_NEAR(ask("srk", "pq", 2e6, 1.0, "v").value / from_vdw_table, 1.0, 1e-3);
     EXPECT_NE(thermodynamics::PPs, pressures);
@@ -115,7 +115,7 @@ TEST_F(solver_sequences, the_first_fluids_saturation_table_serves_the_second) {
 TEST_F(solver_sequences, an_ideal_gas_spoils_the_table_for_all) {
     expect_failure(ask("ideal", "pq", 1e6, 1.0, "t"),
                    "No solution has been found in subroutine init_saturation_curves.");
-    // Its table has the critical pressure everywhere.
+    // The table of this model has the critical pressure everywhere.
     const support::answer after = ask("srk", "pq", 1e6, 1.0, "t");
     EXPECT_THAT(after.text, testing::StartsWith("Pressure out of range: 50.66"));
     EXPECT_EQ(after.value, support::failed);
@@ -126,7 +126,7 @@ TEST_F(solver_sequences, out_of_range_texts) {
                    "Saturation pressure higher than critical in saturation_P.");
     expect_failure(ask("srk", "tq", 300.1, 0.0, "p"), "Saturation temperature higher than critical in saturation_T.");
     EXPECT_TRUE(thermodynamics::TTs.empty());
-    // 300 K 0.75/1.1^4 and 300 K.
+    // The ends of the range are 300 K 0.75/1.1^4 and 300 K.
     expect_failure(ask("srk", "tq", 153.6, 0.0, "p"), "Temperature out of range: -119.472 < T < 26.850 \xb0"
                                                       "C");
     expect_failure(ask("srk", "tq", 153.5, 0.0, "p", 20), "Temperature out of r");
@@ -175,10 +175,10 @@ TEST_F(solver_sequences, a_kept_state_between_the_phases_is_served_for_every_out
         EXPECT_TRUE(h.ok()) << h.text;
         EXPECT_EQ(h.value, thermodynamics::h__T_v(ostrel::T, ostrel::v) * gas.P_ref * gas.v_ref);
         EXPECT_NEAR(h.value, ask("srk", "tv", t, v, "h").value, 1e-6 * std::abs(h.value));
-        // As the first request of its key it is refused, and repeated it tells of the state before.
+        // The first request with this key is refused; a repeated one is answered from the state before.
         expect_failure(ask("srk", pair, value, 0.5, "h"), refused);
         EXPECT_EQ(ask("srk", pair, value, 0.5, "t").value, t);
-        // The mixture volume is the mean of those of the phases.
+        // The volume of the mixture is the mean of the volumes of the phases.
         const double v_g = ask("srk", pair, value, 1.0, "v").value, v_l = ask("srk", pair, value, 0.0, "v").value;
         EXPECT_NEAR(v, 0.5 * (v_g + v_l), 1e-12 * v);
         EXPECT_NEAR(ask("srk", pair, value, 0.5, "p").value,
@@ -194,8 +194,8 @@ TEST_F(solver_sequences, a_message_of_a_solve_does_not_reach_the_next_request) {
     EXPECT_TRUE(ask("srk", "pq", 1e6, 1.0, "t").ok());
 }
 
-// A first fluid whose initialisation fails leaves no lower bound of the temperature: the table's build, tried with the
-// constants as they are, ends all the same.
+// If the initialisation of the first fluid fails, there is no lower bound of the temperature. A build of the table with
+// the constants as they are must end nevertheless.
 TEST_F(solver_sequences, after_a_failed_initialisation_the_table_gives_up) {
     int failed = 0;
     for (int tenths = 400; tenths < 420; ++tenths) {
@@ -208,7 +208,7 @@ TEST_F(solver_sequences, after_a_failed_initialisation_the_table_gives_up) {
         if (ask("pr", "pq", 2e6, 1.0, "t").text != " ERROR:  v__P_T__PRG. STOP")
             continue;
         ++failed;
-        // Another pressure, so that the state is not the kept one.
+        // The pressure is another, so that the state is not the kept one.
         expect_failure(ask("pr", "pq", 2.1e6, 1.0, "t"),
                        "No solution has been found in subroutine init_saturation_curves.");
     }

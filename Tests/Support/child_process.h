@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Runs what ends its process in a process of its own, with a console that the test reads and types at.
+// Runs code that ends its process in a process of its own. The test reads the console of that process and types at it.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ namespace support {
 
 enum class standard_input { empty, silent_pipe, terminal };
 
-/// Whether the system gives pseudo-terminals; a root folder without /dev/pts does not.
+/// Whether the system has pseudo-terminals; it has none in a root folder without /dev/pts.
 inline bool has_pseudo_terminals() {
     const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
     if (keyboard < 0)
@@ -48,7 +48,7 @@ public:
         std::fflush(stdout);
         id_ = fork();
         if (id_ == 0) {
-            alarm(30); // what waits for ever is killed
+            alarm(30); // ends a process that waits for ever
             dup2(input == standard_input::silent_pipe ? silent_ends[0] : open(input_name.c_str(), O_RDONLY | O_NOCTTY),
                  STDIN_FILENO);
             dup2(pipe_ends[1], STDOUT_FILENO);
@@ -86,13 +86,13 @@ public:
         }
         return text_;
     }
-    /// True if it neither writes nor ends for a while.
+    /// True if the process neither writes nor ends for a while.
     bool waits() const {
         constexpr int milliseconds = 300;
         pollfd output{output_, POLLIN, 0};
         return poll(&output, 1, milliseconds) == 0;
     }
-    /// The exit status, once it has ended by itself.
+    /// The exit status, after the process has ended by itself.
     int status() {
         read_text();
         int result = 0;
@@ -108,7 +108,7 @@ private:
     std::string text_;
 };
 
-/// The body stops the process with exit status 1 after writing exactly this.
+/// Expects that the body writes exactly this and then stops the process with exit status 1.
 template <class Body>
 void expect_stop(Body body, std::string_view text) {
     child_process child(body);
@@ -116,7 +116,7 @@ void expect_stop(Body body, std::string_view text) {
     EXPECT_EQ(child.status(), 1);
 }
 
-/// What the body writes to the console.
+/// The text that the body writes to the console.
 template <class Body>
 std::string written(Body body) {
     testing::internal::CaptureStdout();

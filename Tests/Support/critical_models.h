@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the models with critical data share: a record with chosen constants, the record before
-// and after, the message about a fluid without critical data, and the operations written out from q and f.
+// The tests of the models with critical data share this file: a record with chosen constants, the record before and
+// after an initialisation, the message about a fluid without critical data, and the operations written out with q, f.
 #pragma once
 
 #include "Tests/Support/rounding.h"
@@ -17,7 +17,7 @@ struct critical_data {
     double Tb = 200.0;  ///< K
 };
 
-/// The library as just loaded, and a record as it is when a vapor with these data has been read.
+/// Puts the library into its first state, with the record as it is after a vapor with these data has been read.
 inline void use_record(const critical_data &fluid) {
     fresh_library();
     read_well(gas_section, vapor_fluid);
@@ -65,7 +65,7 @@ inline void expect_record(const gas_properties::gas_constants &expected) {
     EXPECT_EQ(gas_properties::gas.vapor, expected.vapor);
 }
 
-/// The record a model leaves behind that found the critical volume v and compressibility Zc.
+/// Expects the record of a model that has found the critical volume v and the compressibility factor Zc.
 inline void expect_critical_reference(gas_properties::gas_constants before, double v, double Zc) {
     before.vc = before.v_ref = v;
     before.Zc = before.Z_ref = Zc;
@@ -74,7 +74,7 @@ inline void expect_critical_reference(gas_properties::gas_constants before, doub
     expect_record(before);
 }
 
-/// Initialises a model on a fluid without critical data.
+/// Initialises a model on a fluid without critical data, and expects the message.
 inline void expect_not_a_vapor(void (*init)(), const std::string &sentence, const std::string &location) {
     read_well(gas_section, reference_fluid);
     gas_properties::gas.Tc = 300.0;
@@ -90,8 +90,8 @@ inline void expect_not_a_vapor(void (*init)(), const std::string &sentence, cons
 template <std::size_t terms>
 using tracked_factors = std::array<std::array<tracked, 4>, terms>;
 
-/// The operations of the active model at (T, v) against their formulas in q and f, covolume b and unit gas
-/// constant, to the rounding of the terms.
+/// Compares the operations of the active model at (T, v) with their formulas in q and f, for co-volume b and a gas
+/// constant of 1, within the rounding of the terms.
 template <std::size_t terms>
 void expect_formulas(const tracked_factors<terms> &q, const tracked_factors<terms> &f, double b, double T, double v) {
     using namespace ideal_specific_heat;
@@ -144,7 +144,7 @@ void expect_formulas(const tracked_factors<terms> &q, const tracked_factors<term
            tracked(psi__T(T)) + sum([](auto &q_, auto &f_) { return q_[1] * f_[0]; }) + s_0 + log(w));
 }
 
-/// Factors handed out by Q_f against those written out.
+/// Compares the factors that Q_f returns with those that are written out.
 template <std::size_t terms>
 void expect_factors(const std::array<std::array<double, 4>, terms> &computed, const tracked_factors<terms> &formula) {
     for (std::size_t i = 0; i < terms; ++i)
@@ -178,7 +178,7 @@ inline tracked_factors<1> soave_q(double c_a_, double fw_, double Zc_, double T_
               -(tracked(3) * c_a * fw / (tracked(4) * T * T) * g)}}};
 }
 
-/// Newton's method for the critical volume as far as `most` evaluations: the volume, and whether the residual
+/// Newton's method for the critical volume with at most `most` evaluations. Gives the volume, and whether the residual
 /// came below the tolerance.
 struct critical_search {
     double v;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the tests share: asking the entry points from C++, and fluid directories of their own.
+// All tests share this file: calls of the entry points from C++, and temporary fluid directories.
 #pragma once
 
 #include "Thermodynamics/thermodynamics.h"
@@ -17,7 +17,7 @@ namespace support {
 
 inline constexpr double failed = -8888.8;
 
-/// What a host sees of a request: the value and the error text without its padding.
+/// The answer of a request as a host sees it: the value and the error text without its padding.
 struct answer {
     double value;
     std::string text;
@@ -49,7 +49,7 @@ inline std::string shared_text() {
     return std::string(ideal_specific_heat::errmsg.trimmed());
 }
 
-/// A folder of its own that goes away with the object.
+/// A new folder that is removed with the object.
 class temporary_folder {
 public:
     temporary_folder() {
@@ -73,7 +73,7 @@ private:
     std::filesystem::path path_;
 };
 
-/// A temporary folder that is the fluid directory while it lives.
+/// A temporary folder that is the fluid directory while the object lives.
 class fluid_folder : public temporary_folder {
 public:
     fluid_folder() { setenv("OSTREL_FLUIDS", path().c_str(), 1); }
@@ -81,7 +81,7 @@ public:
     void add(std::string_view fluid, std::string_view text) const { write(std::string(fluid) + ".osd", text); }
 };
 
-/// A parameter file in parts, to be put together or broken on purpose.
+/// The parts of a parameter file, which tests put together or damage on purpose.
 inline const std::string vapor_section = "names\nmodel fluid\nlabel\nconstants\n"
                                          "20.0    MM [kg/kmol]\n"
                                          "T       vapor\n"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Determinants of matrices of small integers without any rounding.
+// Determinants of matrices of small integers, without any rounding.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace support {
 
-/// By Bareiss's elimination, whose divisions leave no remainder. The elements stand in column order; all minors must
-/// be below 2^31.
+/// The determinant by Bareiss's elimination, whose divisions leave no remainder. The elements stand in column order;
+/// all minors must be below 2^31.
 inline double exact_determinant(const std::vector<double> &elements, std::size_t n) {
     std::vector<std::int64_t> a(elements.begin(), elements.end());
     const auto at = [&](std::size_t i, std::size_t j) -> std::int64_t & { return a[j * n + i]; };
@@ -36,7 +36,7 @@ inline double exact_determinant(const std::vector<double> &elements, std::size_t
     return n == 0 ? 1.0 : static_cast<double>(sign * at(n - 1, n - 1));
 }
 
-/// The elements of a matrix without one row and one column, both from 1.
+/// The elements of a matrix without one row and one column, which both count from 1.
 inline std::vector<double> struck_out(const std::vector<double> &elements, std::size_t n, std::size_t row,
                                       std::size_t column) {
     std::vector<double> left;

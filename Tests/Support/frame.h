@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the entry points share: the library as just loaded, hosts of their own, error texts.
+// The tests of the entry points share this file: the library in its first state, hosts for tests, error texts.
 #pragma once
 
 #include "Ostrel_Main.h"
@@ -9,22 +9,22 @@
 
 namespace support {
 
-/// The library as just loaded, with the shipped fluids and the default host.
+/// Sets every variable of the library to the value that it has when the library is loaded.
 inline void fresh_frame() {
     library_state::forget_everything();
     ostrel_use_host(nullptr);
     setenv("OSTREL_FLUIDS", OSTREL_TESTS "/../Fluids", 1);
 }
 
-/// Every test starts from the library as just loaded, with the shipped fluids and the default host.
+/// Every test starts with the library in its first state, with the shipped fluids and the default host.
 class frame_test : public testing::Test {
 protected:
     frame_test() { fresh_frame(); }
     ~frame_test() override { ostrel_use_host(nullptr); }
 };
 
-/// A host whose fluid directory is exactly the given text, and that counts how often it is asked for it:
-/// once a load.
+/// A host whose fluid directory is exactly the given text. It counts how often it is asked for that, which is once in
+/// each load.
 class directory_host {
 public:
     explicit directory_host(const std::string &directory) {
@@ -62,7 +62,7 @@ inline std::string unknown_output(std::string_view name) {
 inline std::string unknown_constant(std::string_view name) {
     return "Ostrel error: no info available for " + std::string(name) + ".";
 }
-/// A failed open leaves the status code right-adjusted in 12 columns.
+/// The text of a failed open: it has the status code right-adjusted in 12 columns.
 inline std::string failed_open(int code) {
     const std::string digits = std::to_string(code);
     return " IOSTAT returned " + std::string(12 - digits.size(), ' ') + digits;
@@ -73,7 +73,7 @@ inline constexpr const char *pair_codes[] = {"tv", "td", "pt", "pv", "pd", "ph",
                                              "tq", "vh", "vs", "vu", "dh", "ds", "du", "hs"};
 static_assert(std::size(pair_codes) == 17);
 
-/// What may stand in the error text after a pair was to be solved.
+/// Whether the text may be the error text of a solver.
 inline bool of_a_solver(std::string_view text) {
     return text.starts_with("ERROR: in ") || text.starts_with("Saturation ") ||
            text.starts_with("Temperature out of range: ") || text.starts_with("Pressure out of range: ") ||
@@ -82,8 +82,7 @@ inline bool of_a_solver(std::string_view text) {
            text == " Matrix A is singular. In FUNCTION inverse, MODULE lin_algebra. STOP";
 }
 
-/// The two SI values of a pair at a state: of a single phase, or of the saturated vapor where the pair asks for
-/// a quality.
+/// The two SI values of a pair at a state of a single phase, or of the saturated vapor if the pair has a quality.
 inline std::pair<double, double> inputs_at(std::string_view fluid, std::string_view code, double t, double d) {
     const bool saturated = code[1] == 'q';
     const auto value = [&](char letter) {
@@ -112,14 +111,14 @@ inline std::vector<std::string> shipped_fluids() {
     for (const auto &entry : std::filesystem::directory_iterator(OSTREL_TESTS "/../Fluids"))
         if (entry.path().extension() == ".osd")
             names.push_back(entry.path().filename().string());
-    // In the order of the file names, in which a point counts.
+    // The order is that of the file names, in which the point counts.
     std::sort(names.begin(), names.end());
     for (std::string &name : names)
         name.erase(name.rfind('.'));
     return names;
 }
 
-/// Some of them, for what takes long: every model, heat-capacity form and pair of transport models.
+/// Some fluids for tests that take long; they have every model, heat-capacity form and pair of transport models.
 inline const std::vector<std::string> sample_fluids = {
     "argon",    "argon-iz", "co2",   "co2-cii",  "co2-pr",  "mdm",     "mdm-cii", "n2-ig",
     "nitrogen", "aniline",  "r404a", "tolu-cii", "tolu-mh", "toluene", "water",   "water-ig"};

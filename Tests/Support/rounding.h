@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Judging rounding errors: a number that carries the bound of its own error, and the complex step.
+// Judges rounding errors: with a number that carries the bound of its own error, and with the complex step.
 #pragma once
 
 #include <cmath>
@@ -12,10 +12,10 @@ namespace support {
 /// Half a unit in the last place of 1: the largest relative error of one operation.
 inline constexpr double unit_roundoff = std::numeric_limits<double>::epsilon() / 2;
 
-/// A double and the bound of its rounding error in units of `unit_roundoff`, to first order. Every
-/// operation hands on its operands' bounds as its derivative does and adds its own error: the sum of the
-/// magnitudes of all terms. Functions of the mathematical library are taken to be good to one unit in
-/// the last place. Reference: J. H. Wilkinson, Rounding Errors in Algebraic Processes (1963).
+/// A double and the bound of its rounding error in units of `unit_roundoff`, to first order. Every operation multiplies
+/// the bounds of its operands by the magnitudes of its partial derivatives, and adds its own error. Functions of the
+/// mathematical library are assumed to be correct to one unit in the last place. Reference: J. H. Wilkinson, Rounding
+/// Errors in Algebraic Processes (1963).
 struct tracked {
     double value = 0;
     double bound = 0;
@@ -71,17 +71,16 @@ inline void expect_same(const tracked &a, const tracked &b) {
     EXPECT_LE(std::abs(a.value - b.value), allowed) << a.value << " and " << b.value;
 }
 
-/// df/dx by the complex step: exact but for the rounding of f's own steps, for there is no difference of f
-/// to cancel.
+/// df/dx by the complex step. Only the rounding of the steps of f makes an error, since no difference of f is taken.
 template <class Function>
 double complex_step(Function f, double x) {
     constexpr double step = 1e-40;
     return f(std::complex<double>(x, step)).imag() / step;
 }
 
-/// A value and its derivative, computed with the rules of calculus: what the real and the imaginary part of a
-/// complex step are to first order. It finds the rounding error of a step, which can be large where the
-/// derivatives of a function's parts cancel.
+/// A value and its derivative, computed with the rules of calculus. To first order they are the real and the imaginary
+/// part of a complex step. They give the bound of its rounding error, which can be large where the derivatives of parts
+/// of the function cancel.
 struct dual {
     tracked value = 0;
     tracked slope = 0;
@@ -114,8 +113,8 @@ struct dual {
     friend double real_part(const dual &a) { return a.value.value; }
 };
 
-/// The complex step of f at x with its bound: a complex operation is given three times the error of the rule
-/// of calculus it stands for. Where nothing cancels it is some 1e-15 of the value.
+/// The complex step of f at x with its bound. The error of a complex operation counts as three times that of the rule
+/// of calculus for which it stands. Where nothing cancels, the bound is some 1e-15 of the value.
 template <class Function>
 tracked stepped(Function f, double x) {
     const dual ruled = f(dual(x, 1.0));

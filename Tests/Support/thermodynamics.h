@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the tests of the thermodynamics share: the library as just loaded, sections read from either
-// source, and the models and heat capacities that tables of cases are run over.
+// The tests of the thermodynamics share this file: the library in its first state, sections read from files and from
+// databases, and the tables of models and heat capacities over which tests run.
 #pragma once
 
 #include "Tests/Support/entry_points.h"
@@ -15,14 +15,17 @@ namespace support {
 
 inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
+/// Sets every variable that a fluid sets to the value that it has when the library is loaded.
 inline void fresh_fluid() {
     library_state::forget_fluid();
 }
+
+/// Does the same for every variable, also for those that outlive a fluid.
 inline void fresh_library() {
     library_state::forget_everything();
 }
 
-/// Every test starts from the library as just loaded, also when all run in one process.
+/// Every test starts with the library in its first state, also when all tests run in one process.
 class thermodynamics_test : public testing::Test {
 protected:
     thermodynamics_test() { library_state::forget_everything(); }
@@ -54,12 +57,12 @@ inline std::ostream &operator<<(std::ostream &out, source from) {
 }
 
 struct reading {
-    std::string message; ///< empty when all went well
+    std::string message; ///< empty after a success
     std::int64_t last;   ///< the number of the last record that was used, from 1
 };
 
-/// Reads the section from a text of one record a line, as a file or as the lines of a database. Both
-/// start behind `before` records of another section.
+/// Reads the section from a text with one record in each line, as a file or as the lines of a database. Both start
+/// behind `before` records of another section.
 inline reading read(const section &what, source from, const std::string &text, std::int32_t before = 0) {
     if (from == source::file) {
         const temporary_folder folder;
@@ -83,7 +86,7 @@ inline reading read(const section &what, source from, const std::string &text, s
     return {std::string(reader.message()), index};
 }
 
-/// For sections that are to be read without complaint.
+/// Reads a section and expects no message.
 inline void read_well(const section &what, const std::string &text, source from = source::file) {
     EXPECT_EQ(read(what, from, text).message, "") << text;
 }
@@ -137,7 +140,7 @@ struct model_case {
     const char *name;
     std::int32_t gas_type;
     const std::string &fluid;
-    const char *records; ///< the model's own
+    const char *records; ///< the records of the model itself
 };
 inline const model_case model_cases[] = {
     {"ideal gas", 1, vapor_fluid, ""},           {"ideal gas, reference fluid", 1, reference_fluid, ""},
@@ -147,7 +150,7 @@ inline const model_case model_cases[] = {
     {"Redlich-Kwong", 6, vapor_fluid, ""},
 };
 
-/// Reads and initialises a fluid; the case must be one that succeeds.
+/// Reads and initialises a fluid; both must succeed.
 inline void load(const model_case &model, const heat_case &heat) {
     library_state::forget_fluid();
     read_well(thermodynamics_section,
@@ -182,8 +185,8 @@ void for_each_loaded(Visit visit) {
 
 struct state {
     const char *name;
-    double T; ///< over the temperature of the reference point
-    double w; ///< volume above the covolume, over that of the reference point
+    double T; ///< temperature, as a multiple of that of the reference point
+    double w; ///< volume above the co-volume, as a multiple of that of the reference point
 };
 inline constexpr state states[] = {
     {"dilute, cold", 0.62, 2000.0}, {"dilute", 1.1, 500.0},        {"dilute, hot", 7.3, 3000.0},

@@ -21,7 +21,7 @@ using testing::StartsWith;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double inf = std::numeric_limits<double>::infinity();
 
-/// Module state as it was before the first call.
+/// The state of the module before the first call.
 struct start {
     std::string os_fluid{ostrel::os_fluid.padded()};
     std::string os_inputspec{ostrel::os_inputspec.padded()};
@@ -87,9 +87,9 @@ TEST_F(request_frame, knows_the_input_pairs_in_either_case_and_with_trailing_bla
                                          support::upper(code) + "      junk"};
         for (const std::string &spelling : spellings) {
             SCOPED_TRACE(spelling);
-            // Another t each time, so that the state is not the kept one.
+            // Each request has another t, so that its state is not the kept one.
             t += 0.5;
-            // From its default first guess "hs" finds few states of a real gas.
+            // From its default first values "hs" finds few states of a real gas.
             const char *const fluid = code == "hs" ? "n2-ig" : "toluene";
             const auto [one, two] = support::inputs_at(fluid, code, t, 2.0);
             const auto answer = ask(fluid, spelling, one, two, "t");
@@ -217,7 +217,7 @@ TEST_F(request_frame, gives_the_ideal_gas_in_SI_units) {
         {"d", 1 / v},
         {"p", R * t / v},
         {"u", u},
-        // e is zero at the reference state, h there is P v.
+        // At the reference state e is zero and h is P v.
         {"h", u + R * t},
         {"s", 700.0 * std::log(t / t_0) + 0.8 * (t - t_0) + R * std::log(v / v_0)},
         {"cv", cv(t)},
@@ -385,7 +385,7 @@ TEST_F(request_frame, a_mixture_has_the_volume_between_the_phases_and_the_equati
         EXPECT_DOUBLE_EQ(middle, liquid + 0.5 * (vapor - liquid));
         const double p = ask("toluene", code, one, 0.5, "P").value;
         EXPECT_NEAR(p, ask("toluene", "tv", t, middle, "p").value, 1e-9 * std::abs(p));
-        // Beyond the phases the line simply goes on.
+        // Beyond the two phases the straight line between their volumes continues.
         EXPECT_DOUBLE_EQ(ask("toluene", code, one, 2.0, "v").value, liquid + 2.0 * (vapor - liquid));
     }
 }
@@ -399,7 +399,7 @@ TEST_F(request_frame, only_a_q_in_second_place_is_a_quality) {
 // The initial state, and state without a fluid.
 
 TEST_F(request_frame, a_blank_fluid_is_the_one_in_memory) {
-    // Before any fluid: its reference temperature is 0, the quotient infinite.
+    // No fluid has been loaded. T_ref is 0, so that the reduced temperature is infinite.
     const support::directory_host host("/nowhere/");
     for (const char *fluid : {"", "   ", "                    "}) {
         SCOPED_TRACE(fluid);
@@ -501,7 +501,7 @@ TEST_F(fluid_loading, reads_all_sections_and_initialises) {
     EXPECT_DOUBLE_EQ(gas.kk_ref, gas.mu_ref * (2.5 + 0.9) * gas.R / 0.7);
 }
 
-/// The text of a pair of transport models that do not go together.
+/// The message about two transport models that do not fit together.
 const std::string mismatch =
     "Viscosity and thermal conductivity model do not match.  In init_trasport_properties. STOP";
 
@@ -536,7 +536,7 @@ TEST_F(fluid_loading, transport_models_that_do_not_go_together_fail_the_load) {
         EXPECT_EQ(transport_properties::active.v_ref, before.v_ref);
         EXPECT_EQ(transport_properties::active.mu_ref, before.mu_ref);
         EXPECT_EQ(gas.mu_ref, before.mu_ref);
-        // The name is taken: repeated, the request goes on with both.
+        // The name is kept, so that a repeated request goes on with both.
         EXPECT_TRUE(ask(c.name, "td", 500, 2.0, "t").ok());
         EXPECT_GT(ask(c.name, "td", 500, 2.0, "eta").value, 0);
         // An information query fails in the same way.
@@ -549,7 +549,7 @@ TEST_F(fluid_loading, transport_models_that_do_not_go_together_fail_the_load) {
 TEST_F(fluid_loading, a_thermodynamic_failure_leaves_the_transport_models_uninitialised) {
     const fluid_folder fluids;
     fluids.add("good", support::vapor_file());
-    // Both would fail; the model speaks first.
+    // The model and the transport models would both fail; the message is that of the model.
     fluids.add("bad", support::reference_section + "7\n" + support::constant_heat + "3\n2\n");
     fluids.add("heat", support::reference_section + "1\nT\n2\n2.5 0.1\n" + support::constant_transport);
     ASSERT_TRUE(ask("good", "td", 500, 2.0, "t").ok());
@@ -633,7 +633,7 @@ TEST_F(fluid_loading, a_failed_open_says_the_systems_code) {
         {fluids.path() + "/", "missing", ENOENT},
         {fluids.path() + "/nowhere/", "fluid", ENOENT},
         {fluids.path() + "/plain/", "fluid", ENOTDIR},
-        {fluids.path(), "fluid", ENOENT}, // no separator: directory and name are joined
+        {fluids.path(), "fluid", ENOENT}, // without a separator, directory and name become one word
         {"", "fluid", ENOENT},
         {fluids.path() + "/", std::string(300, 'x'), ENAMETOOLONG},
     };
@@ -663,7 +663,7 @@ TEST_F(fluid_loading, a_failed_open_initialises_what_is_in_memory_again) {
     gas.e_0 = 17;
     const auto answer = ask("missing", "td", 500, 2.0, "t");
     EXPECT_EQ(answer.text, failed_open(ENOENT));
-    // The model has been initialised again; what follows it stops at the message.
+    // The model has been initialised again; the steps behind it stop because of the message.
     EXPECT_EQ(gas.v_ref, v_ref);
     EXPECT_EQ(gas.e_0, 17);
     EXPECT_NE(e_0, 17);
@@ -674,7 +674,7 @@ TEST_F(fluid_loading, a_direct_load_leaves_its_message_in_the_shared_text) {
     read_init_fluiddata("missing ", 8);
     EXPECT_EQ(shared_text(), failed_open(ENOENT));
     EXPECT_EQ(ostrel::os_fluid.trimmed(), "");
-    // It is not reset by a load that goes well, and stops the initialisation behind the model.
+    // A load that succeeds does not reset the message, which stops the initialisation behind the model.
     read_init_fluiddata("nitrogen", 8);
     EXPECT_EQ(shared_text(), failed_open(ENOENT));
     EXPECT_EQ(gas.name.trimmed(), "nitrogen");
@@ -745,7 +745,7 @@ TEST_F(fluid_loading, a_path_has_at_most_256_characters) {
     ASSERT_TRUE(std::filesystem::exists(directory + too_long + ".osd"));
     EXPECT_EQ(ask(fits, "td", 500, 2.0, "t").text, "No errors");
     EXPECT_EQ(ask(too_long, "td", 500, 2.0, "t").text, failed_open(ENAMETOOLONG));
-    // Cut at 256 characters it would be another file's path.
+    // If it were cut at 256 characters, the path would be that of another file.
     std::ofstream((directory + too_long + ".osd").substr(0, 256)) << support::vapor_file();
     EXPECT_EQ(ask(too_long, "td", 500, 2.0, "t").text, failed_open(ENAMETOOLONG));
 }
@@ -787,7 +787,7 @@ TEST_F(fluid_loading, a_complete_path_that_does_not_open_changes_nothing) {
     fluids.add("first", support::vapor_file());
     ask("first", "td", 500, 2.0, "t");
     gas.v_ref = 1e6;
-    // Neither directory nor extension is added.
+    // The path is complete: neither a directory nor an extension is added.
     for (const std::string &path :
          {fluids.path() + "/first", std::string("first.osd"), std::string("first"), std::string()}) {
         SCOPED_TRACE(path);
@@ -809,7 +809,7 @@ TEST_F(fluid_loading, a_record_of_a_complete_path_that_cannot_be_read_is_reporte
 
 // Loading from lines.
 
-/// A database host that answers with one text and keeps what it was asked.
+/// A database host that answers with one text and keeps the arguments of the call.
 struct database_host {
     static inline std::string lines, location, key;
     static inline std::int32_t status = 1, found = 1;
@@ -862,7 +862,7 @@ TEST_F(fluid_loading, reads_all_sections_of_a_database_text_without_initialising
     EXPECT_EQ(transport_properties::active.m_mole, 0);
     EXPECT_EQ(gas.mu_ref, 0);
     EXPECT_EQ(ostrel::os_fluid.trimmed(), "");
-    // The caller initialises, in this order.
+    // The caller must initialise both, in this order.
     thermodynamics::init_thermodynamics();
     transport_properties::init_transport_properties();
     EXPECT_EQ(shared_text(), "No errors");
@@ -1039,14 +1039,14 @@ TEST_F(fluid_catalogue, every_shipped_fluid_has_a_viscosity_and_a_conductivity) 
         EXPECT_GT(gas.kk_ref, 0) << fluid;
         for (const double Tr : {0.5, 0.7, 0.9, 1.0, 1.3, 2.0, 5.0})
             for (const double vr : {1.0, 3.0, 10.0, 1e3, 1e6}) {
-                // Between the phases there is no vapor.
+                // These states lie between the phases, where there is no vapor.
                 if (Tr < 1 && vr < (Tr < 0.7 ? 1e3 : 10))
                     continue;
                 SCOPED_TRACE(testing::Message() << fluid << ", T/Tc " << Tr << ", v/vc " << vr);
                 for (const char *name : {"eta", "lambda"}) {
                     const auto answer = ask(fluid, "tv", Tr * Tc, vr * vc, name);
                     EXPECT_EQ(answer.text, "No errors");
-                    // Of a gas, in Pa s; conductivities come out 17.5 times smaller than in W/(m K).
+                    // The bounds are those of a gas, in Pa s; conductivities are 17.5 times smaller than in W/(m K).
                     EXPECT_GT(answer.value, name[0] == 'e' ? 1e-7 : 1e-4) << name;
                     EXPECT_LT(answer.value, name[0] == 'e' ? 5e-4 : 1e-1) << name;
                 }

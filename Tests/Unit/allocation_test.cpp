@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A successful request allocates nothing, but for loading a fluid and building the saturation table.
+// A successful request allocates nothing, except when it loads a fluid or builds the saturation table.
 #include "Tests/Support/frame.h"
 
 #include <cstdlib>
@@ -19,7 +19,7 @@ void *counted(std::size_t size) {
 
 } // namespace
 
-// The library's allocations come here too: a program's own operators take precedence.
+// The library's allocations come here too, since a program's own operators take precedence.
 void *operator new(std::size_t size) {
     return counted(size);
 }
@@ -57,7 +57,7 @@ TEST_F(allocation, only_loading_and_the_table_allocate) {
 
     for (const char *code : support::pair_codes) {
         if (std::string_view(code) == "hs")
-            continue; // finds few states of a real gas; below
+            continue; // finds few states of a real gas; it is tested below
         SCOPED_TRACE(code);
         const auto [value1, value2] = support::inputs_at(fluid, code, 510.0, 3.0);
         for (const auto &output : support::output_cases) {

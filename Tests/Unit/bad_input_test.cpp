@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Input of any kind gives the documented text or a value: no crash, no overrun, no hang.
+// Input of any kind must give the documented text or a value, without crash, overrun or hang.
 #include "Tests/Support/frame.h"
 
 #include <cerrno>
@@ -42,7 +42,7 @@ TEST_F(bad_input, names_of_every_length) {
         for (const char letter : {'x', ' ', '.', '\0', '\xFF'}) {
             const std::string name(length, letter);
             const std::size_t kept = letter == ' ' ? 0 : length;
-            // A name of one letter is at most 251 long as a file's; a NUL ends the path before it is looked up.
+            // The file system allows at most 251 characters before ".osd"; a NUL is refused before the look-up.
             const int code = kept > room || (kept > 251 && letter != '\0') ? ENAMETOOLONG : ENOENT;
             const auto answer = ask(name, "td", 500, 2.0, "t");
             EXPECT_EQ(answer.text, failed_open(code));
@@ -88,7 +88,7 @@ TEST_F(bad_input, random_bytes) {
     for (int i = 0; i < 20000; ++i) {
         const std::string code = bytes(), output = bytes();
         ASSERT_EQ(ask("toluene", "td", ++t, 2.0, "t").text, "No errors");
-        // Two random bytes may well spell an output; they are known by the answer.
+        // Two random bytes may be the name of an output; the answer tells.
         const auto answer = ask("toluene", "td", t, 2.0, output);
         const bool known =
             std::any_of(std::begin(support::output_cases), std::end(support::output_cases),
@@ -141,7 +141,7 @@ TEST_F(bad_input, numbers_of_any_kind_for_all_pairs_and_outputs) {
                     SCOPED_TRACE(std::string(fluid) + " " + code + " " + std::to_string(one) + " " +
                                  std::to_string(two));
                     for (const auto &output : support::output_cases) {
-                        // Each a first request, so that no failure before it answers.
+                        // The key is cleared, so that no request is answered as the repeat of a failed one.
                         ostrel::os_inputspec = {};
                         const auto answer = ask(fluid, code, one, two, output.name);
                         const bool restricted = code[1] == 'q' && std::abs(two - 1) > 1e-6 && !output.any_quality;
@@ -302,7 +302,7 @@ TEST_F(bad_input, results_without_a_place_are_dropped) {
 
 // Files.
 
-/// What a host may see of a load, whatever the file holds.
+/// Whether the answer is one that a host may get after a load, whatever is in the file.
 testing::AssertionResult documented(const std::string &fluid, const support::answer &answer) {
     const std::string_view text = answer.text;
     if (text == "No errors")
@@ -321,13 +321,13 @@ testing::AssertionResult documented(const std::string &fluid, const support::ans
     return testing::AssertionFailure() << "not documented: " << text;
 }
 
-/// Loads a fluid's text as a fresh library would, asks for a value, and measures the processor's time.
+/// Loads the text of a fluid as a library in its first state does, asks for a value, and measures the processor time.
 struct loader {
     fluid_folder fluids;
     std::clock_t longest = 0;
 
     support::answer load(const std::string &fluid, std::string_view text) {
-        // A new file each time: some file systems wait for the disk when an old one is written again.
+        // The file is a new one each time, since some file systems wait for the disk when an old one is written again.
         std::filesystem::remove(fluids.path() + "/" + fluid + ".osd");
         fluids.add(fluid, text);
         ostrel::os_fluid = {};
@@ -346,7 +346,7 @@ TEST_F(bad_input, fluids_cut_at_every_byte) {
     for (const std::string &fluid : support::sample_fluids) {
         const std::string text = support::file_text(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
         ASSERT_TRUE(text.ends_with('\n')) << fluid;
-        // The last record's one value is whole as soon as its first digit is there: the models have one digit.
+        // The value of the last record is complete with its first digit: model numbers have one digit.
         const std::size_t last_record = text.rfind('\n', text.size() - 2) + 1;
         for (std::size_t length = 0; length <= text.size(); ++length) {
             SCOPED_TRACE(fluid + " of " + std::to_string(length) + " bytes");
@@ -375,7 +375,7 @@ TEST_F(bad_input, fluids_with_every_byte_replaced) {
             failures += !answer.ok();
         }
     }
-    // Most bytes are comments; what is a value or its record's end does not go unnoticed.
+    // Most bytes belong to comments, but damage to a value or to the end of its record must be noticed.
     EXPECT_GT(failures, loads / 50);
 }
 
@@ -458,7 +458,7 @@ TEST_F(bad_input, what_is_no_regular_file) {
         setenv("OSTREL_FLUIDS", fluids.path().c_str(), 1);
         EXPECT_EQ(ask(c.name, "td", 500, 2.0, "t").text, c.text);
     }
-    // The code is this system's own; what counts is that it fails, and soon.
+    // The code depends on the system; the load must only fail, and soon.
     for (const char *name : {"pipe", "to_pipe", "zeros", "nothing", "huge"}) {
         SCOPED_TRACE(name);
         support::fresh_frame();

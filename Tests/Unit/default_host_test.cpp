@@ -15,7 +15,7 @@ using support::temporary_folder;
 
 struct default_host : support::frame_test {};
 
-/// The directory that the default host hands to the search, without trailing blanks.
+/// The fluid directory of the default host, without trailing blanks.
 std::string fluid_path() {
     static std::string directory;
     const ostrel_host listening = {nullptr,
@@ -30,7 +30,7 @@ std::string fluid_path() {
     return directory;
 }
 
-/// The names found in a directory, which end at the first blank one behind the count.
+/// The names that are found in a directory; the rest of the list must be blank.
 std::vector<std::string> search(const std::string &directory) {
     const support::directory_host host(directory);
     std::int32_t count = -1;
@@ -54,7 +54,7 @@ std::int32_t fluid_count() {
     return count;
 }
 
-/// A directory of exactly the given length, separator included.
+/// A directory whose path has exactly the given length, separator included.
 std::string deep_directory(const temporary_folder &folder, std::size_t length) {
     std::string directory = folder.path() + "/";
     while (length - directory.size() > 60)
@@ -65,7 +65,7 @@ std::string deep_directory(const temporary_folder &folder, std::size_t length) {
     return directory;
 }
 
-// Where the fluids are.
+// The place of the fluids.
 
 TEST_F(default_host, the_environment_names_the_fluid_directory) {
     const temporary_folder folder;
@@ -131,7 +131,7 @@ TEST_F(default_host, a_directory_that_is_not_there_has_no_fluids) {
 
 TEST_F(default_host, a_directory_that_does_not_fit_has_no_fluids) {
     const temporary_folder folder;
-    // With its separator 256 characters fit; its files' paths do not.
+    // A directory of 256 characters with its separator fits, but the paths of its files do not.
     for (const std::size_t length : {std::size_t{256}, std::size_t{257}, std::size_t{258}, std::size_t{400}}) {
         SCOPED_TRACE(length);
         support::fresh_frame();
@@ -146,14 +146,14 @@ TEST_F(default_host, a_directory_that_does_not_fit_has_no_fluids) {
 
 TEST_F(default_host, a_directory_that_does_not_fit_is_not_cut_to_another) {
     const temporary_folder folder;
-    // Cut at 256 characters and at its blanks, it would be the path of the outer directory's file.
+    // If the path were cut at 256 characters and at its blanks, it would be that of the file in the outer directory.
     const std::string outer = deep_directory(folder, 200) + "x";
     const std::string inner = outer + std::string(100, ' ') + "/";
     std::filesystem::create_directories(inner);
     std::ofstream(outer + "fluid.osd") << support::vapor_file();
     setenv("OSTREL_FLUIDS", inner.c_str(), 1);
     EXPECT_EQ(ask("fluid", "td", 500, 2.0, "t").text, failed_open(ENAMETOOLONG));
-    // The outer directory itself is what the first 256 characters name.
+    // The first 256 characters name the outer directory itself.
     support::fresh_frame();
     const std::string exact = deep_directory(folder, 256);
     std::ofstream(exact + "fluid.osd") << support::vapor_file();
@@ -175,7 +175,7 @@ TEST_F(default_host, a_path_has_at_most_256_characters) {
     EXPECT_EQ(fluid_count(), 2);
 }
 
-// Which fluids there are.
+// The list of fluids.
 
 TEST_F(default_host, searches_regular_files_in_byte_order) {
     const temporary_folder folder;
@@ -218,7 +218,7 @@ TEST_F(default_host, the_longest_file_name_is_listed_whole) {
     EXPECT_EQ(search(fluids.path()), std::vector<std::string>{longest});
 }
 
-// Names never lead out of the directory.
+// A name must never lead out of the directory.
 
 TEST_F(default_host, a_name_never_opens_a_file_of_another_directory) {
     const temporary_folder folder;

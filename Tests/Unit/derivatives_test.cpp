@@ -48,7 +48,7 @@ TEST(derivatives_test, are_as_accurate_as_the_header_says) {
                 const double L = std::max(std::abs(x), x_scale);
                 const auto size = [&](int order) { return std::abs(f[order](x)); };
                 const double first = std::abs(df_dx(f[0], x, x_scale) - f[1](x));
-                // A little more for the derivatives near x, which are not those at x.
+                // The bound has some room, since it is for the derivatives near x and not at x.
                 const double first_allowed =
                     1.02 * (2.3e-9 * (size(0) / L + size(1)) + 2e-15 * L * L * size(3)) + 1e-14;
                 EXPECT_LE(first, first_allowed) << known.name << " at " << x << ", " << x_scale;
@@ -61,7 +61,7 @@ TEST(derivatives_test, are_as_accurate_as_the_header_says) {
                 largest_second = std::max(largest_second, second / second_allowed);
             }
     }
-    // No looser than it need be.
+    // The bounds are not much larger than necessary.
     EXPECT_GT(largest_first, 0.3);
     EXPECT_GT(largest_second, 0.3);
 }
@@ -74,7 +74,7 @@ TEST(derivatives_test, exact_where_the_differences_are) {
     EXPECT_EQ(d2f_dx2([](double) { return 5.0; }, 7.0, 2.0), 0.0);
 }
 
-/// Where a derivative asks for f.
+/// The points at which a derivative asks for f.
 template <class Derivative>
 std::vector<double> asked(Derivative derivative, double x, double x_scale) {
     std::vector<double> points;
@@ -117,7 +117,7 @@ TEST(derivatives_test, the_step_has_the_sign_of_x) {
     EXPECT_EQ(first_asked(2.0), -first_asked(-2.0));
     EXPECT_EQ(first_asked(0.0), first_asked(2.0));
     EXPECT_EQ(first_asked(-0.0), first_asked(2.0));
-    // An infinite value on one side: (f(x + h) - f(x - h))/(2h) with both signs turned.
+    // With an infinite value on one side, (f(x + h) - f(x - h))/(2h) shows that both signs are turned.
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(df_dx([=](double x) { return x > -2.0 ? infinity : 0.0; }, -2.0, 1.0), infinity);
     EXPECT_EQ(df_dx([=](double x) { return x > 2.0 ? infinity : 0.0; }, 2.0, 1.0), infinity);

@@ -41,7 +41,7 @@ TEST(same_text, ignores_trailing_blanks) {
     EXPECT_FALSE(same_text("a", "a\t"));
     EXPECT_FALSE(same_text("a", "a\0"sv));
     EXPECT_FALSE(same_text("", "\0"sv));
-    // With a text of a fixed length, of which the rest of the other one has to be blank.
+    // In a comparison with a text of fixed length, the rest of the other text must be blank.
     EXPECT_TRUE(same_text("tv", fixed_text<2>("tv")));
     EXPECT_TRUE(same_text("tv         ", fixed_text<2>("tv")));
     EXPECT_TRUE(same_text("abcdefgh   ", fixed_text<8>("abcdefgh")));
@@ -128,7 +128,7 @@ TEST(fixed_text, packs_eight_characters) {
         EXPECT_NE(fixed_text<8>(other).packed(), fixed_text<8>(text).packed()) << i;
     }
     EXPECT_NE(fixed_text<8>("ab").packed(), fixed_text<8>("ba").packed());
-    // The same number however it is made, and letters in lower case whatever stands beside them.
+    // The number must be the same however it is made, and letters must become lower case whatever stands beside them.
     for (int byte = 0; byte < 256; ++byte)
         for (std::size_t i = 0; i < text.size(); ++i) {
             std::string other = "AZ@[\xC1\xFFz`";

@@ -29,7 +29,7 @@ std::string too_large(std::string_view name, const std::string &reason) {
 
 #ifdef OSTREL_WITH_SQLITE
 
-/// A database file of its own, made by the given statements.
+/// A new database file, made by the given statements.
 class database : public support::temporary_folder {
 public:
     explicit database(const std::string &statements = "CREATE TABLE fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL)") {
@@ -86,7 +86,7 @@ TEST_F(fluid_database_, reads_a_fluid) {
 }
 
 TEST_F(fluid_database_, a_file_and_a_database_of_the_same_text_give_the_same_numbers) {
-    // Only models without own records have the same text in both.
+    // Only models without records of their own have the same text in both.
     const std::string text = support::file_text(OSTREL_TESTS "/../Fluids/toluene.osd");
     const database fluids;
     fluids.add("toluene", text);
@@ -189,7 +189,7 @@ TEST_F(fluid_database_, a_line_has_at_most_255_characters) {
         line.resize(c.length, '-');
         fluids.add("fluid", with_line(4, line));
         fluids.add("windows", with_line(4, line + "\r"));
-        // The number ends in the last column, or would behind it.
+        // The number ends in the last column, or would end behind it.
         std::string at_end(c.length - 4, ' ');
         fluids.add("at_end", with_line(4, at_end + "20.5"));
         for (const char *name : {"fluid", "windows", "at_end"}) {

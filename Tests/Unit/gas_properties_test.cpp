@@ -137,8 +137,8 @@ TEST_F(gas_properties_test, both_readers_start_behind_the_record_used_last) {
     }
 }
 
-// One record a field, in this order: a section that ends before a field names it, keeps what came before
-// and leaves what would have come after.
+// There is one record for each field, in this order. If a section ends before a field, the message names the field, the
+// fields before it are read, and the fields behind it stay as they were.
 TEST_F(gas_properties_test, a_section_that_breaks_off_names_the_field) {
     struct field {
         std::string wanted;
@@ -190,7 +190,7 @@ TEST_F(gas_properties_test, a_section_that_breaks_off_names_the_field) {
                 for (std::size_t i = 0; i < present; ++i)
                     end = text.find('\n', end) + 1;
                 const auto [message, last] = read(gas_section, from, text.substr(0, end));
-                // Headings are stepped over unread in lines.
+                // In lines, headings are stepped over and not read.
                 const bool stepped_over = from == support::source::lines && fields[present].wanted == heading.wanted;
                 const std::size_t missing = present + (stepped_over ? 1 : 0);
                 EXPECT_EQ(message, std::string("Ostrel error: ") +
@@ -214,7 +214,7 @@ TEST_F(gas_properties_test, a_value_that_is_none_is_an_error_of_its_record) {
     EXPECT_EQ(gas.mur, 0.0);
 }
 
-// A pressure is taken for atm whether its record holds it or keeps the one before.
+// A pressure is taken for atm, whether it is in the record or the record keeps the one before.
 TEST_F(gas_properties_test, the_record_of_the_critical_pressure_is_found_without_changing_the_fluid) {
     const support::temporary_folder folder;
     const auto record_in = [&](const std::string &text) {
@@ -284,7 +284,7 @@ TEST_F(gas_properties_test, the_writer_writes_a_reference_pressure_in_Pa) {
                             real({320.0}), "   202650.00000000000     ", real({0.45}), real({0.5}), real({0.25})));
 }
 
-// The blank in front of a written text is read as its first character.
+// The blank in front of a written text is read as the first character of the text.
 TEST_F(gas_properties_test, a_written_section_reads_back_but_for_names_and_the_reference_pressure) {
     for (const std::string &text : {vapor_text, reference_text}) {
         support::fresh_library();

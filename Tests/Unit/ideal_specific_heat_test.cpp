@@ -22,7 +22,7 @@ constexpr double largest = std::numeric_limits<double>::max();
 struct ideal_specific_heat_test : support::thermodynamics_test {
     ideal_specific_heat_test() { set_fluid(true); }
 
-    /// A fluid as a model leaves it: R 200, Tc 400, T_ref 100.
+    /// Sets the fluid as a model leaves it: R = 200, Tc = 400, T_ref = 100.
     static void set_fluid(bool vapor) {
         gas.name = records::fixed_text<32>("model fluid");
         gas.R = 200.0;
@@ -32,7 +32,7 @@ struct ideal_specific_heat_test : support::thermodynamics_test {
         gas.P_ref = 1.0e5;
         gas.v_ref = 0.25;
     }
-    /// Reads a section afresh and initialises it.
+    /// Reads a section with the library in its first state, and initialises it.
     static void use(const std::string &records, bool vapor = true) {
         support::fresh_library();
         set_fluid(vapor);
@@ -62,7 +62,7 @@ void expect_all_zero_at(double T) {
     EXPECT_EQ(psi__T(t), 0.0);
 }
 
-/// Evaluates all there is, in search of memory that is not there.
+/// Evaluates everything, so that a sanitizer notices a read outside of the arrays.
 void evaluate_everything() {
     init_ideal_specific_heat();
     for (const double T : {-1.0, 0.0, 1.0e-300, 50.0, 150.0, 250.0, 1.0e9, infinity, std::nan("")}) {
@@ -190,7 +190,7 @@ TEST_F(ideal_specific_heat_test, null_values_keep_the_old_ones) {
     EXPECT_EQ(active.cv_oo_Tc, 900.0);
     EXPECT_EQ(active.np, 0.5);
 
-    // A count that is not given is the one before.
+    // A count that is missing keeps its value.
     for (const layout &form : layouts)
         read_well(heat_section, form.text);
     read_well(heat_section, "F\n3\n,\n,\n1 2 3\n4 5 6\n");
@@ -198,7 +198,7 @@ TEST_F(ideal_specific_heat_test, null_values_keep_the_old_ones) {
     EXPECT_EQ(active.cv_0, 500.0);
     read_well(heat_section, "F\n4\n,\n1 2 3\n4 5 6\n3*0\n\n\n\n\n\n\n");
     EXPECT_THAT(active.T_k, ElementsAre(1.0, 2.0, 3.0, largest));
-    // What belongs to intervals starts from 0 each time.
+    // The values of intervals start from 0 each time.
     read_well(heat_section, "F\n4\n,\n1 2 3\n3*\n3*\n\n\n\n\n\n\n");
     EXPECT_THAT(active.cv_0_k, ElementsAre(0.0, 0.0, 0.0));
     EXPECT_THAT(active.n_k, ElementsAre(0, 0, 0));
@@ -223,7 +223,7 @@ TEST_F(ideal_specific_heat_test, missing_values_are_sought_in_files_only) {
     EXPECT_EQ(active.np, 7.25);
 }
 
-// A list of nothing still takes its record.
+// An empty list still takes its record.
 TEST_F(ideal_specific_heat_test, counts_of_zero_or_below_make_empty_lists) {
     const struct {
         const char *name;
@@ -311,7 +311,7 @@ TEST_F(ideal_specific_heat_test, a_list_that_breaks_off_can_be_evaluated) {
         }
 }
 
-// The section before had terms for three intervals; none of them is left for the numbers read last.
+// The section before had terms for three intervals. None of them may be left for the numbers of terms read last.
 TEST_F(ideal_specific_heat_test, numbers_of_terms_without_their_terms_count_for_nothing) {
     for (const char *broken : {"F\n4\n2\n100 200\n7 8\n9 x\n", "F\n4\n2\n100 200\n7 8\n9 20000\n"}) {
         SCOPED_TRACE(broken);
@@ -617,7 +617,7 @@ TEST_F(ideal_specific_heat_test, Einstein_far_below_its_temperatures_is_the_cons
         EXPECT_DOUBLE_EQ(phi_at(T), 750.0 * T);
         EXPECT_DOUBLE_EQ(psi_at(T), 750.0 * std::log(T));
     }
-    // Where the terms fade out they fall without a step.
+    // Where the terms vanish they fall without a step.
     for (const double T : {1.45, 1.6, 2.0, 5.0, 20.0}) {
         const double x = 1000.0 / T, expected = 200.0 * x * x * (x - 2) / T * std::exp(-x);
         EXPECT_DOUBLE_EQ(cv_oo__Tdim(T), 750.0 + 200.0 * x * x * std::exp(-x));
@@ -625,7 +625,7 @@ TEST_F(ideal_specific_heat_test, Einstein_far_below_its_temperatures_is_the_cons
     }
 }
 
-// The terms are even in T, and far below zero they are no more inf/inf than far above.
+// The terms are even in T. Where Tv/T is large, of either sign, they must not become inf/inf.
 TEST_F(ideal_specific_heat_test, Einstein_at_negative_temperatures) {
     use("F\n5\n750\n2\n320 640\n");
     for (const double T : {50.0, 320.0, 2000.0}) {

@@ -58,7 +58,7 @@ TEST(kdet_test, simple_matrices) {
 }
 
 TEST(kdet_test, each_exchange_of_rows_changes_the_sign) {
-    // All 120 orders of five rows.
+    // These are all 120 orders of five rows.
     std::vector<std::size_t> order(5);
     std::iota(order.begin(), order.end(), 0U);
     do {
@@ -99,7 +99,7 @@ TEST(kdet_test, agrees_with_the_explicit_formulas) {
         }
 }
 
-// Element 1/(i + j - 1); its determinant, a quotient of factorials.
+// The elements are 1/(i + j - 1); the determinant is a quotient of factorials.
 TEST(kdet_test, a_notoriously_difficult_matrix) {
     const double exact[] = {1.0, 1.0 / 12, 1.0 / 2160, 1.0 / 6048000, 1.0 / 266716800000.0};
     double condition = 1;

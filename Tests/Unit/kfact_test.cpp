@@ -20,7 +20,7 @@ using states = factored_matrix::states;
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
 
 TEST(kfact_test, stores_L_below_the_diagonal_and_U_on_and_above_it) {
-    // Rows (1, 2) and (4, 6): exchanged, multiplier 1/4.
+    // The rows (1, 2) and (4, 6) are exchanged; the multiplier is 1/4.
     const auto A = kfact({std::vector{1.0, 4.0, 2.0, 6.0}, 2, 2});
     EXPECT_EQ(A.state, states::factored);
     EXPECT_EQ(A.order, 2U);
@@ -28,7 +28,7 @@ TEST(kfact_test, stores_L_below_the_diagonal_and_U_on_and_above_it) {
     EXPECT_THAT(A.pivots, ElementsAre(1, 1));
     EXPECT_EQ(A(1, 2), 6.0);
     EXPECT_EQ(A(2, 1), 0.25);
-    // Rows (2, 1, 1), (4, 0, 2), (8, 4, 0): each step exchanges, and takes the multipliers along.
+    // The rows are (2, 1, 1), (4, 0, 2), (8, 4, 0). Each step exchanges rows, and their multipliers with them.
     const auto B = kfact({std::vector{2.0, 4.0, 8.0, 1.0, 0.0, 4.0, 1.0, 2.0, 0.0}, 3, 3});
     EXPECT_THAT(B.factors, ElementsAre(8.0, 0.5, 0.25, 4.0, -2.0, 0.0, 0.0, 2.0, 1.0));
     EXPECT_THAT(B.pivots, ElementsAre(2, 1, 2));
@@ -64,7 +64,7 @@ TEST(kfact_test, a_NaN_is_not_singular) {
     EXPECT_EQ(kfact({std::vector{0.0, nan, 0.0, 1.0, 1.0, 1.0, 1.0, 2.0, 3.0}, 3, 3}).state, states::factored);
 }
 
-/// The rows of A exchanged as the steps did.
+/// A with its rows exchanged as in the steps of kfact.
 std::vector<double> exchanged(std::vector<double> A, const factored_matrix &factored) {
     const std::size_t n = factored.order;
     for (std::size_t k = 0; k < n; ++k)
@@ -98,7 +98,7 @@ TEST(kfact_test, the_product_of_the_factors_is_the_matrix_with_rows_exchanged) {
     std::mt19937 random(1);
     for (std::size_t n = 1; n <= 40; ++n)
         expect_factors(random_reals(random, n * n), n);
-    // Many singular ones, whose factors are as good.
+    // Many of these are singular, and their factors are as good.
     int singular = 0;
     for (int i = 0; i < 500; ++i) {
         const auto A = random_integers(random, 16, 1);

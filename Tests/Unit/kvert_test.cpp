@@ -40,7 +40,7 @@ TEST(kvert_test, simple_matrices) {
     EXPECT_THAT(inverted({4.0}, 1), ElementsAre(0.25));
     EXPECT_THAT(inverted({1.0, 4.0, 2.0, 6.0}, 2), ElementsAre(-3.0, 2.0, 1.0, -0.5));
     EXPECT_THAT(inverted({1e-300, 0.0, 0.0, 1e300}, 2), ElementsAre(1 / 1e-300, 0.0, 0.0, 1 / 1e300));
-    // A cyclic exchange of three rows: its transpose, with three exchanges to undo in their order.
+    // The inverse of a cyclic exchange of rows is its transpose. The three exchanges must be undone in their order.
     EXPECT_THAT(inverted({0.0, 1.0, 0.0, 0.0, 0.0, 1.0, 1.0, 0.0, 0.0}, 3),
                 ElementsAre(0.0, 0.0, 1.0, 1.0, 0.0, 0.0, 0.0, 1.0, 0.0));
     EXPECT_THAT(inverted({0.0, 0.0, 1.0, 1.0, 0.0, 0.0, 0.0, 1.0, 0.0}, 3),
@@ -48,13 +48,13 @@ TEST(kvert_test, simple_matrices) {
     EXPECT_TRUE(std::isnan(inverted({std::nan(""), 0.0, 0.0, 1.0}, 2)[0]));
 }
 
-/// |A X - 1| against the bound of the head, P^-1 |L| |U| |X| summed in long double.
+/// Compares |A X - 1| with the bound in the head of kvert.h; P^-1 |L| |U| |X| is summed in long double.
 void expect_inverse(const std::vector<double> &A, std::size_t n) {
     SCOPED_TRACE(n);
     const auto factored = kfact({A, n, n});
     const auto X = kvert(factored);
     ASSERT_EQ(X.size(), n * n);
-    std::vector<std::size_t> row_of(n); // the row of A that stands in a row of the factors
+    std::vector<std::size_t> row_of(n); // for each row of the factors, its row in A
     for (std::size_t i = 0; i < n; ++i)
         row_of[i] = i;
     for (std::size_t k = 0; k < n; ++k)
@@ -104,14 +104,14 @@ TEST(kvert_test, inverses_of_integers) {
                     largest = std::max(largest, std::abs(element));
                 }
             const auto X = inverted(A, n);
-            // The condition number is n^2 9 times the largest element at most.
+            // The condition number is at most n^2 9 times the largest element.
             const double order = static_cast<double>(n);
             for (std::size_t k = 0; k < n * n; ++k)
                 EXPECT_NEAR(X[k], exact[k], 3 * order * epsilon * order * order * 9 * largest * largest) << n;
         }
 }
 
-// 27720/(i + j - 1), all integers; the inverse of 1/(i + j - 1) has integer elements, which binomials give.
+// All elements 27720/(i + j - 1) are integers. The inverse of 1/(i + j - 1) has integer elements, which binomials give.
 TEST(kvert_test, a_notoriously_difficult_matrix) {
     constexpr std::size_t n = 6;
     constexpr double condition = 1.5e7;

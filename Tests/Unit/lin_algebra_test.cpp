@@ -30,7 +30,7 @@ std::string text() {
     return std::string(linalg_errmsg.trimmed());
 }
 
-/// The inverse of a matrix of any shape, given in columns; marks stay where nothing is written.
+/// The inverse of a matrix of any shape, given in columns. Marks stay where nothing is written.
 std::vector<double> inverted(const std::vector<double> &elements, std::size_t rows, std::size_t columns) {
     std::vector<double> result(elements.size(), mark);
     inverse({elements, rows, columns}, result);
@@ -57,11 +57,11 @@ TEST_F(lin_algebra_test, starts_without_a_failure) {
 
 TEST_F(lin_algebra_test, determinants) {
     EXPECT_EQ(determinant({std::vector{-3.5}, 1, 1}), -3.5);
-    // Columns (1, 3) and (2, 4).
+    // The columns are (1, 3) and (2, 4).
     EXPECT_EQ(determinant({std::vector{1.0, 3.0, 2.0, 4.0}, 2, 2}), -2.0);
     EXPECT_EQ(determinant({std::vector{2.0, -1.0, 0.5, 1.0, 4.0, -2.0, 3.0, 5.0, 7.0}, 3, 3}), 76.0 + 13.0 - 3.5);
     EXPECT_EQ(determinant({std::vector{1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0}, 3, 3}), 1.0);
-    // Two rows exchanged.
+    // Two rows are exchanged.
     EXPECT_EQ(determinant({std::vector{0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0}, 3, 3}), -1.0);
     EXPECT_EQ(determinant({std::vector{0.0, 0.0}, 0, 0}), 0.0);
 }
@@ -77,7 +77,7 @@ TEST_F(lin_algebra_test, a_determinant_of_order_3_is_expanded_along_the_first_co
 TEST_F(lin_algebra_test, inverses_of_small_matrices) {
     EXPECT_EQ(inverted({4.0}, 1), std::vector{0.25});
     EXPECT_EQ(inverted({1.0, 3.0, 2.0, 4.0}, 2), (std::vector{4.0 / -2.0, -3.0 / -2.0, -2.0 / -2.0, 1.0 / -2.0}));
-    // The inverse of a diagonal matrix, and of a cyclic exchange: its transpose.
+    // The first matrix is diagonal, the second a cyclic exchange, whose inverse is its transpose.
     EXPECT_EQ(inverted({2.0, 0.0, 0.0, 0.0, 4.0, 0.0, 0.0, 0.0, 8.0}, 3),
               (std::vector{0.5, 0.0, 0.0, 0.0, 0.25, 0.0, 0.0, 0.0, 0.125}));
     EXPECT_EQ(inverted({0.0, 1.0, 0.0, 0.0, 0.0, 1.0, 1.0, 0.0, 0.0}, 3),
@@ -85,7 +85,7 @@ TEST_F(lin_algebra_test, inverses_of_small_matrices) {
     EXPECT_EQ(text(), "No errors");
 }
 
-// An element of the adjugate is good to a few units of its terms, and so is an element of A times it.
+// An element of the adjugate is exact to a few units of its terms, and an element of A times the adjugate too.
 TEST_F(lin_algebra_test, a_matrix_times_its_inverse_is_the_unit_matrix) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> any(-2.0, 2.0);
@@ -100,7 +100,7 @@ TEST_F(lin_algebra_test, a_matrix_times_its_inverse_is_the_unit_matrix) {
                     long double sum = row == column ? -1 : 0;
                     for (std::size_t k = 0; k < n; ++k)
                         sum += static_cast<long double>(A[k * n + row]) * inverse[column * n + k];
-                    // 18 products of n factors up to 2 at most, over the determinant.
+                    // There are at most 18 products of n factors up to 2, divided by the determinant.
                     EXPECT_LE(std::abs(static_cast<double>(sum)), 18 * 8 * 4 * epsilon * (1 + 1 / std::abs(det)))
                         << n << ", det " << det;
                 }
@@ -168,7 +168,7 @@ TEST_F(lin_algebra_test, a_success_keeps_the_failure_before_it) {
     EXPECT_EQ(text(), singular);
 }
 
-// Only the first failure looks for a determinant of zero.
+// A determinant of zero is only looked for until the first failure.
 TEST_F(lin_algebra_test, after_a_failure_a_singular_matrix_is_divided_by_zero) {
     determinant({counted(6), 2, 3});
     const auto result = inverted({1.0, 2.0, 2.0, 4.0}, 2);
@@ -198,7 +198,7 @@ TEST_F(lin_algebra_test, the_result_may_be_the_matrix) {
 }
 
 TEST_F(lin_algebra_test, minors_leave_out_a_row_and_a_column) {
-    // Rows (1, 2, 10), (3, 5, 6), (7, 8, 9).
+    // The rows are (1, 2, 10), (3, 5, 6), (7, 8, 9).
     const std::vector<double> elements = {1.0, 3.0, 7.0, 2.0, 5.0, 8.0, 10.0, 6.0, 9.0};
     const matrix_view A{elements, 3, 3};
     EXPECT_EQ(minor(A, 1, 1), 5.0 * 9.0 - 6.0 * 8.0);
@@ -218,8 +218,8 @@ TEST_F(lin_algebra_test, minors_of_integers) {
             for (std::size_t row = 1; row <= n; ++row)
                 for (std::size_t column = 1; column <= n; ++column) {
                     const double exact = support::exact_determinant(support::struck_out(A, n, row, column), n - 1);
-                    // By explicit formulas integers come out exactly, by factors with their rounding: Hadamard's
-                    // bound for a determinant of order 6 at most is 22^6.
+                    // Explicit formulas are exact for integers, factors have rounding errors. Hadamard's bound for a
+                    // determinant of order 6 or less is 22^6.
                     EXPECT_NEAR(minor({A, n, n}, row, column), exact, n <= 4 ? 0.0 : 22e6 * 5.2 * 10 * epsilon)
                         << n << ": " << row << ", " << column;
                 }

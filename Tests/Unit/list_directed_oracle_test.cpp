@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Reading and writing against a Fortran runtime, on thousands of random records.
+// Compares reading and writing with a Fortran runtime, on thousands of random records.
 //
-// Left out, because the runtime differs on purpose or by accident: semicolons (a separator there), carriage
-// returns inside a record, last records without a line end (there a slash, a null value or an abbreviated
-// logical then meets the end of the file), repeat counts of nine digits and more, repeat counts that span
-// kinds (refused there), a slash at the start of a record that does not open the READ (passed over there), a
-// logical of several letters without its point before anything but one plain separator (one separator too many
-// is taken there), and NaN's sign and payload.
-// The item that fails may be overwritten there; here it keeps its value.
+// Some records are left out, because the runtime differs on purpose or by accident. They have:
+//  - semicolons, which are separators there
+//  - carriage returns inside a record
+//  - no line end after the last record; a slash, a null value or an abbreviated logical meets the end of the file there
+//  - repeat counts of nine digits and more
+//  - repeat counts that span kinds, which are refused there
+//  - a slash at the start of a record that does not open the READ, which is passed over there
+//  - a logical of several letters without its point before anything but one plain separator; one separator too many is
+//    taken there
+// The sign and the payload of a NaN are not compared. The item that fails may be overwritten there; here it keeps its
+// value.
 #include "Records/record_reader.h"
 #include "Records/record_writer.h"
 #include "Tests/Support/entry_points.h"
@@ -27,7 +31,7 @@ namespace {
 constexpr std::size_t most_values = 12;
 constexpr std::int32_t line_length = 255;
 
-/// Answers of the runtime's own program to all cases at once, one a line.
+/// The answers of the runtime's program to all cases together, one in each line.
 std::vector<std::string> ask_oracle(const support::temporary_folder &folder, const std::string &cases) {
     folder.write("cases", cases);
     std::string program = OSTREL_LIST_DIRECTED_ORACLE;
@@ -78,7 +82,7 @@ public:
         return text;
     }
 
-    /// A number as somebody might write it, or something close to one.
+    /// A number as somebody might write it, or a word that is almost a number.
     std::string real() {
         static constexpr std::string_view others[] = {"inf",
                                                       "-INF",
@@ -199,7 +203,7 @@ public:
         return std::string(!lines && one_in(4) ? any_of(across) : any_of(within));
     }
 
-    /// The records of a few READs of `count` values, some with less or more on them.
+    /// The records of a few READs of `count` values; some records have fewer or more values.
     std::string records(char pattern, std::size_t count, bool lines) {
         std::string text;
         for (std::size_t records = 1 + below(4); records > 0; --records) {
@@ -223,7 +227,7 @@ private:
     std::mt19937_64 random_;
 };
 
-/// Whether the runtime has its own way with the text.
+/// Whether the runtime treats the text in another way.
 bool treated_otherwise(char pattern, std::string_view text) {
     constexpr std::string_view separators = " \t\r\n,/";
     for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n', end + 1)) {
@@ -294,7 +298,7 @@ private:
     std::vector<records::item> items_;
 };
 
-/// Two READs of a case against the answers, which are taken from `next` on; false if they differ or are missing.
+/// Compares two READs of a case with the answers from `next` on; false if they differ or are missing.
 bool agrees(records::record_reader &reader, const reading &is, std::span<const std::string> &next, int (&outcomes)[2]) {
     bool same = true;
     for (int pass = 0; pass < 2; ++pass) {
@@ -397,7 +401,7 @@ TEST(list_directed_oracle, writes_alike) {
         switch (random.below(4)) {
         case 0:
             return value;
-        case 1: // a size that the fixed layout takes, or not quite
+        case 1: // a size in the range of the fixed layout, or just outside
             return std::isfinite(value) && value != 0.0
                        ? std::ldexp(value, static_cast<int>(random.below(70)) - 8 - std::ilogb(value))
                        : value;
@@ -449,7 +453,7 @@ TEST(list_directed_oracle, writes_alike) {
         }
         }
     }
-    // An empty record, and a list longer than any terminal is wide.
+    // There is also an empty record, and a list that is longer than the line of any terminal.
     written.emplace_back();
     list += head('W', 'r', 0) + '\n';
     written.emplace_back();

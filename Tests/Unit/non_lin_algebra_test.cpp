@@ -39,10 +39,10 @@ TEST(non_lin_algebra_test, three_real_roots_come_largest_smallest_middle) {
 TEST(non_lin_algebra_test, a_single_real_root_comes_first_then_the_positive_imaginary_part) {
     const double half_root_3 = std::sqrt(3.0) / 2;
     expect_roots(solve_eq_3(0.0, 0.0, -1.0), {1.0, {-0.5, half_root_3}, {-0.5, -half_root_3}}, 4 * epsilon);
-    // (x + 1)(x^2 + 4) and (x - 5)(x^2 - 2 x + 10)
+    // These are (x + 1)(x^2 + 4) and (x - 5)(x^2 - 2 x + 10).
     expect_roots(solve_eq_3(1.0, 4.0, 4.0), {-1.0, {0.0, 2.0}, {0.0, -2.0}}, 16 * epsilon);
     expect_roots(solve_eq_3(-7.0, 20.0, -50.0), {5.0, {1.0, 3.0}, {1.0, -3.0}}, 32 * epsilon);
-    // The cube roots keep their sign: x^3 + 8.
+    // x^3 + 8 shows that the cube roots keep their sign.
     expect_roots(solve_eq_3(0.0, 0.0, 8.0), {-2.0, {1.0, std::sqrt(3.0)}, {1.0, -std::sqrt(3.0)}}, 8 * epsilon);
     const auto roots = solve_eq_3(1.0, 4.0, 4.0);
     EXPECT_EQ(roots[0].imag(), 0.0);
@@ -55,7 +55,7 @@ TEST(non_lin_algebra_test, a_triple_root_whose_coefficients_are_exact) {
             EXPECT_EQ(found, complex(root, 0.0));
 }
 
-// (x - 1)^2 (x + 2): p = -3 and q = 2 are exact, so is D = 0.
+// For (x - 1)^2 (x + 2), p = -3, q = 2 and D = 0 are exact.
 TEST(non_lin_algebra_test, a_double_root_comes_after_the_single_one) {
     for (const auto &[c, single] : {std::pair(2.0, -2.0), {-2.0, 2.0}}) {
         const auto roots = solve_eq_3(0.0, -3.0, c);
@@ -67,7 +67,7 @@ TEST(non_lin_algebra_test, a_double_root_comes_after_the_single_one) {
     }
 }
 
-// Where D is rounded a double root splits by half the digits, to either side of it or into a pair.
+// Where D is rounded, a double root splits by half of the digits, into two real roots or into a complex pair.
 TEST(non_lin_algebra_test, a_double_root_with_rounded_coefficients_is_found_to_half_the_digits) {
     for (const double twice : {0.1, 0.3, -1.7})
         for (const double once : {0.7, -0.9, 2.3}) {
@@ -94,8 +94,8 @@ wide polished(wide x, long double a, long double b, long double c) {
     return x;
 }
 
-/// By how much the smaller of Cardano's two cube roots can be off: what is under it is the difference of q/2
-/// and r, which cancel where p is small.
+/// The error that the smaller of Cardano's two cube roots can have: its radicand is the difference of q/2 and r, which
+/// cancel where p is small.
 double cancelled(double p, double q) {
     const double large = std::cbrt(std::abs(q) / 2 + std::sqrt(p * p * p / 27 + q * q / 4));
     const double small = std::abs(p) / (3 * large);
@@ -103,8 +103,8 @@ double cancelled(double p, double q) {
     return std::min(error / (3 * small * small), std::cbrt(error));
 }
 
-// Against long double: an error in the coefficients p and q of some units of their terms moves a root x by
-// that over the slope at x.
+// Compares roots with those at long double. An error in the coefficients p and q, of some units of their terms, moves a
+// root x by that error over the slope at x.
 TEST(non_lin_algebra_test, random_cubics_against_long_double) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> any(-4.0, 4.0);
@@ -130,7 +130,7 @@ TEST(non_lin_algebra_test, random_cubics_against_long_double) {
             sum += exact;
             product *= exact;
         }
-        // All three were found, none twice.
+        // All three roots were found, and none twice.
         EXPECT_LE(std::abs(sum + static_cast<long double>(a)), 1e-12L) << a << " " << b << " " << c;
         EXPECT_LE(std::abs(product + static_cast<long double>(c)), 1e-11L) << a << " " << b << " " << c;
         if (roots[1].imag() == 0.0) {
@@ -147,7 +147,7 @@ TEST(non_lin_algebra_test, random_cubics_against_long_double) {
     EXPECT_GT(pairs, 2000);
 }
 
-// Rounding lifts the cosine of its angle above 1.
+// Rounding lifts the cosine of the angle above 1.
 TEST(solve_eq_3, a_double_root_within_rounding_has_no_NaN) {
     for (const auto &root :
          non_lin_algebra::solve_eq_3(-0.46064433838650665, -2.1388603932965173, -0.92854248822036234)) {

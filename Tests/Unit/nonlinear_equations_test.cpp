@@ -50,12 +50,12 @@ double slope_of_square(double x) {
     return 2 * x;
 }
 
-/// Never meets a tolerance below 1: the step is always as large as x0 was at least.
+/// A search that never meets a tolerance below 1: the step is always 1, and x moves away from 0 by each step.
 void never_converges() {
     newton([](double) { return 1.0; }, [](double) { return -1.0; }, 0.0, 1e-12);
 }
 
-// Asked before any test has passed one of the kept arguments.
+// These calls are made before any test has passed one of the kept arguments.
 struct first_calls {
     std::string text;
     double root;
@@ -94,7 +94,7 @@ TEST_F(newton_test, finds_a_root) {
 }
 
 TEST_F(newton_test, returns_the_number_of_iterations) {
-    // One step to the root, one that does not move.
+    // The first step reaches the root, the second one does not move.
     std::int32_t n_max = 10;
     EXPECT_EQ(newton([](double x) { return 2.0 * x - 6.0; }, [](double) { return 2.0; }, 0.0, 1e-12, &n_max), 3.0);
     EXPECT_EQ(n_max, 2);
@@ -104,12 +104,12 @@ TEST_F(newton_test, returns_the_number_of_iterations) {
 }
 
 TEST_F(newton_test, a_step_as_large_as_the_tolerance_is_too_large) {
-    // x = 1, 2, 3: the step of 1 is half of 2.
+    // x is 1, 2, 3; the step of 1 is half of 2.
     const auto minus = [](double) { return -1.0; };
     std::int32_t n_max = 10;
     EXPECT_EQ(newton(one, minus, 1.0, 0.5, &n_max), 3.0);
     EXPECT_EQ(n_max, 2);
-    // The same on the other side of 0.
+    // It is the same on the other side of 0.
     n_max = 10;
     EXPECT_EQ(newton(one, one, -1.0, 0.5, &n_max), -3.0);
     EXPECT_EQ(n_max, 2);
@@ -238,7 +238,7 @@ TEST_F(newton_test, takes_the_steps_that_are_written) {
 }
 
 TEST_F(newton_test, a_search_inside_another_does_not_disturb_it) {
-    // The inner search leaves another f_sh and cap behind.
+    // The inner search leaves another f_sh and another greatest number of iterations.
     const auto root_of = [](double y) {
         std::int32_t n_max = 40;
         return newton(square, slope_of_square, 1.0, 1e-14, &n_max, y);
@@ -304,7 +304,7 @@ TEST_F(bisection_test, finds_a_root_in_an_interval_given_either_way) {
     }
 }
 
-/// The rule as it is written, with its products; the values the tests give it do not underflow in them.
+/// The rule as it is written, with products of values; in these tests the products do not underflow.
 template <class Function>
 double as_written(Function f, double a, double b, double rel_tol) {
     const double fa = f(a), fb = f(b);
@@ -359,7 +359,7 @@ TEST_F(bisection_test, a_root_at_an_end_is_returned_first) {
     EXPECT_EQ(bisection([](double x) { return x - 7.0; }, 10.0, 20.0, 1e-9, 3.0), 10.0) << "where f is f_sh";
 }
 
-// The first middle is judged by f_sh too: at 0.5 the function itself has another sign than its distance from f_sh.
+// f_sh counts at the first middle too: at 0.5 the function and its distance from f_sh have different signs.
 TEST_F(bisection_test, f_sh_is_what_f_is_to_be) {
     const auto f = [](double x) { return x; };
     for (const double f_sh : {0.1, 0.3, 0.6, 0.9}) {
@@ -388,7 +388,7 @@ TEST_F(bisection_test, stops_where_the_ends_have_the_same_sign) {
     expect_stop([] { bisection(square, 1.0, 2.0, 1e-9); }, no_root);
     expect_stop([] { bisection(square, 2.0, -3.0, 1e-9); }, no_root);
     expect_stop([] { bisection([](double) { return -1.0; }, 1.0, 2.0, 1e-9); }, no_root);
-    expect_stop([] { bisection(square, 1.0, 2.0, 0.0); }, no_root); // the tolerance is looked at later
+    expect_stop([] { bisection(square, 1.0, 2.0, 0.0); }, no_root); // before the tolerance is checked
     expect_stop([] { bisection(square, 1.0, 1.0, 1e-9); }, no_root);
     expect_stop([] { bisection(square, 0.0, 10.0, 1e-9, -1.0); }, no_root);
     expect_stop([] { bisection(square, -infinity, infinity, 1e-9); }, no_root);
@@ -414,7 +414,7 @@ TEST_F(bisection_test, ends_where_the_ends_meet_around_0) {
     };
     EXPECT_NEAR(bisected(identity, -1.0, 2.0), 0.0, 5e-324);
     EXPECT_GT(calls, 1000);
-    // Signs only, with the jump on either side of 0.
+    // These functions have only signs, with the jump on either side of 0.
     const auto below = [](double x) { return x < 0.0 ? -1.0 : 1.0; };
     const auto above = [](double x) { return x <= 0.0 ? -1.0 : 1.0; };
     for (const auto &[a, b] : {std::pair(-1.0, 2.0), {2.0, -1.0}, {-3.0, 1.0}, {-5e-324, 5e-324}, {-5e-324, 1.0}}) {

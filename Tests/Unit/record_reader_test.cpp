@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The records a reader meets, one a row: what stands there, what is wanted, and what comes of it.
+// A table of records for the reader. Each row has the text, the wanted values, and the result.
 #include "Records/record_reader.h"
 #include "Tests/Support/entry_points.h"
 
@@ -43,8 +43,8 @@ struct failure {
 
 enum class form { file, lines, both };
 
-/// `reads` lists the READs, separated by blanks: r, i and l are a real, an integer and a logical of one READ,
-/// 0 is a READ of nothing, n a name, h a heading. The values are numbered through, v1, v2 and so on.
+/// `reads` lists the READs, separated by blanks: r, i and l are a real, an integer and a logical of one READ, 0 is a
+/// READ of nothing, n a name, h a heading. The values of a row are called v1, v2 and so on.
 struct row {
     form in;
     std::string text;
@@ -85,7 +85,7 @@ std::string times(std::size_t count, char c) {
 }
 
 const std::vector<row> table = {
-    // Where a value ends.
+    // The ends of values.
     one_real("591.75", 591.75),
     one_real("591.75 K", 591.75),
     one_real("591.75\tTc [K]", 591.75),
@@ -161,7 +161,7 @@ const std::vector<row> table = {
     refused('i', "5\0"s, "5?"),
     refused('i', "\v5", "?5"),
 
-    // The rest of a record is dropped unexamined.
+    // The rest of a record is ignored.
     one_real("92.14 [kg/kmol] molar mass, 'unterminated", 92.14),
     one_real("92.14 \0\xFF\v 3*"s, 92.14),
     one_real("92.14,junk", 92.14),
@@ -269,7 +269,7 @@ const std::vector<row> table = {
     refused('r', "T"),
     refused('r', ".true."),
 
-    // Reals out of range, and the rounding of those within.
+    // Reals out of range, and the rounding of reals within it.
     one_real("1e308", 1e308),
     one_real("1e309", inf),
     one_real("1e400", inf),
@@ -524,14 +524,14 @@ const std::vector<row> table = {
     {form::both, "1\n2", "r r r", {1, 2, keep}, failure{3, "v3 (a real)", no_record}},
     {form::file, "1\n\n", "rr", {1, keep}, failure{2, "v2 (a real)", missing}},
 
-    // A line of an array has to hold all values of its READ.
+    // A line of an array must have all values of its READ.
     {form::lines, "1\n2", "rr", {1, keep}, failure{1, "v2 (a real)", missing}},
     {form::lines, "1,\n2", "rr", {1, keep}, failure{1, "v2 (a real)", missing}},
     {form::lines, "1\n\n2", "r r", {1, keep}, failure{2, "v2 (a real)", missing}},
     {form::lines, "\n5", "r", {keep}, failure{1, "v1 (a real)", missing}},
     {form::lines, "3*\n5", "rrrr", {keep, keep, keep, keep}, failure{1, "v4 (a real)", missing}},
 
-    // A list of no items takes one record all the same.
+    // An empty list takes one record too.
     {form::both, "junk\n5", "0 r", {5}},
     {form::both, "\n5", "0 r", {5}},
     {form::both, "/\n5", "0 r", {5}},
@@ -575,7 +575,7 @@ const std::vector<row> table = {
     {form::both, "", "n", {keep}, failure{1, "name (a text)", no_record}},
     {form::both, "a", "n n", {"a", keep}, failure{2, "name (a text)", no_record}},
 
-    // Items before a failing one are stored, later ones keep what they had.
+    // Items before a failing one are stored, later ones keep their values.
     {form::both, "1 2 x 4", "rrrr", {1, 2, keep, keep}, failure{1, "v3 (a real)", "x"}},
     {form::both, "1 2.5 T 4", "iiri", {1, keep, keep, keep}, failure{1, "v2 (an integer)", "2.5"}},
     {form::both, "T F 1", "lll", {true, false, keep}, failure{1, "v3 (a logical)", "1"}},
@@ -583,7 +583,7 @@ const std::vector<row> table = {
     {form::both, "x\na\n3", "r n h r", {keep, keep, keep}, failure{1, "v1 (a real)", "x"}},
     {form::both, "x\n3", "0 i r", {3, keep}, failure{3, "v2 (a real)", no_record}},
 
-    // Kinds mixed in one READ, and a section as fluids have it.
+    // Different kinds in one READ, and a section like those of fluids.
     {form::both, "1 2.5 T 1e3", "irlr", {1, 2.5, true, 1000}},
     {form::both, ",2*3,F", "irrl", {keep, 3, 3, false}},
     {form::both,
@@ -600,7 +600,7 @@ const std::vector<row> table = {
     {form::file, times(300, '1') + "\n5", "r r", {1.1111111111111111e299, 5}},
 };
 
-/// The variables a row's READs fill, with what they hold before.
+/// The variables that the READs of a row fill, with their values before.
 struct variables {
     explicit variables(bool second_time)
         : initial_real(second_time ? -0.0 : -1.25), initial_integer(second_time ? 0 : -77),
@@ -649,7 +649,7 @@ void expect_other(const value &expected, const Stored &actual, const Value &init
     EXPECT_EQ(actual, *wanted);
 }
 
-/// Whatever a reader that has failed is asked for, it leaves everything as it is.
+/// A reader that has failed leaves everything as it is, whatever it is asked for.
 void expect_silence(record_reader &reader) {
     const std::string message(reader.message());
     const std::int64_t record = reader.record_number();
@@ -675,7 +675,7 @@ void expect_silence(record_reader &reader) {
     EXPECT_EQ(reader.record_number(), record);
 }
 
-/// The sentence that a failure is reported in.
+/// The message that reports a failure.
 std::string sentence(std::string_view source, const failure &fails, std::string_view missing_value) {
     std::string found = '"' + fails.found + '"';
     if (fails.found == missing)
@@ -691,7 +691,7 @@ std::string sentence(std::string_view source, const failure &fails, std::string_
 void check(record_reader &reader, const row &is, bool second_time, std::string_view source,
            std::string_view missing_value) {
     variables at(second_time);
-    // The READs, each as far as the reader goes.
+    // Makes the READs, each as far as the reader gets.
     std::vector<std::string> names(24);
     std::string kinds;
     bool good = true;
@@ -1025,7 +1025,7 @@ TEST(line_reader, takes_lines_of_no_length_as_blank) {
     EXPECT_EQ(index, 3);
 }
 
-/// What the reader says of a file it could not open: errno's code, and an end of file to every READ.
+/// Expects the answers of a reader that could not open its file: errno's code, and the end of the file for every READ.
 void expect_unopened(std::string_view path, int status) {
     file_reader reader(path);
     EXPECT_EQ(reader.open_status(), status) << path;
@@ -1059,7 +1059,7 @@ TEST(file_reader, needs_the_permission_to_read) {
     const std::string file = folder.write("file", "5");
     std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
     std::filesystem::permissions(file, std::filesystem::perms::none);
-    // Root may read everything, so root asks as somebody else.
+    // Root may read everything, so root becomes another user for this.
     const bool root = geteuid() == 0;
     if (root && seteuid(65534) != 0)
         GTEST_SKIP() << "root cannot be anybody else here";

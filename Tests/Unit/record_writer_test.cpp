@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Written records to the character, and the way back through the reader.
+// Written records, compared to the character, and read back by the reader.
 #include "Records/record_reader.h"
 #include "Records/record_writer.h"
 
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(record_writer, doubles,
                              {1e100, "   1.0000000000000000E+100"},
                              {1.7976931348623157e308, "   1.7976931348623157E+308"},
                              {-1.7976931348623157e308, "  -1.7976931348623157E+308"},
-                             // Next to a change of the layout.
+                             // These lie next to a change of the layout.
                              {0.099999999999999992, "   9.9999999999999992E-002"},
                              {0.99999999999999989, "  0.99999999999999989     "},
                              {9.9999999999999982, "   9.9999999999999982     "},
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(record_writer, doubles,
                          }));
 
 TEST(record_writer, rounding_decides_the_layout) {
-    // Every power of ten and its neighbours, against the C library's rounding.
+    // Every power of ten and its neighbours are compared with the C library's rounding.
     for (int exponent = -307; exponent <= 308; ++exponent) {
         const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
         for (const double value : {power, std::nextafter(power, 0.0), std::nextafter(power, inf)}) {
@@ -191,14 +191,14 @@ TEST(record_writer, written_doubles_read_back_bit_by_bit) {
     std::vector<double> values;
     while (values.size() < count) {
         const auto value = std::bit_cast<double>(random());
-        if (!std::isnan(value)) // its sign and payload are not written
+        if (!std::isnan(value)) // the sign and the payload of a NaN are not written
             values.push_back(value);
     }
     values[0] = std::numeric_limits<double>::denorm_min();
     values[1] = -0.0;
     values[2] = inf;
     values[3] = -inf;
-    // As many more of ordinary size, where the layout is the fixed one.
+    // The same number of values has an ordinary size, for the fixed layout.
     for (std::size_t i = 4; i < count; i += 2)
         values[i] = std::ldexp(values[i], static_cast<int>(random() % 64) - 6 - std::ilogb(values[i]));
 

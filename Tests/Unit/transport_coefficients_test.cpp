@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Viscosity and thermal conductivity: what an initialisation takes, derives and refuses, and every model against
-// formulas of the test's own.
+// Viscosity and thermal conductivity: the pairs of models that an initialisation accepts and refuses, the constants
+// that it derives, and a comparison of every model with independent formulas.
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
 
@@ -53,7 +53,7 @@ std::string transport_text(std::int32_t viscosity, std::int32_t conductivity) {
            records(conductivity, {"0.017\n", "", "", "0.71\n"});
 }
 
-/// From lines, which need no file.
+/// Reads a section from lines, which need no file.
 void read_lines(const support::section &what, const std::string &text) {
     support::read_well(what, text, support::source::lines);
 }
@@ -79,7 +79,7 @@ void for_each_pair(Visit visit) {
         }
 }
 
-/// Calls visit(viscosity, conductivity) for every vapor with every pair it accepts, initialised.
+/// Calls visit(viscosity, conductivity) for every vapor with every pair of models that it accepts, initialised.
 template <class Visit>
 void for_each_vapor_and_pair(Visit visit) {
     for (const fluid_case &fluid : vapors)
@@ -98,7 +98,7 @@ void for_each_vapor_and_pair(Visit visit) {
 constexpr double reduced_temperatures[] = {0.37, 0.6, 1.0, 1.7, 12.3, 12.316};
 constexpr double reduced_volumes[] = {0.21, 0.4, 1.0, 4.1, 1e3, 1e9};
 
-/// Calls visit(T, v) at states over the critical point's, in K and m3/kg.
+/// Calls visit(T, v) at states given as multiples of the critical point, in K and m3/kg.
 template <class Visit>
 void for_each_state(Visit visit) {
     for (const double Tr : reduced_temperatures)
@@ -122,14 +122,14 @@ pair_of_coefficients at(double t, double vr) {
     return result;
 }
 
-/// All of the module's state, bit by bit.
+/// The whole state of the module, bit by bit.
 using bits = std::array<std::uint64_t, sizeof(parameters) / sizeof(double)>;
 bits whole_state() {
     static_assert(sizeof(parameters) == 2 * sizeof(std::int32_t) + (8 + 13 + 4 + 10 + 7 + 2) * sizeof(double));
     return std::bit_cast<bits>(active);
 }
 
-/// All of the fluid's numbers.
+/// All numbers of the fluid.
 std::vector<double> fluid_numbers() {
     using g = gas_properties::gas_constants;
     std::vector<double> numbers = {gas.vapor ? 1.0 : 0.0};
@@ -227,7 +227,7 @@ TEST_F(transport_coefficients_test, a_vapor_hands_over_its_constants_and_critica
         EXPECT_EQ(active.omega, gas.omega);
         EXPECT_EQ(active.mur, gas.mur);
         EXPECT_EQ(active.kh, gas.kh);
-        // Nothing that could be taken for something else.
+        // The values are not zero, so that none of them can be taken for another by accident.
         for (const double value : {gas.MM, gas.R, gas.T_ref, gas.P_ref, gas.v_ref, gas.Z_ref, gas.Tc, gas.omega})
             EXPECT_NE(value, 0);
         EXPECT_NE(gas.T_ref, gas.Tc);
@@ -289,7 +289,7 @@ constexpr double table_IV[7][4] = {{2.41657, 0.74824, -0.91858, 121.721}, {-0.50
                                    {0.79274, 0.82019, -0.69369, 6.31734}, {-5.8634, 12.8005, 9.58926, -65.5292},
                                    {81.171, 114.158, -60.841, 466.775}};
 
-/// A sum of products, against which a double may be off by the rounding of each.
+/// Compares with a sum of products; the rounding of each product is allowed.
 void expect_sum(double computed, std::initializer_list<long double> terms) {
     long double sum = 0, magnitudes = 0;
     for (const long double term : terms) {
@@ -318,7 +318,7 @@ TEST_F(transport_coefficients_test, coefficients_are_linear_in_omega_the_fourth_
     }
 }
 
-/// What is close to 1 but for the rounding of T = t T_ref and v = vr v_ref.
+/// Expects 1, up to the rounding of T = t T_ref and v = vr v_ref.
 void expect_one(const pair_of_coefficients &reduced, double room = 16 * epsilon) {
     EXPECT_NEAR(reduced.viscosity, 1, room);
     EXPECT_NEAR(reduced.conductivity, 1, room);
@@ -333,7 +333,7 @@ TEST_F(transport_coefficients_test, references_are_the_values_at_the_critical_po
         EXPECT_EQ(gas.kk_ref, k);
         EXPECT_GT(mu, 0);
         EXPECT_NE(k, 0);
-        // Not the values at T_ref = Zc Tc, which they could be taken for; constants do not tell.
+        // They are not the values at T_ref = Zc Tc. A constant viscosity does not show the difference.
         if (active.viscosity_model != 1) {
             EXPECT_NE(at_dim(gas.T_ref, gas.v_ref).viscosity, mu);
         }
@@ -342,7 +342,7 @@ TEST_F(transport_coefficients_test, references_are_the_values_at_the_critical_po
 
 TEST_F(transport_coefficients_test, critical_data_count_also_where_references_are_others) {
     read_and_initialise_thermodynamics(vapors[0].section);
-    // All models make these equal.
+    // With every model these equal the critical values, so the test changes them.
     gas.P_ref *= 1.125;
     gas.v_ref *= 1.25;
     gas.Z_ref *= 1.5;
@@ -363,7 +363,7 @@ TEST_F(transport_coefficients_test, references_of_a_fluid_without_critical_data_
         for (const std::int32_t conductivity : {1, 4}) {
             SCOPED_TRACE(testing::Message() << viscosity << ", " << conductivity);
             support::fresh_fluid();
-            // Left by a vapor before it.
+            // A vapor before this fluid has left these.
             active.Tc = 647.1;
             active.vc = 0.003;
             read_and_initialise_thermodynamics(support::reference_fluid, ideal);
@@ -408,7 +408,7 @@ TEST_F(transport_coefficients_test, both_are_one_at_the_critical_point_of_every_
 }
 
 TEST_F(transport_coefficients_test, a_prandtl_number_and_a_critical_point_have_no_common_conductivity) {
-    // cp is finite there for ideal gases only; its reciprocal vanishes for the others, up to rounding.
+    // At the critical point cp is finite for ideal gases only. For the others its reciprocal vanishes, up to rounding.
     for (const support::model_case &model : support::model_cases) {
         if (&model.fluid != &support::vapor_fluid)
             continue;
@@ -420,7 +420,7 @@ TEST_F(transport_coefficients_test, a_prandtl_number_and_a_critical_point_have_n
         EXPECT_TRUE(std::isfinite(far) && far > 0) << far;
         const bool is_ideal = model.gas_type == 1 || model.gas_type == 8;
         EXPECT_EQ(std::isfinite(gas.kk_ref) && std::abs(gas.kk_ref) < 100 * far, is_ideal) << gas.kk_ref;
-        // Scaled back, a finite reference does no harm.
+        // If the reference is finite, scaling back gives the conductivity again.
         const double back = at(1.5 * gas.Tc / gas.T_ref, 10 * gas.vc / gas.v_ref).conductivity * gas.kk_ref;
         EXPECT_EQ(std::isnan(back), std::isinf(gas.kk_ref));
         if (!std::isnan(back)) {
@@ -451,7 +451,7 @@ TEST_F(transport_coefficients_test, a_second_fluid_has_the_numbers_it_has_alone)
 
 // The formulas.
 
-/// Each formula once more: other functions, another order, more digits.
+/// The same formulas written independently: with other functions, in another order, with more digits.
 namespace independent {
 
 using real = long double;
@@ -561,8 +561,8 @@ result conductivity(const parameters &p, real T, real v, real cv, real cp) {
 
 } // namespace independent
 
-/// The rounding of what the algebra forms of parameters alone, in units of support::unit_roundoff: powers and roots
-/// of constants, and the sum below G2, in which terms may cancel.
+/// The rounding of the numbers that the algebra computes from parameters alone, in units of support::unit_roundoff:
+/// powers and roots of constants, and the sum in the denominator of G2, in which terms may cancel.
 double constant_rounding(const parameters &p) {
     double room = 12;
     const auto denominator = [&](const auto &E) {
@@ -580,7 +580,7 @@ void expect_close(const tracked &computed, const independent::result &expected, 
     const double allowed = (computed.bound + room * static_cast<double>(expected.magnitude)) * support::unit_roundoff;
     EXPECT_LE(std::abs(static_cast<double>(computed.value - expected.value)), allowed)
         << computed.value << " and " << expected.value;
-    // The bound says something.
+    // The bound is narrow enough to be of use.
     EXPECT_LT(allowed, 1e-11 * static_cast<double>(expected.magnitude));
 }
 
@@ -625,7 +625,7 @@ TEST_F(transport_coefficients_test, reduced_coefficients_are_the_dimensional_one
                 EXPECT_EQ(lambda, k / gas.kk_ref);
                 continue;
             }
-            // cp at the reduced arguments as they came, or at T/T_ref and v/v_ref.
+            // cp is taken at the reduced arguments as they were given, or at T/T_ref and v/v_ref.
             const auto of_cp = [&](double cp) { return mu * gas.R * cp / 0.71; };
             EXPECT_EQ(lambda, of_cp(thermodynamics::cp__T_v(t, vr)) / gas.kk_ref);
             EXPECT_EQ(k, of_cp(thermodynamics::cp__T_v(T / gas.T_ref, v / gas.v_ref)));
@@ -654,7 +654,7 @@ TEST_F(transport_coefficients_test, single_formulas_are_those_of_the_models) {
         SCOPED_TRACE(fluid.name);
         support::fresh_fluid();
         read_and_initialise_thermodynamics(fluid.section);
-        // The numbers of all laws and, last, the coefficients of the dense gas.
+        // This reads the numbers of all laws and, last, the coefficients of the dense gas.
         for (const auto &[viscosity, conductivity] : {std::pair(5, 1), {6, 4}, {2, 2}, {3, 3}})
             read_and_initialise_transport(viscosity, conductivity);
         for_each_state([](double T, double v) {
@@ -666,7 +666,7 @@ TEST_F(transport_coefficients_test, single_formulas_are_those_of_the_models) {
             const auto dilute = of_models(2, 2), dense = of_models(3, 3), dense_term = of_models(5, 3);
             const double corresponding = of_models(4, 1).viscosity, sutherland = of_models(5, 1).viscosity;
             const double linear = of_models(6, 1).viscosity;
-            // Whatever is active.
+            // The single formulas do not depend on the active models.
             for (const std::int32_t code : {0, 1, 3}) {
                 active.viscosity_model = active.thermal_cond_model = code;
                 EXPECT_EQ(diluite_gas_viscosity(T), dilute.viscosity);
@@ -692,7 +692,7 @@ TEST_F(transport_coefficients_test, sutherlands_and_the_linear_law_meet_their_re
     EXPECT_EQ(transport_properties::sutherland_law_viscosity(273.15), 1.7e-5);
     EXPECT_EQ(transport_properties::linear_viscosity(300), 1.3e-5);
     EXPECT_DOUBLE_EQ(transport_properties::linear_viscosity(750), 2.5 * 1.3e-5);
-    // sqrt(T) at high temperature.
+    // At high temperature the law becomes sqrt(T).
     EXPECT_NEAR(transport_properties::sutherland_law_viscosity(4e12) /
                     transport_properties::sutherland_law_viscosity(1e12),
                 2, 1e-9);
@@ -709,7 +709,7 @@ TEST_F(transport_coefficients_test, corresponding_states_grow_as_the_power_of_th
     }
 }
 
-// What pairs have in common.
+// Properties that the pairs have in common.
 
 TEST_F(transport_coefficients_test, conductivity_2_takes_the_viscosity_of_the_active_model) {
     for (const fluid_case &fluid : vapors) {
@@ -752,13 +752,13 @@ TEST_F(transport_coefficients_test, conductivity_3_without_the_dense_viscosity_l
             // B7 of a strongly polar fluid is negative.
             EXPECT_EQ(k > 0, active.bb[6] > 0);
             EXPECT_LT(std::abs(k), whole);
-            // It vanishes with the square of the density, and the viscosity is not in it.
+            // The dense part vanishes with the square of the density, and does not depend on the viscosity.
             EXPECT_NEAR(at_dim(T, 1e10 * gas.vc).conductivity / at_dim(T, 1e8 * gas.vc).conductivity, 1e-4, 1e-10);
             if (first != 0) {
                 EXPECT_EQ(k, first);
             }
             first = k;
-            // Nor is the heat capacity.
+            // It does not depend on the heat capacity either.
             ideal_specific_heat::active.cv_0 *= 2;
             EXPECT_EQ(at_dim(T, gas.vc).conductivity, k);
         }
@@ -776,7 +776,7 @@ TEST_F(transport_coefficients_test, a_model_calls_for_the_heat_capacity_it_needs
 }
 
 TEST_F(transport_coefficients_test, a_monatomic_dilute_gas_conducts_as_kinetic_theory_says) {
-    // k = 15/4 R mu in W/(m K) with mu in Pa s; conductivities come out in 418.4^2/10^4 of it.
+    // k = 15/4 R mu in W/(m K) with mu in Pa s; the library's conductivities are 418.4^2/10^4 times smaller.
     read_and_initialise_thermodynamics(vapors[0].section, constant_Z, "T\n1\n1.5\n");
     read_and_initialise_transport(3, 3);
     const auto [mu, k] = at_dim(2 * gas.Tc, 1e20 * gas.vc);
@@ -799,7 +799,7 @@ TEST_F(transport_coefficients_test, the_dense_gas_becomes_the_dilute_gas_over_al
         for (const double Tr : {0.6, 1.0, 3.0}) {
             const double T = Tr * gas.Tc, mu0 = transport_properties::diluite_gas_viscosity(T);
             const double k0 = transport_properties::diluite_gas_thermal_cond(T, mu0);
-            // 1/G2 + E6 y to first order in y: G1 = 1 + 2.5 y, (1 - e^(-E4 y))/y = E4 - E4^2 y/2.
+            // The slope of 1/G2 + E6 y at y = 0, from G1 = 1 + 2.5 y and (1 - e^(-E4 y))/y = E4 - E4^2 y/2.
             const auto slope = [](const auto &E) {
                 return E[5] - (E[1] * (E[4] + 2.5) + 2.5 * E[2] - E[0] * E[3] * E[3] / 2) / (E[0] * E[3] + E[1] + E[2]);
             };
@@ -860,7 +860,7 @@ TEST_F(transport_coefficients_test, a_sixth_of_the_critical_volume_divides_by_ze
         const auto near = at_dim(gas.Tc, gas.vc / 6 * (1 + 1e-5));
         EXPECT_GT(std::abs(near.viscosity), 1e9 * gas.mu_ref);
         EXPECT_GT(std::abs(near.conductivity), 1e9 * gas.kk_ref);
-        // A volume of which y is exactly 1.
+        // At this volume y is exactly 1.
         active.vc = 6.0 / 256;
         const auto [mu, k] = at_dim(gas.Tc, 1.0 / 256);
         EXPECT_FALSE(std::isfinite(mu)) << mu;
@@ -912,7 +912,7 @@ TEST_F(transport_coefficients_test, models_that_want_critical_data_are_not_refus
         const auto [eta, lambda] = at(1.2, 2);
         EXPECT_EQ(std::isfinite(eta), viscosity != 4);
         EXPECT_EQ(std::isfinite(lambda), conductivity == 1);
-        // After a vapor they use its data.
+        // After a vapor the models use the data of that vapor.
         read_and_initialise_thermodynamics(vapors[0].section);
         read_and_initialise_transport(3, 3);
         read_and_initialise_thermodynamics(support::reference_fluid, ideal);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The section's readers and writer.
+// The readers and the writer of the section.
 #include "Tests/Support/thermodynamics.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +15,7 @@ using parameters = transport::parameters;
 
 struct transport_properties_test : support::thermodynamics_test {};
 
-/// What a model has in its record.
+/// A model, and the values in its record.
 struct model {
     std::int32_t code;
     std::vector<double parameters::*> values;

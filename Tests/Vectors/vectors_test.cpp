@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Published numbers against the library. A vector file holds, line by line,
+// Compares the library with published numbers. A vector file has these lines:
 //   # anything                                                     a remark: where the numbers come from
 //   fluid                                                          a parameter file begins
 //   | record                                                       one record of it
 //   ask pair input1 input2 output published lowest highest         a request, in SI units
-//   value name argument published lowest highest                   something inside, by the table below
-// where lowest and highest bound computed/published - 1. A band that is not about zero says how far the
+//   value name argument published lowest highest                   an inner quantity, of the table below
+// computed/published - 1 must lie between lowest and highest. If that band is not around zero, it says how far the
 // model is from the fluid.
 #include "Tests/Support/thermodynamics.h"
 
@@ -15,15 +15,15 @@ namespace {
 
 using gas_properties::gas;
 
-/// In cm3/mol at T [K] and 9.4573 bar, searched from the reduced volume `start`.
+/// The molar volume [cm3/mol] at T [K] and 9.4573 bar, searched from the reduced volume `start`.
 double molar_volume(double T, double start) {
     const double v = thermodynamics::v__P_T(945730.0 / gas.P_ref, T / gas.T_ref, start);
     EXPECT_EQ(support::shared_text(), "No errors");
     return v * gas.v_ref * gas.MM * 1e3;
 }
 
-/// Of the dense gas at T [K] and a volume [cm3/mol], from a viscosity of the dilute gas [micropoise]: the viscosity
-/// [micropoise] and the conductivity [W/(m K)].
+// Viscosity [micropoise] and conductivity [W/(m K)] of the dense gas at T [K] and a volume [cm3/mol], from the
+// viscosity [micropoise] of the dilute gas.
 double dense_viscosity(double T, double volume, double mu0) {
     return transport::dense_viscosity(transport_properties::active, T, volume * 1e-3 / gas.MM, mu0 * 1e-6) * 1e7;
 }
@@ -37,26 +37,26 @@ ideal_gas_heat::caloric<double> of_ideal_gas(double T) {
     return ideal_gas_heat::evaluate<these>(ideal_specific_heat::active, T);
 }
 
-/// What can be asked beside requests; an argument that is not needed is 0.
+/// The inner quantities that a vector file may name; an argument that is not needed is 0.
 double value_of(const std::string &name, double argument) {
     const std::map<std::string, double (*)(double)> values = {
         {"a", [](double) { return clausius_II_gas::active.a; }},
         {"b", [](double) { return clausius_II_gas::active.b; }},
         {"c", [](double) { return clausius_II_gas::active.c; }},
         {"omega", [](double) { return gas_properties::gas.omega; }},
-        // Of van der Waals, in bar L2/mol2 and L/mol.
+        // The constants of van der Waals, in bar L2/mol2 and L/mol.
         {"vdW_a",
          [](double) {
              return van_der_waals_gas::active.a * gas.P_ref * gas.v_ref * gas.v_ref * gas.MM * gas.MM * 1e-5;
          }},
         {"vdW_b", [](double) { return van_der_waals_gas::active.b * gas.v_ref * gas.MM; }},
-        // At T [K] and 9.4573 bar, in cm3/mol.
+        // Molar volumes at T [K] and 9.4573 bar, in cm3/mol.
         {"molar_gas_volume", [](double T) { return molar_volume(T, (T / gas.T_ref) / (945730.0 / gas.P_ref)); }},
         {"molar_liquid_volume", [](double T) { return molar_volume(T, 1.05 * thermodynamics::vmin); }},
         {"collision_integral", [](double T_star) { return transport::collision_integral(T_star); }},
         {"viscosity_at_48.2_from_182", [](double T) { return dense_viscosity(T, 48.2, 182); }},
         {"conductivity_at_172.1_from_134", [](double T) { return dense_conductivity(T, 172.1, 134); }},
-        // Of the ideal gas at T [K], in units of R and of R K.
+        // Functions of the ideal gas at T [K], in units of R and of R K.
         {"cv/R", [](double T) { return ideal_specific_heat::cv_oo__Tdim(T) / gas_properties::gas.R; }},
         {"phi/R", [](double T) { return of_ideal_gas<ideal_gas_heat::energy>(T).phi / gas_properties::gas.R; }},
         {"psi/R", [](double T) { return of_ideal_gas<ideal_gas_heat::entropy>(T).psi / gas_properties::gas.R; }},
