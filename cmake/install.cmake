@@ -19,6 +19,7 @@ include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
 install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES Include/ostrel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES Documentation/Entry-points.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 # Two headers are left out, since the library does not export what they declare.
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE)

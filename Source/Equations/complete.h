@@ -2,8 +2,7 @@
 // The completion of a fluid that has been read: its model, its heat capacity and its reference state.
 //
 // Computes   the model's parameters, the dimensional heat capacity, and the offsets with which e = s = 0 at the
-// critical
-//            point, or at the reference volume of a fluid without critical data
+//            critical point, or at the reference volume of a fluid without critical data
 // Given      the constants, the model's own parameters and the heat capacity as they were read
 // Returned   the same, completed, and the bounds of searches
 // Valid      stops at the first part that reports a message; what was completed before it stays completed
