@@ -3,6 +3,7 @@
 every fluid under every model, for Documentation/Catalogue.md."""
 import collections
 import csv
+import io
 import json
 import pathlib
 import statistics
@@ -11,6 +12,7 @@ import tempfile
 
 from choose_fluids import generator
 from ostrel_library import Failed, Library, child
+from slim_svg import slim
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 REFERENCE = ROOT / "Documentation/Reference"
@@ -201,7 +203,8 @@ def picture(results, keys, unit, file):
     """Deviation over reduced temperature, with one small panel for each model and one line for each fluid."""
     import matplotlib
     matplotlib.use("svg")
-    matplotlib.rcParams.update({"svg.hashsalt": "ostrel", "svg.fonttype": "none", "font.size": 7})
+    matplotlib.rcParams.update({"svg.fonttype": "none", "font.size": 7,
+                                "font.sans-serif": ["DejaVu Sans", "Verdana", "Arial"]})
     from matplotlib import pyplot
     curves = {(fluid, model): curve([point for key in keys for point in results[key][fluid, model]])
               for fluid in FLUIDS.values() for model in MODELS}
@@ -230,7 +233,9 @@ def picture(results, keys, unit, file):
     figure.legend(labels.values(), labels.keys(), loc="lower center", ncol=12, frameon=False, handlelength=1,
                   columnspacing=0.8)
     figure.tight_layout(rect=(0, 0.3 / height, 1, 1))
-    figure.savefig(file, metadata={"Date": None})
+    written = io.StringIO()
+    figure.savefig(written)
+    file.write_text(slim(written.getvalue()), encoding="utf-8")
     pyplot.close(figure)
 
 

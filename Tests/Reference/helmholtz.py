@@ -241,8 +241,8 @@ def close(x, y, digits=40):
     return abs(x - y) <= mpf(10) ** -digits * (abs(x) + abs(y)) + mpf(10) ** -55
 
 
-def state(model, form, parameters, heat, gas, T, v):
-    """(operation, [(value, scale), ...]) of all operations at one state."""
+def state(model, form, parameters, heat, gas, T, v, groups):
+    """The operations of these groups at one state: (operation, [(value, scale), ...])."""
     T_double, v_double = T, v
     T, v = mpf(T), mpf(v)
 
@@ -277,16 +277,21 @@ def state(model, form, parameters, heat, gas, T, v):
     def entries(*names):
         return [without_noise(y[name], scale[name]) for name in names]
 
-    result = [("P__T_v", entries("P")), ("e__T_v", entries("e")), ("s__T_v", entries("s")), ("cv__T_v", entries("e_T")),
-              ("dP__dT_dv", entries("P_T", "P_v")), ("de__dT_dv", entries("e_T", "e_v")),
-              ("dcv__dT_dv", entries("e_TT", "e_Tv")), ("d2P__dT2_dv2", entries("P_TT", "P_Tv", "P_Tv", "P_vv")),
-              ("d2e__dT2_dv2", entries("e_TT", "e_Tv", "e_Tv", "e_vv"))]
-
-    ideal_scale = dict(zip(PRIMITIVES, scales(parts[1][0], parts[1][1])))
-    R = mpf(gas["R"])
-    for operation, name, factor in (("phi__T", "e", 1), ("phip__T", "e_T", 1), ("phipp__T", "e_TT", 1),
-                                    ("psi__T", "s", 1), ("cv_oo__Tdim", "e_T", R)):
-        result.append((operation, [without_noise(ideal_y[name] * factor, ideal_scale[name] * factor)]))
+    result = []
+    if "model" in groups:
+        result += [("P__T_v", entries("P")), ("e__T_v", entries("e")), ("s__T_v", entries("s")),
+                   ("cv__T_v", entries("e_T")), ("dP__dT_dv", entries("P_T", "P_v")),
+                   ("de__dT_dv", entries("e_T", "e_v")), ("dcv__dT_dv", entries("e_TT", "e_Tv")),
+                   ("d2P__dT2_dv2", entries("P_TT", "P_Tv", "P_Tv", "P_vv")),
+                   ("d2e__dT2_dv2", entries("e_TT", "e_Tv", "e_Tv", "e_vv"))]
+    if "ideal gas" in groups:
+        ideal_scale = dict(zip(PRIMITIVES, scales(parts[1][0], parts[1][1])))
+        R = mpf(gas["R"])
+        for operation, name, factor in (("phi__T", "e", 1), ("phip__T", "e_T", 1), ("phipp__T", "e_TT", 1),
+                                        ("psi__T", "s", 1), ("cv_oo__Tdim", "e_T", R)):
+            result.append((operation, [without_noise(ideal_y[name] * factor, ideal_scale[name] * factor)]))
+    if "derived" not in groups:
+        return result
 
     # A property that is computed from the primitives carries the errors of all of them, each independent of the others.
     values = {"T": T, "v": v, "s_T": mpf(1), "s_v": mpf(1), **y}

@@ -5,6 +5,20 @@ takes some minutes.
 
 Nothing here is computed with the library or read from its sources. The equations of state, the heat capacities and the
 correlations stand in helmholtz.py, martin_hou.py and transport.py as they are published.
+
+What the set proves: a mistake in any model, any form of the heat capacity, what joins the two, what follows from them,
+the initialisation or transport shows in some number. A model does not know the form and a form does not know the model,
+so that not every pair of them is needed, and what does not depend on one of them is recorded once:
+
+  P, e, s, cv, derivatives   every model with two fluids, each with another form, at ten places: all forms with both sets
+                             of coefficients are among the sixteen pairs
+  the ideal gas alone        every form with both sets of coefficients, at ten temperatures
+  what follows (h, c, ...)   every model with one of its fluids, at the ten places; all forms are among them
+  initialisation             thirteen fluids (all forms, coefficients with and without dimension), each under two models,
+                             every model with three fluids or more; what no model changes under the first one only
+  saturation                 every model that has it, with one form for each fluid
+  transport                  twelve fluids with all models of it; a law of the temperature alone with the fluids that use
+                             it and those of constant viscosity; what is reduced or constant at three places of nine
 """
 import csv
 import itertools
@@ -176,16 +190,21 @@ def load(model, form, fluid):
     heat = heat_capacity(form, fluid, R, float(gas["T_ref"] * T_c))
     gas = {**gas, "Z_ref": 1 / T_c, "Zc": 1 / T_c, "e_0": 0.0, "s_0": 0.0}
     # Energy and entropy are zero at the reference point.
-    at = {op: x[0][0] for op, x in helmholtz.state(model, form, parameters, heat, gas, 1 / gas["Z_ref"], 1.0)
-          if op in ("e__T_v", "s__T_v")}
-    gas["e_0"], gas["s_0"] = float(-at["e__T_v"]), float(-at["s__T_v"])
+    at = dict(helmholtz.state(model, form, parameters, heat, gas, 1 / gas["Z_ref"], 1.0, {"model"}))
+    gas["e_0"], gas["s_0"] = (float(-at[operation][0][0]) for operation in ("e__T_v", "s__T_v"))
     return chance, parameters, heat, gas, T_c, v_c
 
 
-def state_lines(index, form):
+def state_lines(index):
     model = helmholtz.MODELS[index]
     lines = []
     for fluid in range(2):
+        form = (index + 2 * fluid) % 5 + 1
+        groups = {"model"}
+        if index < len(helmholtz.HEATS):  # later ones come upon the same forms with the same coefficients
+            groups.add("ideal gas")
+        if fluid == index % 2:
+            groups.add("derived")
         chance, parameters, heat, gas, T_c, v_c = load(model, form, fluid)
         lines.append(f"model {model.gas_type} {model.suffix}")
         lines += settings(model.suffix, parameters, heat, gas, form)
@@ -193,7 +212,7 @@ def state_lines(index, form):
         for at in PLACES:
             T, v = place(chance, at, b, T_c, v_c, fluid)
             lines.append(f"at {T!r} {v!r}")
-            for operation, pairs in helmholtz.state(model, form, parameters, heat, gas, T, v):
+            for operation, pairs in helmholtz.state(model, form, parameters, heat, gas, T, v, groups):
                 lines.append(f"{operation} {judged(pairs)}")
     return lines
 
@@ -203,6 +222,8 @@ def state_lines(index, form):
 # Viscosity model, conductivity model, whether there are critical data, heat capacity.
 TRANSPORT = ((1, 1, True, 1), (2, 2, True, 5), (3, 3, True, 5), (3, 3, True, 3), (4, 1, True, 4), (5, 2, True, 2),
              (6, 3, True, 1), (1, 3, True, 5), (4, 2, True, 3), (5, 4, False, 5), (6, 4, False, 3), (1, 4, False, 1))
+# The laws of viscosity by the code that chooses them.
+LAWS = {"corresp_state_viscosity": 4, "sutherland_law_viscosity": 5, "linear_viscosity": 6}
 POLAR = ((0.22394, 0.0, 0.0), (0.34429, 1.28006, 0.075908), (0.644, 0.75358, 0.174823), (-0.219, 0.3, 0.0))
 # (T/Tc or, without critical data, T/T_ref; v/v_ref).
 TRANSPORT_PLACES = ((0.71, 900.0), (1.02, 3.1e6), (1.7, 40.0), (6.3, 7.7), (1.31, 1.9), (1.1, 1.06), (1.06, 0.83),
@@ -241,7 +262,10 @@ def transport_lines():
             reference[name] = pairs[0]
             lines.append(f"transport.{name} {judged(pairs)}")
             at += count
-        for t, w in TRANSPORT_PLACES:
+        for number_of_place, (t, w) in enumerate(TRANSPORT_PLACES):
+            one_of_three = number_of_place % 3 == 0
+            if (viscosity, conductivity) == (1, 1) and not one_of_three:
+                continue
             t *= T_c if vapor else 1.0
             if form == 4 and t * gas["T_ref"] > 1e4:
                 continue
@@ -253,13 +277,15 @@ def transport_lines():
             at = 0
             for name, results in found.items():
                 pairs = list(zip(base, scale))[at:at + len(results)]
+                at += len(results)
+                if viscosity not in (1, LAWS.get(name, viscosity)):
+                    continue
                 lines.append(f"{name} {judged(pairs)}")
-                if name == "transport_coefficients_dim":
+                if name == "transport_coefficients_dim" and one_of_three:
                     reduced = []
                     for (x, x_scale), (ref, ref_scale) in zip(pairs, (reference["mu_ref"], reference["kk_ref"])):
                         reduced.append((x / ref, abs(x / ref) * (1 + x_scale / abs(x) + ref_scale / abs(ref))))
                     lines.append(f"transport_coefficients {judged(reduced)}")
-                at += len(results)
     return lines
 
 
@@ -272,6 +298,7 @@ def flat(named):
 FLUIDS = ("nitrogen", "co2", "water", "methane", "propane", "r134a", "toluene", "ammonia", "argon", "benzene", "mdm",
           "ethanol", "hydrogen")
 INPUTS = ("MM", "Tc", "Pc_atm", "Zc", "Tb")
+OF_THE_FLUID = ("gas.R", "gas.omega", "gas.Pc", "gas.P_ref")  # whatever the model
 
 
 def rounded_text(x):
@@ -420,13 +447,15 @@ def table(name, key):
 
 
 def initialisation_lines(n):
-    """The lines of one fluid under every model."""
+    """Of one fluid under every fourth model."""
     name = FLUIDS[n]
     row, Pc_atm = table("fluids.csv", "short")[name], table("choices.csv", "fluid")[name]["Pc_atm"]
     heat = heat_of(row, n)
     Z_const = 0.91
     lines = []
-    for model in helmholtz.MODELS:
+    for index in range(n % 4, len(helmholtz.MODELS), 4):
+        model = helmholtz.MODELS[index]
+        known = OF_THE_FLUID if index >= 4 else ()
         lines.append("fluid")
         lines += [f"| {record}" for record in records(row, Pc_atm, model.gas_type, Z_const, heat)]
         lines.append("load")
@@ -440,11 +469,13 @@ def initialisation_lines(n):
         base, slopes = sensitivities(found, where)
         pairs = zip(base, scales(base, slopes))
         if model.suffix not in ("RKG", "SRKG"):
-            lines += [f"{key} {judged([pair])}" for key, pair in zip(names, pairs)]
+            lines += [f"{key} {judged([pair])}" for key, pair in zip(names, pairs) if key not in known]
             continue
         # Differences give the coefficients of x, x^2 and x^3.
         at = {i: found(Inputs({**where, "x": i * SHIFT})) for i in (-2, -1, 1, 2)}
         for k, (key, pair) in enumerate(zip(names, pairs)):
+            if key in known:
+                continue
             f = {i: results[k] for i, results in at.items()}
             along = ((8 * (f[1] - f[-1]) - (f[2] - f[-2])) / (12 * SHIFT),
                      (f[1] - 2 * base[k] + f[-1]) / (2 * SHIFT ** 2),
@@ -542,16 +573,15 @@ SCALE = ("Beside each number stands its scale: its magnitude, plus the changes t
 DERIVED = ("A number that is computed from P, e, s and their derivatives has other changes in its scale: for each of"
            " these, the number's partial derivative by it times its own scale.")
 FILES = {
-    **{f"states_{form}.txt":
-        f"The eight models under the heat capacity of form {form} at 160 states. Everything follows from the "
-        "Helmholtz energy by differentiation. " +
+    "states.txt":
+        "The eight models, each with two fluids under heat capacities of two forms, at 160 states: everything by "
+        "differentiation of the Helmholtz energy. " +
         SCALE +
         " " +
-        DERIVED
-       for form in helmholtz.HEATS},
+        DERIVED,
     "initialisation.txt":
-        "Everything that loading derives from the records of 13 fluids of the catalogue under the eight models, and "
-        "of fluids without critical data under the ideal-gas models. " +
+        "What loading makes of the records of 13 fluids of the catalogue, each under two of the eight models, and of "
+        "fluids without critical data under the ideal ones. " +
         SCALE +
         " Redlich-Kwong and Soave-Redlich-Kwong search for the critical volume, which is a triple root. By rule the "
         "search ends where the residual is zero in doubles, within some 1e-5 of the root. A line 'along' gives a "
@@ -572,10 +602,9 @@ COMMAND = "# Made by scripts/make_reference_vectors.\n"
 
 
 def jobs():
-    """(file, function, arguments) in the order of the files."""
-    for form in helmholtz.HEATS:
-        for model in range(len(helmholtz.MODELS)):
-            yield f"states_{form}.txt", state_lines, (model, form)
+    """(file, function, arguments) in the files' order."""
+    for model in range(len(helmholtz.MODELS)):
+        yield "states.txt", state_lines, (model,)
     for n in range(len(FLUIDS)):
         yield "initialisation.txt", initialisation_lines, (n,)
     yield "initialisation.txt", reference_fluid_lines, ()

@@ -1,0 +1,85 @@
+# SPDX-License-Identifier: MIT
+"""Makes a picture that Matplotlib wrote small: coordinates to a tenth of a point, each style once as a class, and no
+groups, names or metadata that nothing refers to."""
+import itertools
+import re
+from xml.etree import ElementTree
+
+SVG = "http://www.w3.org/2000/svg"
+HREF = "{http://www.w3.org/1999/xlink}href"
+NUMBER = re.compile(r"-?\d+\.\d+")
+
+
+def rounded(text):
+    return NUMBER.sub(lambda number: f"{float(number[0]):.1f}".removesuffix(".0"), text)
+
+
+def path(text):
+    """What follows a point without a letter is a line to it."""
+    return re.sub(r" ?([A-Za-z]) ?", r"\1", re.sub(r"\s+L?\s*", " ", rounded(text)).strip())
+
+
+def style_of(element):
+    return dict(re.findall(r"([\w-]+): *([^;]+)", element.attrib.pop("style", "")))
+
+
+def drawn(element, definitions):
+    """What draws something, in its order; what is referred to is collected apart."""
+    for child in element:
+        name = child.tag.removeprefix(f"{{{SVG}}}")
+        if name == "defs":
+            definitions += [entry for entry in child if not entry.tag.endswith("style")]
+        elif name == "g" and not child.attrib.keys() - {"id"}:
+            yield from drawn(child, definitions)
+        elif name != "metadata":
+            yield child
+
+
+def slim(text):
+    old = ElementTree.fromstring(text)
+    definitions = []
+    elements = list(drawn(old, definitions))
+    names = {entry.attrib.pop("id"): f"d{number}" for number, entry in enumerate(definitions)}
+    referred = dict(zip(names, map(style_of, definitions)))
+    classes = {}
+
+    def tidy(element, style):
+        element.attrib.pop("id", None)
+        for key, value in element.items():
+            element.set(key, path(value) if key == "d" else rounded(value))
+        if element.get("transform", "").startswith("rotate(-0 "):
+            del element.attrib["transform"]
+        if HREF in element.attrib:
+            name = element.attrib.pop(HREF)[1:]
+            element.set("href", f"#{names[name]}")
+            style = dict(style.items() - referred[name].items())
+        if style:
+            text = ";".join(f"{key}:{value}" for key, value in sorted(style.items()))
+            element.set("class", classes.setdefault(text, f"c{len(classes)}"))
+
+    for name, entry in zip(names, definitions):
+        tidy(entry, referred[name])
+        entry.set("id", names[name])
+        for child in entry:
+            tidy(child, style_of(child))
+    for element in elements:
+        for part in element.iter():
+            tidy(part, style_of(part))
+
+    new = ElementTree.Element(old.tag, {key: old.get(key) for key in ("width", "height", "viewBox")})
+    style = ElementTree.SubElement(new, f"{{{SVG}}}style")
+    style.text = "".join(entry.text for entry in old.iter(style.tag))
+    style.text += "".join(f"\n.{name}{{{text}}}" for text, name in classes.items())
+    ElementTree.SubElement(new, f"{{{SVG}}}defs").extend(definitions)
+    for clip, group in itertools.groupby(elements, lambda element: element.attrib.pop("clip-path", "")):
+        place = new
+        if clip:
+            name = clip.removeprefix("url(#").removesuffix(")")
+            place = ElementTree.SubElement(new, f"{{{SVG}}}g", {"clip-path": f"url(#{names[name]})"})
+        place.extend(group)
+    for element in new.iter():
+        element.tail = "\n"
+        if len(element):
+            element.text = "\n"
+    ElementTree.register_namespace("", SVG)
+    return ElementTree.tostring(new, encoding="unicode").replace(" />", "/>")
