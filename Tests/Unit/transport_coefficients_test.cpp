@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Viscosity and thermal conductivity: what an initialisation takes, derives and refuses, and every model against
 // formulas of the test's own.
-#include "Tests/Support/rounding.h"
-#include "Tests/Support/thermodynamics.h"
+#include "Tests/Support/critical_models.h"
 
 #include <bit>
 #include <cstring>
@@ -129,18 +128,6 @@ bits whole_state() {
     return std::bit_cast<bits>(active);
 }
 
-/// All of the fluid's numbers.
-std::vector<double> fluid_numbers() {
-    using g = gas_properties::gas_constants;
-    std::vector<double> numbers = {gas.vapor ? 1.0 : 0.0};
-    for (const auto value :
-         {&g::R,     &g::MM,     &g::e_0,    &g::s_0,   &g::cv_ref,  &g::P_ref,   &g::T_ref, &g::v_ref,
-          &g::Z_ref, &g::mu_ref, &g::kk_ref, &g::c_ref, &g::cv0_ref, &g::cp0_ref, &g::Pc,    &g::Tc,
-          &g::vc,    &g::Zc,     &g::Tb,     &g::omega, &g::mur,     &g::kh})
-        numbers.push_back(gas.*value);
-    return numbers;
-}
-
 // Initialisation.
 
 TEST_F(transport_coefficients_test, the_state_starts_at_zero) {
@@ -170,7 +157,7 @@ TEST_F(transport_coefficients_test, pairs_that_do_not_go_together_are_refused_an
                                                    vapor ? constant_Z : ideal);
                 read_lines(support::transport_section, transport_text(viscosity, conductivity));
                 const bits before = whole_state();
-                const std::vector<double> fluid_before = fluid_numbers();
+                const auto fluid_before = gas;
                 transport_properties::init_transport_properties();
                 const bool dense = viscosity == 3, dilute = viscosity == 2;
                 const std::string expected = (dense || dilute) && conductivity != viscosity ? mismatch
@@ -186,7 +173,7 @@ TEST_F(transport_coefficients_test, pairs_that_do_not_go_together_are_refused_an
                 }
                 ++refused;
                 EXPECT_EQ(whole_state(), before);
-                EXPECT_EQ(fluid_numbers(), fluid_before);
+                support::expect_record(fluid_before);
             }
     EXPECT_EQ(refused, 2 * 2 * 6 + 2);
     EXPECT_EQ(taken, 2 * 7 * 7 + 2);
