@@ -2,6 +2,7 @@
 // Hosts short of descriptors or memory, without standard streams, full of signals, that move about and change their
 // environment: a message instead of a crash, nothing left open, and the same answers once things are well again.
 #include "Tests/Hosts/hosts_support.h"
+#include "Tests/Support/allocations.h"
 #include "Tests/Support/child_process.h"
 
 #include <cerrno>
@@ -15,54 +16,13 @@
 
 namespace {
 
-/// Allocations of the process; the one with this number fails, and all behind it.
-long allocations = 0;
-constexpr long unlimited = std::numeric_limits<long>::max();
-long first_failure = unlimited;
-/// Those that have not been given back.
-long live = 0;
-
-void *allocate(std::size_t size) {
-    if (allocations++ < first_failure)
-        if (void *const place = std::malloc(size)) {
-            ++live;
-            return place;
-        }
-    throw std::bad_alloc();
-}
-
-void release(void *place) {
-    live -= place != nullptr ? 1 : 0;
-    std::free(place);
-}
-
-} // namespace
-
-// The library's allocations come here too: a program's own operators take precedence.
-void *operator new(std::size_t size) {
-    return allocate(size);
-}
-void *operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void *place) noexcept {
-    release(place);
-}
-void operator delete[](void *place) noexcept {
-    release(place);
-}
-void operator delete(void *place, std::size_t) noexcept {
-    release(place);
-}
-void operator delete[](void *place, std::size_t) noexcept {
-    release(place);
-}
-
-namespace {
-
+using support::allocations;
 using support::ask;
 using support::failed_open;
+using support::first_failure;
+using support::live;
 using support::open_descriptors;
+using support::unlimited;
 
 struct process : support::frame_test {};
 

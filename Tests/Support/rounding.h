@@ -2,6 +2,7 @@
 // Judging rounding errors: a number that carries the bound of its own error, and the complex step.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <gtest/gtest.h>
@@ -73,10 +74,10 @@ inline void expect_same(const tracked &a, const tracked &b) {
 
 /// df/dx by the complex step: exact but for the rounding of f's own steps, for there is no difference of f
 /// to cancel.
+inline constexpr double step_length = 1e-40; // in the imaginary part
 template <class Function>
 double complex_step(Function f, double x) {
-    constexpr double step = 1e-40;
-    return f(std::complex<double>(x, step)).imag() / step;
+    return f(std::complex<double>(x, step_length)).imag() / step_length;
 }
 
 /// A value and its derivative, computed with the rules of calculus: what the real and the imaginary part of a
@@ -115,11 +116,22 @@ struct dual {
 };
 
 /// The complex step of f at x with its bound: a complex operation is given three times the error of the rule
-/// of calculus it stands for. Where nothing cancels it is some 1e-15 of the value.
+/// of calculus it stands for. Where nothing cancels it is some 1e-15 of the value. f gives a number, or an array of
+/// them that are stepped together.
+inline tracked stepped(const std::complex<double> &step, const dual &ruled) {
+    return {step.imag() / step_length, 3 * ruled.slope.bound};
+}
+template <std::size_t count>
+std::array<tracked, count> stepped(const std::array<std::complex<double>, count> &steps,
+                                   const std::array<dual, count> &ruled) {
+    std::array<tracked, count> result;
+    for (std::size_t i = 0; i < count; ++i)
+        result[i] = stepped(steps[i], ruled[i]);
+    return result;
+}
 template <class Function>
-tracked stepped(Function f, double x) {
-    const dual ruled = f(dual(x, 1.0));
-    return {complex_step(f, x), 3 * ruled.slope.bound};
+auto stepped(Function f, double x) -> decltype(stepped(f(std::complex<double>()), f(dual()))) {
+    return stepped(f(std::complex<double>(x, step_length)), f(dual(x, 1.0)));
 }
 
 /// Checks a derivative against the complex step of f at x.

@@ -108,6 +108,19 @@ inline reading read(const section &what, source from, const std::string &text, s
     return {std::string(reader.message()), index};
 }
 
+/// The message of such a reading about what stands in a record.
+inline std::string unread(source from, const std::string &record) {
+    return "Ostrel error: " + std::string(from == source::file ? "file fluid.osd" : "fluid") + ", " + record;
+}
+
+/// The text as far as its first records go.
+inline std::string first_records(const std::string &text, std::int64_t count) {
+    std::size_t end = 0;
+    for (std::int64_t i = 0; i < count; ++i)
+        end = text.find('\n', end) + 1;
+    return text.substr(0, end);
+}
+
 /// For sections that are to be read without complaint.
 inline void read_well(const section &what, const std::string &text, source from = source::file) {
     EXPECT_EQ(read(what, from, text).message, "") << text;

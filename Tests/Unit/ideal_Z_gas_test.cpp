@@ -20,9 +20,8 @@ TEST_F(ideal_Z_gas_test, one_record_holds_Z) {
         EXPECT_EQ(last, 2);
         EXPECT_EQ(active.Z_const, 0.7);
         EXPECT_EQ(read(parameter_section, from, "0.8\n", 1).message,
-                  std::string("Ostrel error: ") + (from == support::source::file ? "file fluid.osd" : "fluid") +
-                      (from == support::source::file ? ", record 2" : ", record 1") +
-                      ": expected Z_const (a real), found the end of the file.");
+                  support::unread(from, std::string(from == support::source::file ? "record 2" : "record 1") +
+                                            ": expected Z_const (a real), found the end of the file."));
         EXPECT_EQ(active.Z_const, 0.7);
     }
 }
