@@ -3,6 +3,7 @@
 // working directory or their environment. They must get a message and no crash, find nothing left open, and get the
 // same answers again once the trouble is over.
 #include "Tests/Hosts/hosts_support.h"
+#include "Tests/Support/allocations.h"
 #include "Tests/Support/child_process.h"
 
 #include <cerrno>
@@ -16,54 +17,13 @@
 
 namespace {
 
-/// The number of allocations of the process. Allocation `first_failure` fails, and all later ones.
-long allocations = 0;
-constexpr long unlimited = std::numeric_limits<long>::max();
-long first_failure = unlimited;
-/// The number of allocations that have not been given back.
-long live = 0;
-
-void *allocate(std::size_t size) {
-    if (allocations++ < first_failure)
-        if (void *const place = std::malloc(size)) {
-            ++live;
-            return place;
-        }
-    throw std::bad_alloc();
-}
-
-void release(void *place) {
-    live -= place != nullptr ? 1 : 0;
-    std::free(place);
-}
-
-} // namespace
-
-// The library's allocations come here too, since a program's own operators take precedence.
-void *operator new(std::size_t size) {
-    return allocate(size);
-}
-void *operator new[](std::size_t size) {
-    return allocate(size);
-}
-void operator delete(void *place) noexcept {
-    release(place);
-}
-void operator delete[](void *place) noexcept {
-    release(place);
-}
-void operator delete(void *place, std::size_t) noexcept {
-    release(place);
-}
-void operator delete[](void *place, std::size_t) noexcept {
-    release(place);
-}
-
-namespace {
-
+using support::allocations;
 using support::ask;
 using support::failed_open;
+using support::first_failure;
+using support::live;
 using support::open_descriptors;
+using support::unlimited;
 
 struct process : support::frame_test {};
 

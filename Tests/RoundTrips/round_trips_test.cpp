@@ -25,18 +25,12 @@ struct state {
     double v;
 };
 
-double covolume() {
-    double b = 0;
-    support::with_active_model([&](const auto &model) { b = model.covolume(); });
-    return b;
-}
-
 /// A grid of temperatures, as multiples of that of the reference point, and of volumes above the co-volume. States that
 /// a fluid cannot have (stretched, or inside the spinodal) are left out.
 std::vector<state> grid() {
     std::vector<state> result;
     const auto add = [&](region where, double T_r, double w) {
-        const double b = covolume(), T = T_r / gas.Z_ref, v = b + w * (1 - b);
+        const double b = support::active_covolume(), T = T_r / gas.Z_ref, v = b + w * (1 - b);
         std::array<double, 2> dP{};
         dP__dT_dv(T, v, dP);
         if (P__T_v(T, v) > 1e-4 && dP[1] < 0 && cv__T_v(T, v) > 0)

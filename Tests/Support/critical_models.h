@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tests of the models with critical data share this file: a record with chosen constants, the record before and
-// after an initialisation, the message about a fluid without critical data, and the operations written out with q, f.
+// The tests of the models share this file: a record with chosen critical data, every number of a record before and
+// after an initialisation, and the operations written out with q and f.
 #pragma once
 
 #include "Tests/Support/rounding.h"
@@ -35,7 +35,7 @@ inline void use_record(const critical_data &fluid) {
 /// Checks every number of the active record.
 inline void expect_record(const gas_properties::gas_constants &expected) {
     using gas_properties::gas_constants;
-    const struct {
+    static constexpr struct {
         const char *name;
         double gas_constants::*field;
     } fields[] = {{"R", &gas_constants::R},
@@ -71,19 +71,6 @@ inline void expect_critical_reference(gas_properties::gas_constants before, doub
     before.Zc = before.Z_ref = Zc;
     before.T_ref = before.Tc * Zc;
     before.c_ref = std::sqrt(before.Pc * v);
-    expect_record(before);
-}
-
-/// Initialises a model on a fluid without critical data, and expects the message.
-inline void expect_not_a_vapor(void (*init)(), const std::string &sentence, const std::string &location) {
-    read_well(gas_section, reference_fluid);
-    gas_properties::gas.Tc = 300.0;
-    gas_properties::gas.Pc = 5.0e6;
-    const auto before = gas_properties::gas;
-    init();
-    std::string text = "The gas nitrogen                         is not a vapor: " + sentence + location;
-    text.resize(256, ' ');
-    EXPECT_EQ(ideal_specific_heat::errmsg.padded(), text);
     expect_record(before);
 }
 
@@ -152,53 +139,6 @@ void expect_factors(const std::array<std::array<double, 4>, terms> &computed, co
             SCOPED_TRACE(testing::Message() << "term " << i + 1 << ", derivative " << k);
             expect_same({computed[i][k], formula[i][k].bound}, formula[i][k]);
         }
-}
-
-/// f with f' = -1/(v (v + b)), and f with f' = -1/(v^2 + 2 b v - b^2).
-inline tracked_factors<1> redlich_kwong_f(double b_, double v_) {
-    const tracked b = b_, v = v_;
-    const tracked D = (v + b) * v;
-    return {{{log((v + b) / v) / b, tracked(-1) / D, (tracked(2) * v + b) / (D * D),
-              tracked(-2) * (tracked(3) * (v * v + v * b) + b * b) / (D * D * D)}}};
-}
-inline tracked_factors<1> peng_robinson_f(double b_, double v_) {
-    const tracked b = b_, v = v_;
-    const tracked D = (tracked(2) * v - b) * b + v * v;
-    const tracked ratio = (v + tracked(2.414213562373095) * b) / (v + tracked(-0.41421356237309515) * b);
-    return {
-        {{log(ratio) / (tracked(2) * tracked(1.4142135623730951) * b), tracked(-1) / D, tracked(2) * (v + b) / (D * D),
-          tracked(-2) * ((tracked(5) * b + tracked(6) * v) * b + tracked(3) * v * v) / (D * D * D)}}};
-}
-/// Soave's q.
-inline tracked_factors<1> soave_q(double c_a_, double fw_, double Zc_, double T_) {
-    const tracked c_a = c_a_, fw = fw_, Zc = Zc_, T = T_;
-    const tracked alpha = tracked(1) + fw * (tracked(1) - sqrt(Zc * T));
-    const tracked g = Zc * fw + alpha * sqrt(Zc / T);
-    return {{{c_a * alpha * alpha, -(fw * c_a * sqrt(Zc / T) * alpha), fw * c_a / (tracked(2) * T) * g,
-              -(tracked(3) * c_a * fw / (tracked(4) * T * T) * g)}}};
-}
-
-/// Newton's method for the critical volume with at most `most` evaluations. Gives the volume, and whether the residual
-/// came below the tolerance.
-struct critical_search {
-    double v;
-    bool found;
-};
-inline critical_search search_critical_volume(double RTc, double Pc, double b, double a_Tc, bool peng_robinson,
-                                              double tolerance, int most = 100) {
-    critical_search at = {RTc / Pc, false};
-    double &v = at.v;
-    for (int i = 1; i <= most; ++i) {
-        const double D = peng_robinson ? (2.0 * v - b) * b + v * v : v * (v + b);
-        const double slope = peng_robinson ? 2.0 * (v + b) : v + b + v;
-        const double F = RTc / (v - b) - Pc - a_Tc / D;
-        if (std::abs(F) < tolerance) {
-            at.found = true;
-            break;
-        }
-        v = v - F / (-RTc / ((v - b) * (v - b)) + a_Tc * slope / (D * D));
-    }
-    return at;
 }
 
 } // namespace support

@@ -2,6 +2,7 @@
 // Judges rounding errors: with a number that carries the bound of its own error, and with the complex step.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <complex>
 #include <gtest/gtest.h>
@@ -71,11 +72,11 @@ inline void expect_same(const tracked &a, const tracked &b) {
     EXPECT_LE(std::abs(a.value - b.value), allowed) << a.value << " and " << b.value;
 }
 
+inline constexpr double step_length = 1e-40; // in the imaginary part
 /// df/dx by the complex step. Only the rounding of the steps of f makes an error, since no difference of f is taken.
 template <class Function>
 double complex_step(Function f, double x) {
-    constexpr double step = 1e-40;
-    return f(std::complex<double>(x, step)).imag() / step;
+    return f(std::complex<double>(x, step_length)).imag() / step_length;
 }
 
 /// A value and its derivative, computed with the rules of calculus. To first order they are the real and the imaginary
@@ -114,11 +115,22 @@ struct dual {
 };
 
 /// The complex step of f at x with its bound. The error of a complex operation counts as three times that of the rule
-/// of calculus for which it stands. Where nothing cancels, the bound is some 1e-15 of the value.
+/// of calculus for which it stands. Where nothing cancels, the bound is some 1e-15 of the value. f gives a number, or
+/// an array of numbers that are stepped together.
+inline tracked stepped(const std::complex<double> &step, const dual &ruled) {
+    return {step.imag() / step_length, 3 * ruled.slope.bound};
+}
+template <std::size_t count>
+std::array<tracked, count> stepped(const std::array<std::complex<double>, count> &steps,
+                                   const std::array<dual, count> &ruled) {
+    std::array<tracked, count> result;
+    for (std::size_t i = 0; i < count; ++i)
+        result[i] = stepped(steps[i], ruled[i]);
+    return result;
+}
 template <class Function>
-tracked stepped(Function f, double x) {
-    const dual ruled = f(dual(x, 1.0));
-    return {complex_step(f, x), 3 * ruled.slope.bound};
+auto stepped(Function f, double x) -> decltype(stepped(f(std::complex<double>()), f(dual()))) {
+    return stepped(f(std::complex<double>(x, step_length)), f(dual(x, 1.0)));
 }
 
 /// Checks a derivative against the complex step of f at x.

@@ -6,6 +6,8 @@
 #include "Tests/Support/entry_points.h"
 #include "library_state.h"
 
+#include <algorithm>
+#include <concepts>
 #include <cstdint>
 #include <limits>
 #include <sstream>
@@ -86,6 +88,19 @@ inline reading read(const section &what, source from, const std::string &text, s
     return {std::string(reader.message()), index};
 }
 
+/// The message of such a reading about a record.
+inline std::string unread(source from, const std::string &record) {
+    return "Ostrel error: " + std::string(from == source::file ? "file fluid.osd" : "fluid") + ", " + record;
+}
+
+/// The text as far as its first records go.
+inline std::string first_records(const std::string &text, std::int64_t count) {
+    std::size_t end = 0;
+    for (std::int64_t i = 0; i < count; ++i)
+        end = text.find('\n', end) + 1;
+    return text.substr(0, end);
+}
+
 /// Reads a section and expects no message.
 inline void read_well(const section &what, const std::string &text, source from = source::file) {
     EXPECT_EQ(read(what, from, text).message, "") << text;
@@ -150,6 +165,12 @@ inline const model_case model_cases[] = {
     {"Redlich-Kwong", 6, vapor_fluid, ""},
 };
 
+/// The first case of a model.
+inline const model_case &case_of(std::int32_t gas_type) {
+    return *std::find_if(std::begin(model_cases), std::end(model_cases),
+                         [&](const model_case &model) { return model.gas_type == gas_type; });
+}
+
 /// Reads and initialises a fluid; both must succeed.
 inline void load(const model_case &model, const heat_case &heat) {
     library_state::forget_fluid();
@@ -170,7 +191,15 @@ void with_active_model(Visit visit) {
                                     [] { FAIL() << "gas_type " << thermodynamics::gas_type; });
 }
 
-/// Calls visit(parameters) for every model with every heat capacity, loaded and initialised.
+/// b of the active model.
+inline double active_covolume() {
+    double b = 0;
+    with_active_model([&](const auto &model) { b = model.covolume(); });
+    return b;
+}
+
+/// Calls visit(parameters) for every model with every heat capacity, loaded and initialised. A visit() that takes
+/// nothing is compiled once and not for each model.
 template <class Visit>
 void for_each_loaded(Visit visit) {
     for (const model_case &model : model_cases)
@@ -179,7 +208,10 @@ void for_each_loaded(Visit visit) {
                 continue;
             SCOPED_TRACE(std::string(model.name) + ", " + heat.name);
             load(model, heat);
-            with_active_model(visit);
+            if constexpr (std::invocable<Visit>)
+                visit();
+            else
+                with_active_model(visit);
         }
 }
 
@@ -195,16 +227,34 @@ inline constexpr state states[] = {
     {"critical", 1.0, 1.0},         {"just below", 0.9999, 1.003}, {"just above", 1.0001, 0.998},
 };
 
-/// Calls visit(parameters, T, v) at every state of every case, T and v reduced.
+/// Calls visit(T, v) at every state of the fluid in memory, T and v reduced.
+template <class Visit>
+void for_each_state_of_the_fluid(Visit visit) {
+    const double b = active_covolume();
+    for (const state &at : states) {
+        SCOPED_TRACE(at.name);
+        visit(at.T / gas_properties::gas.Z_ref, b + at.w * (1 - b));
+    }
+}
+
+/// The same with every heat capacity for one model.
+template <class Visit>
+void for_each_state_of(const model_case &model, Visit visit) {
+    for (const heat_case &heat : heat_cases) {
+        SCOPED_TRACE(heat.name);
+        load(model, heat);
+        for_each_state_of_the_fluid(visit);
+    }
+}
+
+/// The same for every case; visit(parameters, T, v) gets the model's own parameters, and is compiled for each model.
 template <class Visit>
 void for_each_state(Visit visit) {
-    for_each_loaded([&](const auto &model) {
-        for (const state &at : states) {
-            SCOPED_TRACE(at.name);
-            const double b = model.covolume();
-            visit(model, at.T / gas_properties::gas.Z_ref, b + at.w * (1 - b));
-        }
-    });
+    if constexpr (std::invocable<Visit, double, double>)
+        for_each_loaded([&] { for_each_state_of_the_fluid(visit); });
+    else
+        for_each_loaded(
+            [&](const auto &model) { for_each_state_of_the_fluid([&](double T, double v) { visit(model, T, v); }); });
 }
 
 } // namespace support

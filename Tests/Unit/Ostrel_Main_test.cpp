@@ -33,6 +33,14 @@ struct start {
 };
 const start at_start;
 
+/// What the kept state belongs to.
+void expect_key(const std::string &fluid, const std::string &code, double one, double two) {
+    EXPECT_EQ(ostrel::os_fluid.trimmed(), fluid);
+    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), code);
+    EXPECT_EQ(ostrel::os_input1, one);
+    EXPECT_EQ(ostrel::os_input2, two);
+}
+
 struct request_frame : support::frame_test {};
 struct fluid_loading : support::frame_test {};
 struct fluid_catalogue : support::frame_test {};
@@ -148,17 +156,18 @@ TEST_F(request_frame, a_pair_is_reduced_by_the_reference_values_of_the_fluid) {
 
 TEST_F(request_frame, keeps_the_first_two_characters_of_a_code_as_they_came) {
     ask("toluene", "Td", 500, 2, "t");
-    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), "Td");
-    EXPECT_EQ(ostrel::os_input1, 500);
-    EXPECT_EQ(ostrel::os_input2, 2);
+    expect_key("toluene", "Td", 500, 2);
     ask("toluene", "XYZ", 3, 4, "t");
-    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), "XY");
-    EXPECT_EQ(ostrel::os_input1, 3);
-    EXPECT_EQ(ostrel::os_input2, 4);
+    expect_key("toluene", "XY", 3, 4);
     EXPECT_EQ(std::string(ostrel::os_fluid.padded()), "toluene ");
 }
 
 // Outputs.
+
+struct output_value {
+    const char *name;
+    double value;
+};
 
 TEST_F(request_frame, serves_the_outputs_scaled_back_from_the_core) {
     const fluid_folder fluids;
@@ -172,10 +181,7 @@ TEST_F(request_frame, serves_the_outputs_scaled_back_from_the_core) {
     thermodynamics::d2P__dT2_dv2(T_r, v_r, d2P);
     thermodynamics::dcv__dT_dv(T_r, v_r, dcv);
     const double T_ref = gas.T_ref, P_ref = gas.P_ref, v_ref = gas.v_ref, R = gas.R;
-    const struct {
-        const char *name;
-        double value;
-    } cases[] = {
+    const output_value cases[] = {
         {"t", t},
         {"v", v},
         {"d", 1 / v},
@@ -208,10 +214,7 @@ TEST_F(request_frame, gives_the_ideal_gas_in_SI_units) {
     const double R = 8314.0 / 28.0, t = 412.5, v = 1.75, t_0 = 300.0, v_0 = R * t_0 / 101325.0;
     const auto cv = [](double T) { return 700.0 + 0.8 * T; };
     const double u = 700.0 * (t - t_0) + 0.4 * (t * t - t_0 * t_0);
-    const struct {
-        const char *name;
-        double value;
-    } cases[] = {
+    const output_value cases[] = {
         {"t", t},
         {"v", v},
         {"d", 1 / v},
@@ -425,52 +428,53 @@ TEST_F(request_frame, the_initial_key_is_served_from_the_initial_state) {
 
 // get_tv.
 
+struct found {
+    double T = -1;
+    double v = -2;
+};
+found solved(std::string_view code, double one, double two) {
+    found at;
+    get_tv(code.data(), &one, &two, &at.T, &at.v, code.size());
+    return at;
+}
+
 TEST_F(request_frame, get_tv_leaves_module_state_alone) {
     ask("toluene", "td", 500, 2.0, "t");
     const double T_kept = ostrel::T, v_kept = ostrel::v;
     const double t = 600, v = 0.25;
-    double T_found = -1, v_found = -2;
-    get_tv("TV ", &t, &v, &T_found, &v_found, 3);
-    EXPECT_EQ(T_found, t / gas.T_ref);
-    EXPECT_EQ(v_found, v / gas.v_ref);
+    const found at = solved("TV ", t, v);
+    EXPECT_EQ(at.T, t / gas.T_ref);
+    EXPECT_EQ(at.v, v / gas.v_ref);
     EXPECT_EQ(ostrel::T, T_kept);
     EXPECT_EQ(ostrel::v, v_kept);
-    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), "td");
-    EXPECT_EQ(ostrel::os_input1, 500);
-    EXPECT_EQ(ostrel::os_input2, 2.0);
-    EXPECT_EQ(ostrel::os_fluid.trimmed(), "toluene");
+    expect_key("toluene", "td", 500, 2.0);
     EXPECT_DOUBLE_EQ(ask("toluene", "td", 500, 2.0, "t").value, 500);
 }
 
 TEST_F(request_frame, get_tv_reports_in_the_shared_text_only_and_does_not_reset_it) {
     ask("toluene", "td", 500, 2.0, "t");
     const double one = 600, two = 0.25;
-    double T_found = -1, v_found = -2;
-    get_tv("xyz ", &one, &two, &T_found, &v_found, 4);
+    const found nothing = solved("xyz ", one, two);
     EXPECT_EQ(shared_text(), unknown_pair("xyz "));
-    EXPECT_EQ(T_found, -1);
-    EXPECT_EQ(v_found, -2);
-    get_tv("td", &one, &two, &T_found, &v_found, 2);
+    EXPECT_EQ(nothing.T, -1);
+    EXPECT_EQ(nothing.v, -2);
+    const found at = solved("td", one, two);
     EXPECT_EQ(shared_text(), unknown_pair("xyz "));
-    EXPECT_EQ(T_found, one / gas.T_ref);
-    EXPECT_EQ(v_found, (1 / two) / gas.v_ref);
+    EXPECT_EQ(at.T, one / gas.T_ref);
+    EXPECT_EQ(at.v, (1 / two) / gas.v_ref);
 }
 
 TEST_F(request_frame, get_tv_loads_nothing) {
     const support::directory_host host("/nowhere/");
-    const double one = 600, two = 0.25;
-    double T_found = -1, v_found = -2;
-    get_tv("tv", &one, &two, &T_found, &v_found, 2);
-    EXPECT_EQ(T_found, inf);
-    EXPECT_EQ(v_found, inf);
+    const found at = solved("tv", 600, 0.25);
+    EXPECT_EQ(at.T, inf);
+    EXPECT_EQ(at.v, inf);
     EXPECT_EQ(host.asked(), 0);
     EXPECT_EQ(shared_text(), "No errors");
 }
 
 TEST_F(request_frame, get_tv_knows_no_quality_restriction) {
-    const double one = 600, half = 0.5;
-    double T_found = -1, v_found = -2;
-    get_tv("xq", &one, &half, &T_found, &v_found, 2);
+    solved("xq", 600, 0.5);
     EXPECT_EQ(shared_text(), unknown_pair("xq"));
 }
 
@@ -501,7 +505,13 @@ TEST_F(fluid_loading, reads_all_sections_and_initialises) {
     EXPECT_DOUBLE_EQ(gas.kk_ref, gas.mu_ref * (2.5 + 0.9) * gas.R / 0.7);
 }
 
-/// The message about two transport models that do not fit together.
+/// The library as just loaded, but for the directory.
+void fresh_frame_with(const fluid_folder &fluids) {
+    support::fresh_frame();
+    setenv("OSTREL_FLUIDS", fluids.path().c_str(), 1);
+}
+
+/// The text of a pair of transport models that do not go together.
 const std::string mismatch =
     "Viscosity and thermal conductivity model do not match.  In init_trasport_properties. STOP";
 
@@ -521,8 +531,7 @@ TEST_F(fluid_loading, transport_models_that_do_not_go_together_fail_the_load) {
         {"mixed", mismatch}, {"dense", not_a_vapor + "Dense" + place}, {"dilute", not_a_vapor + "Diluite" + place}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        support::fresh_frame();
-        setenv("OSTREL_FLUIDS", fluids.path().c_str(), 1);
+        fresh_frame_with(fluids);
         ASSERT_TRUE(ask("good", "td", 500, 2.0, "t").ok());
         const auto before = transport_properties::active;
         const double v_ref = gas.v_ref;
@@ -715,8 +724,7 @@ TEST_F(fluid_loading, a_record_that_cannot_be_read_stops_the_load) {
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
         const fluid_folder fluids;
-        support::fresh_frame();
-        setenv("OSTREL_FLUIDS", fluids.path().c_str(), 1);
+        fresh_frame_with(fluids);
         fluids.add("good", support::reference_file());
         fluids.add("bad", c.text);
         ASSERT_EQ(ask("good", "td", 500, 2.0, "t").text, "No errors");
@@ -1066,8 +1074,7 @@ TEST_F(fluid_catalogue, changes_no_state) {
     testing::internal::GetCapturedStdout();
     EXPECT_EQ(ostrel::T, T_kept);
     EXPECT_EQ(gas.v_ref, v_ref);
-    EXPECT_EQ(ostrel::os_fluid.trimmed(), "toluene");
-    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), "xx");
+    expect_key("toluene", "xx", 1, 2);
     EXPECT_EQ(shared_text(), unknown_pair("xx"));
 }
 
@@ -1164,12 +1171,9 @@ TEST_F(fluid_catalogue, information_loads_a_fluid_and_leaves_the_kept_state) {
     ask("toluene", "td", 500, 2.0, "t");
     const double T_kept = ostrel::T, v_kept = ostrel::v;
     EXPECT_EQ(ask_info("water", "m_mol").value, 18.01527 / 1000);
-    EXPECT_EQ(ostrel::os_fluid.trimmed(), "water");
+    expect_key("water", "td", 500, 2.0);
     EXPECT_EQ(ostrel::T, T_kept);
     EXPECT_EQ(ostrel::v, v_kept);
-    EXPECT_EQ(std::string(ostrel::os_inputspec.padded()), "td");
-    EXPECT_EQ(ostrel::os_input1, 500);
-    EXPECT_EQ(ostrel::os_input2, 2.0);
 }
 
 TEST_F(fluid_catalogue, version) {

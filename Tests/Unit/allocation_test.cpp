@@ -1,45 +1,13 @@
 // SPDX-License-Identifier: MIT
 // A successful request allocates nothing, except when it loads a fluid or builds the saturation table.
+#include "Tests/Support/allocations.h"
 #include "Tests/Support/frame.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <new>
 
 namespace {
 
-std::size_t allocations = 0;
-
-void *counted(std::size_t size) {
-    ++allocations;
-    if (void *const place = std::malloc(size))
-        return place;
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-// The library's allocations come here too, since a program's own operators take precedence.
-void *operator new(std::size_t size) {
-    return counted(size);
-}
-void *operator new[](std::size_t size) {
-    return counted(size);
-}
-void operator delete(void *place) noexcept {
-    std::free(place);
-}
-void operator delete[](void *place) noexcept {
-    std::free(place);
-}
-void operator delete(void *place, std::size_t) noexcept {
-    std::free(place);
-}
-void operator delete[](void *place, std::size_t) noexcept {
-    std::free(place);
-}
-
-namespace {
+using support::allocations;
 
 struct allocation : support::frame_test {};
 
@@ -49,11 +17,11 @@ TEST_F(allocation, only_loading_and_the_table_allocate) {
     const double first = 500.0, density = 2.0;
     allocations = 0;
     ostrel_prop(fluid.data(), "td", &first, &density, "p", text, fluid.size(), 2, 1, sizeof text);
-    EXPECT_GT(allocations, 0U) << "loading";
+    EXPECT_GT(allocations, 0) << "loading";
     allocations = 0;
     const double one = 1.0;
     ostrel_prop(fluid.data(), "tq", &first, &one, "p", text, fluid.size(), 2, 1, sizeof text);
-    EXPECT_EQ(allocations, 4U) << "the table's four columns";
+    EXPECT_EQ(allocations, 4) << "the table's four columns";
 
     for (const char *code : support::pair_codes) {
         if (std::string_view(code) == "hs")
@@ -64,7 +32,7 @@ TEST_F(allocation, only_loading_and_the_table_allocate) {
             allocations = 0;
             ostrel_prop(fluid.data(), code, &value1, &value2, output.name, text, fluid.size(), 2,
                         std::strlen(output.name), sizeof text);
-            EXPECT_EQ(allocations, 0U) << output.name;
+            EXPECT_EQ(allocations, 0) << output.name;
             EXPECT_EQ(std::string_view(text, 9), "No errors");
         }
     }
@@ -72,7 +40,7 @@ TEST_F(allocation, only_loading_and_the_table_allocate) {
     const auto [h, s] = support::inputs_at(ideal, "hs", 400.0, 2.0);
     allocations = 0;
     ostrel_prop(ideal.data(), "hs", &h, &s, "t", text, ideal.size(), 2, 1, sizeof text);
-    EXPECT_EQ(allocations, 0U);
+    EXPECT_EQ(allocations, 0);
     EXPECT_EQ(std::string_view(text, 9), "No errors");
 }
 

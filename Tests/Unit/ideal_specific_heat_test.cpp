@@ -265,10 +265,7 @@ TEST_F(ideal_specific_heat_test, a_section_that_breaks_off_can_be_evaluated) {
                     if (loaded_before)
                         for (const layout &other : layouts)
                             read_well(heat_section, other.text);
-                    std::size_t end = 0;
-                    for (std::int64_t i = 0; i < present; ++i)
-                        end = form.text.find('\n', end) + 1;
-                    const auto [message, last] = read(heat_section, from, form.text.substr(0, end));
+                    const auto [message, last] = read(heat_section, from, support::first_records(form.text, present));
                     EXPECT_THAT(message, HasSubstr("record " + std::to_string(present + 1) + ": expected "));
                     EXPECT_THAT(message, HasSubstr(", found the end of the file."));
                     EXPECT_EQ(last, present + 1);
@@ -304,9 +301,7 @@ TEST_F(ideal_specific_heat_test, a_list_that_breaks_off_can_be_evaluated) {
             SCOPED_TRACE(testing::Message() << text << " " << from);
             support::fresh_library();
             set_fluid(true);
-            EXPECT_EQ(read(heat_section, from, text).message,
-                      std::string("Ostrel error: ") + (from == support::source::file ? "file fluid.osd, " : "fluid, ") +
-                          message);
+            EXPECT_EQ(read(heat_section, from, text).message, support::unread(from, message));
             evaluate_everything();
         }
 }
@@ -342,7 +337,7 @@ TEST_F(ideal_specific_heat_test, a_huge_count_is_refused_before_anything_is_allo
         support::fresh_library();
         set_fluid(true);
         EXPECT_EQ(read(heat_section, support::source::file, text).message,
-                  std::string("Ostrel error: file fluid.osd, ") + wanted);
+                  support::unread(support::source::file, wanted));
         EXPECT_LT(active.a_i.size() + active.T_k.size() + active.a_ik.size() + active.Tv.size(), 10u);
         evaluate_everything();
     }

@@ -10,8 +10,6 @@ using support::tracked;
 
 struct martin_hou_gas_test : support::thermodynamics_test {};
 
-constexpr support::model_case martin_hou = {"Martin-Hou", 3, support::vapor_fluid, ""};
-
 const critical_data fluids[] = {{400.0, 4.0e6, 20.0, 0.27, 0.3, 270.0},
                                 {304.1282, 7376460.0, 44.0, 0.2746, 0.225, 184.0},
                                 {471.11, 4407600.0, 137.37, 0.279, 0.19, 296.92},
@@ -137,29 +135,6 @@ TEST_F(martin_hou_gas_test, the_construction_meets_its_conditions) {
     }
 }
 
-TEST_F(martin_hou_gas_test, a_fluid_without_critical_data_is_reported_and_nothing_changes) {
-    support::load(martin_hou, support::heat_cases[0]);
-    const auto before = active;
-    support::expect_not_a_vapor(init_MHG, "Martin-Hou model is not applicable. ",
-                                "In init_MHG, module martin_hou_gas.");
-    EXPECT_EQ(active.Rgas, before.Rgas);
-    EXPECT_EQ(active.b, before.b);
-    EXPECT_EQ(active.beta, before.beta);
-    EXPECT_EQ(active.kk, before.kk);
-    EXPECT_EQ(active.aa, before.aa);
-    EXPECT_EQ(active.bb, before.bb);
-    EXPECT_EQ(active.cc, before.cc);
-}
-
-TEST_F(martin_hou_gas_test, an_old_message_stands_and_does_not_stop_init) {
-    support::use_record(fluids[0]);
-    ideal_specific_heat::errmsg.report({"earlier"});
-    init_MHG();
-    EXPECT_EQ(support::shared_text(), "earlier");
-    EXPECT_EQ(active.Rgas, 1.0);
-    EXPECT_EQ(active.kk, 5.475 * 0.27);
-}
-
 TEST_F(martin_hou_gas_test, meaningless_constants_give_no_message) {
     for (const critical_data &fluid :
          {critical_data{400.0, 4.0e6, 20.0, 0.27, 0.3, 400.0}, {400.0, 4.0e6, 20.0, 0.0}}) {
@@ -218,54 +193,24 @@ TEST_F(martin_hou_gas_test, the_builder_in_SI_units_gives_the_same_pressure) {
 }
 
 TEST_F(martin_hou_gas_test, the_operations_are_their_formulas) {
-    for (const auto &heat : support::heat_cases) {
-        SCOPED_TRACE(heat.name);
-        support::load(martin_hou, heat);
+    support::for_each_state_of(support::case_of(3), [](double temperature, double volume) {
         const auto &p = active;
-        for (const auto &at : support::states) {
-            SCOPED_TRACE(at.name);
-            const double temperature = at.T / gas.Zc, volume = p.b + at.w * (1 - p.b);
-            const tracked T = temperature, w = tracked(volume) - tracked(p.b), kk = p.kk, E = exp(-kk * T);
-            support::tracked_factors<4> q, f;
-            tracked power = 1;
-            for (std::size_t k = 0; k < 4; ++k) {
-                const tracked aa = p.aa[k], bb = p.bb[k], cc = p.cc[k], i = static_cast<double>(k + 1);
-                q[k] = {aa + T * bb + E * cc, bb - kk * E * cc, kk * kk * E * cc, -(kk * kk * kk * E * cc)};
-                power *= w;
-                f[k] = {-(tracked(1) / (i * power)), tracked(1) / (power * w), -((i + tracked(1)) / (power * w * w)),
-                        (i + tracked(1)) * (i + tracked(2)) / (power * w * w * w)};
-            }
-            std::array<std::array<double, 4>, 4> computed_q{}, computed_f{};
-            Q_f__T_v__MHG(temperature, volume, computed_q, computed_f);
-            support::expect_factors(computed_q, q);
-            support::expect_factors(computed_f, f);
-            support::expect_formulas(q, f, p.b, temperature, volume);
+        const tracked T = temperature, w = tracked(volume) - tracked(p.b), kk = p.kk, E = exp(-kk * T);
+        support::tracked_factors<4> q, f;
+        tracked power = 1;
+        for (std::size_t k = 0; k < 4; ++k) {
+            const tracked aa = p.aa[k], bb = p.bb[k], cc = p.cc[k], i = static_cast<double>(k + 1);
+            q[k] = {aa + T * bb + E * cc, bb - kk * E * cc, kk * kk * E * cc, -(kk * kk * kk * E * cc)};
+            power *= w;
+            f[k] = {-(tracked(1) / (i * power)), tracked(1) / (power * w), -((i + tracked(1)) / (power * w * w)),
+                    (i + tracked(1)) * (i + tracked(2)) / (power * w * w * w)};
         }
-    }
-}
-
-TEST_F(martin_hou_gas_test, the_minimum_volume_is_just_above_the_covolume) {
-    support::load(martin_hou, support::heat_cases[0]);
-    const double beta = (20.533 - 31.883 * 0.2746) * 0.2746;
-    EXPECT_EQ(minimum_specific_volume__MHG(), (1 - beta / (15 * 0.2746)) * 1.000000000001);
-    EXPECT_EQ(thermodynamics::vmin, active.b * 1.000000000001 * 1.000000001);
-}
-
-TEST_F(martin_hou_gas_test, needs_no_parameters_and_has_none) {
-    const support::temporary_folder folder;
-    records::file_reader reader(folder.write("fluid.osd", "1.0\n"));
-    read_param_MHG(reader);
-    EXPECT_EQ(reader.record_number(), 0);
-    records::record_writer writer;
-    write_param_MHG(writer);
-    EXPECT_EQ(writer.text(), "");
-}
-
-TEST_F(martin_hou_gas_test, arguments_are_not_checked) {
-    support::load(martin_hou, support::heat_cases[0]);
-    EXPECT_FALSE(std::isfinite(P__T_v__MHG(4.0, active.b)));
-    EXPECT_TRUE(std::isnan(s__T_v__MHG(4.0, active.b / 2)));
-    EXPECT_EQ(support::shared_text(), "No errors");
+        std::array<std::array<double, 4>, 4> computed_q{}, computed_f{};
+        Q_f__T_v__MHG(temperature, volume, computed_q, computed_f);
+        support::expect_factors(computed_q, q);
+        support::expect_factors(computed_f, f);
+        support::expect_formulas(q, f, p.b, temperature, volume);
+    });
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "Tests/Support/rounding.h"
 #include "Tests/Support/thermodynamics.h"
 
+#include <functional>
+
 namespace {
 
 using namespace thermodynamics;
@@ -15,24 +17,60 @@ using thermodynamics::active_ideal_part;
 
 struct thermodynamics_derived_test : support::thermodynamics_test {};
 
-/// All that the model says of one state, with bounds.
-struct primitive {
+/// What is differentiated by complex steps. A and B are dP/d(rho e) and dP/drho.
+enum quantity { pressure, enthalpy, gibbs_energy, entropy, isentropic_slope, A, B, energy_density, quantities };
+
+template <class Model, class Number>
+std::array<Number, quantities> quantities_at(const Model &model, Number T, Number v) {
+    const separated_attraction::state_point point(model, T, v);
+    const auto ideal = active_ideal_part();
+    const derived_properties::properties<separated_attraction::state_point<Model, Number>> p{point, ideal};
+    const auto [P_T, P_v] = point.dP();
+    const auto [P_re, P_r] = p.dP_in_re_r();
+    return {point.P(),
+            p.h(),
+            p.mu(),
+            point.s(ideal),
+            P_v - point.T / point.cv(ideal) * P_T * P_T,
+            P_re,
+            P_r,
+            point.e(ideal) / point.v};
+}
+
+/// All that the model says of one state, with bounds, so that the tests of it are compiled once and not for each model.
+struct evaluated {
     tracked T, v, P, e, s, cv, P_T, P_v, e_T, e_v, s_T, s_v;
+    // The derived properties by their own formulas.
+    std::array<tracked, 2> dh, dmu, ds;
+    tracked cp, c2, G;
+    std::array<tracked, 4> dP_in_re_r_gradient, d2P_in_re_r;
+    // Complex steps.
+    std::array<tracked, quantities> slope_T, slope_v;
 
     template <class Model>
-    primitive(const Model &model, double temperature, double volume) : T(temperature), v(volume) {
+    evaluated(const Model &model, double temperature, double volume) : T(temperature), v(volume) {
+        const separated_attraction::state_point point(model, T, v);
         const auto ideal = active_ideal_part();
-        P = separated_attraction::P__T_v(model, ideal, T, v);
-        e = separated_attraction::e__T_v(model, ideal, T, v);
-        s = separated_attraction::s__T_v(model, ideal, T, v);
-        cv = separated_attraction::cv__T_v(model, ideal, T, v);
-        const auto dP = separated_attraction::dP__dT_dv(model, ideal, T, v);
-        const auto de = separated_attraction::de__dT_dv(model, ideal, T, v);
+        P = point.P();
+        e = point.e(ideal);
+        s = point.s(ideal);
+        cv = point.cv(ideal);
+        const auto dP = point.dP(), de = point.de(ideal);
         P_T = dP[0], P_v = dP[1], e_T = de[0], e_v = de[1];
         s_T = cv / T;
         s_v = (P + e_v) / T;
+        const derived_properties::properties<separated_attraction::state_point<Model, tracked>> p{point, ideal};
+        dh = p.dh(), dmu = p.dmu(), ds = p.ds();
+        cp = p.cp(), c2 = p.c2(), G = p.G();
+        dP_in_re_r_gradient = p.dP_in_re_r_gradient(), d2P_in_re_r = p.d2P_in_re_r();
+        slope_T = stepped([&](auto t) { return quantities_at(model, t, decltype(t)(volume)); }, temperature);
+        slope_v = stepped([&](auto w) { return quantities_at(model, decltype(w)(temperature), w); }, volume);
     }
 };
+
+void for_each_evaluated(const std::function<void(const evaluated &at, double T, double v)> &visit) {
+    support::for_each_state([&](const auto &model, double T, double v) { visit(evaluated(model, T, v), T, v); });
+}
 
 void expect_formula(double computed, const tracked &formula) {
     if (std::isinf(computed) && computed == formula.value)
@@ -45,14 +83,8 @@ void expect_formulas(const char *name, const gradient &computed, const tracked &
     expect_formula(computed[1], second);
 }
 
-TEST_F(thermodynamics_derived_test, enthalpy_is_exactly_e_plus_P_v) {
-    support::for_each_state(
-        [](const auto &, double T, double v) { EXPECT_EQ(h__T_v(T, v), e__T_v(T, v) + P__T_v(T, v) * v); });
-}
-
 TEST_F(thermodynamics_derived_test, every_operation_at_T_and_v_is_its_formula) {
-    support::for_each_state([](const auto &model, double T, double v) {
-        const primitive at(model, T, v);
+    for_each_evaluated([](const evaluated &at, double T, double v) {
         const tracked one = 1, rho_slope = tracked(-1) / (at.v * at.v);
         const tracked c2 = at.v * at.v * ((at.T / at.cv) * at.P_T * at.P_T - at.P_v);
         expect_formula(h__T_v(T, v), at.e + at.P * at.v);
@@ -74,7 +106,7 @@ TEST_F(thermodynamics_derived_test, every_operation_at_T_and_v_is_its_formula) {
 }
 
 TEST_F(thermodynamics_derived_test, the_speed_of_sound_is_the_root_of_its_square) {
-    support::for_each_state([&](const auto &, double T, double v) {
+    support::for_each_state([](double T, double v) {
         const double c2 = c2__T_v(T, v), c = c__T_v(T, v);
         ASSERT_GE(c2, 0.0);
         EXPECT_EQ(c, std::sqrt(c2));
@@ -90,7 +122,7 @@ TEST_F(thermodynamics_derived_test, an_unstable_state_has_no_speed_of_sound) {
 }
 
 TEST_F(thermodynamics_derived_test, the_slope_of_T_in_P_is_one_over_that_of_P) {
-    support::for_each_state([](const auto &, double T, double v) {
+    support::for_each_state([](double T, double v) {
         gradient dP{};
         dP__dT_dv(T, v, dP);
         EXPECT_EQ(dT__dP_dv__T_v(T, v)[0], 1.0 / dP[0]);
@@ -101,67 +133,43 @@ TEST_F(thermodynamics_derived_test, the_slope_of_T_in_P_is_one_over_that_of_P) {
 }
 
 TEST_F(thermodynamics_derived_test, the_entropy_derivatives_are_cv_and_the_Gibbs_relation_to_the_bit) {
-    support::for_each_state([](const auto &, double T, double v) {
+    support::for_each_state([](double T, double v) {
         gradient de{};
         de__dT_dv(T, v, de);
         EXPECT_EQ(ds__dT_dv(T, v), (gradient{cv__T_v(T, v) / T, (P__T_v(T, v) + de[1]) / T}));
     });
 }
 
-/// An expression in a state point, the ideal part and the property set p, as a function of T and v of any kind
-/// of number.
-#define PROPERTY(expression)                                                                                         \
-    [&model](auto t, auto w) {                                                                                       \
-        const separated_attraction::state_point point(model, t, w);                                                  \
-        const auto ideal = active_ideal_part();                                                                      \
-        [[maybe_unused]] const derived_properties::properties<std::remove_cvref_t<decltype(point)>> p{point, ideal}; \
-        return expression;                                                                                           \
-    }
-template <class Function>
-tracked slope_T(Function f, double T, double v) {
-    return stepped([&](auto t) { return f(t, decltype(t)(v)); }, T);
-}
-template <class Function>
-tracked slope_v(Function f, double T, double v) {
-    return stepped([&](auto w) { return f(decltype(w)(T), w); }, v);
-}
-
 TEST_F(thermodynamics_derived_test, gradients_are_the_complex_steps_of_their_quantities) {
-    support::for_each_state([](const auto &model, double T, double v) {
-        const auto check = [&](const char *name, auto f, const gradient &computed, auto gradient) {
+    for_each_evaluated([](const evaluated &at, double T, double v) {
+        const auto check = [&](const char *name, quantity of, const gradient &computed,
+                               const std::array<tracked, 2> &bounds) {
             SCOPED_TRACE(name);
-            const auto bounds = gradient(tracked(T), tracked(v));
-            expect_same({computed[0], bounds[0].bound}, slope_T(f, T, v));
-            expect_same({computed[1], bounds[1].bound}, slope_v(f, T, v));
+            expect_same({computed[0], bounds[0].bound}, at.slope_T[of]);
+            expect_same({computed[1], bounds[1].bound}, at.slope_v[of]);
         };
-        check("h", PROPERTY(p.h()), dh__dT_dv(T, v), PROPERTY(p.dh()));
-        check("mu", PROPERTY(p.mu()), dmu__dT_dv(T, v), PROPERTY(p.dmu()));
-        check("s", PROPERTY(point.s(ideal)), ds__dT_dv(T, v), PROPERTY(p.ds()));
+        check("h", enthalpy, dh__dT_dv(T, v), at.dh);
+        check("mu", gibbs_energy, dmu__dT_dv(T, v), at.dmu);
+        check("s", entropy, ds__dT_dv(T, v), at.ds);
     });
 }
 
 // cp = (dh/dT)_P and c2 = -v2 (dP/dv)_s, from the complex steps of P, h and s alone.
 TEST_F(thermodynamics_derived_test, heat_capacity_and_speed_of_sound_from_their_definitions) {
-    support::for_each_state([](const auto &model, double T, double v) {
-        const auto P = PROPERTY(point.P()), h = PROPERTY(p.h()), s = PROPERTY(point.s(ideal));
-        const tracked P_T = slope_T(P, T, v), P_v = slope_v(P, T, v);
-        const tracked cp = slope_T(h, T, v) - slope_v(h, T, v) * P_T / P_v;
-        expect_same({cp__T_v(T, v), PROPERTY(p.cp())(tracked(T), tracked(v)).bound}, cp);
-        const tracked dP_dv_s = P_v - P_T * slope_v(s, T, v) / slope_T(s, T, v);
-        expect_same({c2__T_v(T, v), PROPERTY(p.c2())(tracked(T), tracked(v)).bound},
-                    -(tracked(v) * tracked(v) * dP_dv_s));
+    for_each_evaluated([](const evaluated &at, double T, double v) {
+        const tracked P_T = at.slope_T[pressure], P_v = at.slope_v[pressure];
+        const tracked cp = at.slope_T[enthalpy] - at.slope_v[enthalpy] * P_T / P_v;
+        expect_same({cp__T_v(T, v), at.cp.bound}, cp);
+        const tracked dP_dv_s = P_v - P_T * at.slope_v[entropy] / at.slope_T[entropy];
+        expect_same({c2__T_v(T, v), at.c2.bound}, -(at.v * at.v * dP_dv_s));
     });
 }
 
 // v3/(2 c2) (d2P/dv2)_s: along an isentrope dT/dv = -T P_T/cv, and the slope (dP/dv)_s is stepped along it.
 TEST_F(thermodynamics_derived_test, the_fundamental_derivative_is_the_curvature_of_the_isentrope) {
-    support::for_each_state([](const auto &model, double T, double v) {
-        const auto slope_at = PROPERTY(point.dP()[1] - point.T / point.cv(ideal) * point.dP()[0] * point.dP()[0]);
-        const primitive at(model, T, v);
-        const tracked curvature = slope_v(slope_at, T, v) - slope_T(slope_at, T, v) * at.T * at.P_T / at.cv;
-        const tracked c2 = PROPERTY(p.c2())(tracked(T), tracked(v));
-        const tracked G = at.v * at.v * at.v / (tracked(2) * c2) * curvature;
-        expect_same({G__T_v(T, v), PROPERTY(p.G())(tracked(T), tracked(v)).bound}, G);
+    for_each_evaluated([](const evaluated &at, double T, double v) {
+        const tracked curvature = at.slope_v[isentropic_slope] - at.slope_T[isentropic_slope] * at.T * at.P_T / at.cv;
+        expect_same({G__T_v(T, v), at.G.bound}, at.v * at.v * at.v / (tracked(2) * at.c2) * curvature);
     });
 }
 
@@ -185,41 +193,23 @@ TEST_F(thermodynamics_derived_test, the_properties_of_an_ideal_gas_of_constant_h
     }
 }
 
-TEST_F(thermodynamics_derived_test, dP_dre_dr_is_the_pair_of_the_extended_state) {
-    support::for_each_state([](const auto &, double T, double v) {
-        const auto extended = eos_ext__T_v(T, v);
-        const auto pair = dP__dre_dr__T_v(T, v);
-        EXPECT_EQ(pair[0], extended[5]);
-        EXPECT_EQ(pair[1], extended[6]);
-    });
-}
-
 // The pair (A, B) stepped, and from its derivatives in T and v those in rho e and rho by Cramer's rule.
 TEST_F(thermodynamics_derived_test, second_derivatives_in_energy_density_and_density) {
-    support::for_each_state([](const auto &model, double T, double v) {
-        const auto A = PROPERTY(p.dP_in_re_r()[0]), B = PROPERTY(p.dP_in_re_r()[1]);
-        const auto re = PROPERTY(point.e(ideal) / point.v);
-        const tracked A_T = slope_T(A, T, v), A_v = slope_v(A, T, v);
-        const tracked B_T = slope_T(B, T, v), B_v = slope_v(B, T, v);
-        const tracked re_T = slope_T(re, T, v), re_v = slope_v(re, T, v);
-        const tracked r_v = tracked(-1) / (tracked(v) * tracked(v));
-
-        const hessian gradient = d2P__dre_dr__dT_dv(T, v);
-        const auto bounds = PROPERTY(p.dP_in_re_r_gradient())(tracked(T), tracked(v));
-        const tracked expected[] = {A_T, B_T, A_v, B_v};
-        for (std::size_t i = 0; i < 4; ++i) {
-            SCOPED_TRACE(testing::Message() << "in T and v, element " << i);
-            expect_same({gradient[i], bounds[i].bound}, expected[i]);
-        }
-
+    for_each_evaluated([](const evaluated &at, double T, double v) {
+        const tracked A_T = at.slope_T[A], A_v = at.slope_v[A], B_T = at.slope_T[B], B_v = at.slope_v[B];
+        const tracked re_T = at.slope_T[energy_density], re_v = at.slope_v[energy_density];
+        const tracked r_v = tracked(-1) / (at.v * at.v);
+        const auto check = [](const char *name, const hessian &computed, const std::array<tracked, 4> &bounds,
+                              const std::array<tracked, 4> &expected) {
+            for (std::size_t i = 0; i < 4; ++i) {
+                SCOPED_TRACE(testing::Message() << name << ", element " << i);
+                expect_same({computed[i], bounds[i].bound}, expected[i]);
+            }
+        };
+        check("in T and v", d2P__dre_dr__dT_dv(T, v), at.dP_in_re_r_gradient, {A_T, B_T, A_v, B_v});
         const hessian second = d2P__dre2_dr2__T_v(T, v);
-        const auto second_bounds = PROPERTY(p.d2P_in_re_r())(tracked(T), tracked(v));
-        const tracked in_re_r[] = {A_T / re_T, B_T / re_T, (A_v - A_T * re_v / re_T) / r_v,
-                                   (B_v - B_T * re_v / re_T) / r_v};
-        for (std::size_t i = 0; i < 4; ++i) {
-            SCOPED_TRACE(testing::Message() << "in rho e and rho, element " << i);
-            expect_same({second[i], second_bounds[i].bound}, in_re_r[i]);
-        }
+        check("in rho e and rho", second, at.d2P_in_re_r,
+              {A_T / re_T, B_T / re_T, (A_v - A_T * re_v / re_T) / r_v, (B_v - B_T * re_v / re_T) / r_v});
         EXPECT_TRUE(second[1] == second[2] || std::isnan(second[1]));
     });
 }
@@ -234,40 +224,41 @@ long double P__re_r(const Model &model, long double re, long double r, long doub
              separated_attraction::de__dT_dv(model, ideal, T, v)[0];
     return separated_attraction::P__T_v(model, ideal, T, v);
 }
+long double P__re_r(long double re, long double r, long double T) {
+    long double P = 0;
+    support::with_active_model([&](const auto &model) { P = P__re_r(model, re, r, T); });
+    return P;
+}
 
 // Nothing analytic: differences of fourth order of the pressure itself.
 TEST_F(thermodynamics_derived_test, derivatives_in_energy_density_and_density_by_differences) {
     for (const auto &model_case : support::model_cases) {
         SCOPED_TRACE(model_case.name);
         support::load(model_case, support::heat_cases[8]);
-        support::with_active_model([](const auto &model) {
-            for (const auto &[Tr, v] : {std::pair(1.3, 1.4), {0.9, 40.0}, {1.2, 0.6}}) {
-                SCOPED_TRACE(testing::Message() << Tr << ", " << v);
-                const double T = Tr / gas.Z_ref, r = 1 / v, re = e__T_v(T, v) / v;
-                const long double step_re = 1e-3L * e__T_v(1.0, 1e9) / v + 1e-3L / v, step_r = 1e-3L * r;
-                const auto P = [&](int i, int k) { return P__re_r(model, re + i * step_re, r + k * step_r, T); };
-                const auto first = [](auto f, long double h) {
-                    return (8 * (f(1) - f(-1)) - (f(2) - f(-2))) / (12 * h);
-                };
-                const auto second = [](auto f, long double h) {
-                    return (16 * (f(1) + f(-1)) - (f(2) + f(-2)) - 30 * f(0)) / (12 * h * h);
-                };
-                const auto in_re = [&](int i) { return P(i, 0); };
-                const auto in_r = [&](int k) { return P(0, k); };
-                const long double mixed =
-                    first([&](int k) { return first([&](int i) { return P(i, k); }, step_re); }, step_r);
-                const gradient dP = dP__dre_dr__T_v(T, v);
-                const hessian d2P = d2P__dre2_dr2__T_v(T, v);
-                const auto near = [](double computed, long double difference, double scale) {
-                    EXPECT_NEAR(computed, static_cast<double>(difference), 1e-7 * scale);
-                };
-                near(dP[0], first(in_re, step_re), std::abs(dP[0]));
-                near(dP[1], first(in_r, step_r), std::abs(dP[1]) + v);
-                near(d2P[0], second(in_re, step_re), v + v * v);
-                near(d2P[1], mixed, v + v * v);
-                near(d2P[3], second(in_r, step_r), v + v * v);
-            }
-        });
+        for (const auto &[Tr, v] : {std::pair(1.3, 1.4), {0.9, 40.0}, {1.2, 0.6}}) {
+            SCOPED_TRACE(testing::Message() << Tr << ", " << v);
+            const double T = Tr / gas.Z_ref, r = 1 / v, re = e__T_v(T, v) / v;
+            const long double step_re = 1e-3L * e__T_v(1.0, 1e9) / v + 1e-3L / v, step_r = 1e-3L * r;
+            const auto P = [&](int i, int k) { return P__re_r(re + i * step_re, r + k * step_r, T); };
+            const auto first = [](auto f, long double h) { return (8 * (f(1) - f(-1)) - (f(2) - f(-2))) / (12 * h); };
+            const auto second = [](auto f, long double h) {
+                return (16 * (f(1) + f(-1)) - (f(2) + f(-2)) - 30 * f(0)) / (12 * h * h);
+            };
+            const auto in_re = [&](int i) { return P(i, 0); };
+            const auto in_r = [&](int k) { return P(0, k); };
+            const long double mixed =
+                first([&](int k) { return first([&](int i) { return P(i, k); }, step_re); }, step_r);
+            const gradient dP = dP__dre_dr__T_v(T, v);
+            const hessian d2P = d2P__dre2_dr2__T_v(T, v);
+            const auto near = [](double computed, long double difference, double scale) {
+                EXPECT_NEAR(computed, static_cast<double>(difference), 1e-7 * scale);
+            };
+            near(dP[0], first(in_re, step_re), std::abs(dP[0]));
+            near(dP[1], first(in_r, step_r), std::abs(dP[1]) + v);
+            near(d2P[0], second(in_re, step_re), v + v * v);
+            near(d2P[1], mixed, v + v * v);
+            near(d2P[3], second(in_r, step_r), v + v * v);
+        }
     }
 }
 

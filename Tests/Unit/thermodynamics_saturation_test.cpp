@@ -71,6 +71,29 @@ gradient pressure_slopes(double T, double v) {
     return dP;
 }
 
+/// The two ways to ask for saturation: x is what is given, y the other of temperature and pressure.
+struct request {
+    const char *name;
+    void (*at)(double x, double &y, double &v_g, double &v_l, bool *success);
+    void (*curve)(std::span<double> x, std::span<double> v_g, std::span<double> v_l, std::span<double> y, double x_end,
+                  bool *success);
+    double (*critical_x)();
+    double (*critical_y)();
+    const char *no_convergence;
+};
+double critical_temperature() {
+    return 1 / gas.Zc;
+}
+double critical_pressure() {
+    return 1.0;
+}
+constexpr request by_temperature = {
+    "by temperature",     saturation__T,     saturation_curves_T,
+    critical_temperature, critical_pressure, "Newton method failed to converge in subroutine saturation_T."};
+constexpr request by_pressure = {"by pressure",        saturation__P,
+                                 saturation_curves_P,  critical_pressure,
+                                 critical_temperature, "Newton method failed to converge in subroutine saturation_P."};
+
 // Locating a value
 
 struct place {
@@ -357,25 +380,19 @@ TEST_F(thermodynamics_saturation_test, the_number_of_points_is_doubled_where_a_p
 }
 
 TEST_F(thermodynamics_saturation_test, a_model_without_a_curve_gives_up) {
-    for (const std::int32_t type : {1, 8}) {
-        release();
-        load(type);
-        double P = 7.0, v_g = 8.0, v_l = 9.0;
-        saturation__T(0.9 / gas.Zc, P, v_g, v_l);
-        EXPECT_EQ(support::shared_text(), no_curve);
-        EXPECT_EQ(P, 7.0);
-        EXPECT_EQ(v_g, 8.0);
-        EXPECT_EQ(v_l, 9.0);
-        EXPECT_LT(TTs.back() / 1.1, Tmin);
-        release();
-        errmsg.reset();
-        double T = 7.0;
-        saturation__P(0.9, T, v_g, v_l);
-        EXPECT_EQ(support::shared_text(), no_curve);
-        EXPECT_EQ(T, 7.0);
-        EXPECT_EQ(v_g, 8.0);
-        EXPECT_EQ(v_l, 9.0);
-    }
+    for (const std::int32_t type : {1, 8})
+        for (const request &by : {by_temperature, by_pressure}) {
+            SCOPED_TRACE(testing::Message() << type << ", " << by.name);
+            release();
+            load(type);
+            double y = 7.0, v_g = 8.0, v_l = 9.0;
+            by.at(0.9 * by.critical_x(), y, v_g, v_l, nullptr);
+            EXPECT_EQ(support::shared_text(), no_curve);
+            EXPECT_EQ(y, 7.0);
+            EXPECT_EQ(v_g, 8.0);
+            EXPECT_EQ(v_l, 9.0);
+            EXPECT_LT(TTs.back() / 1.1, Tmin);
+        }
 }
 
 TEST_F(thermodynamics_saturation_test, a_failed_build_keeps_what_it_solved_and_the_largest_double) {
@@ -418,20 +435,19 @@ TEST_F(thermodynamics_saturation_test, every_pass_starts_without_a_message) {
 }
 
 TEST_F(thermodynamics_saturation_test, the_first_request_builds_the_table_and_the_second_does_not) {
-    for (const bool by_pressure : {false, true}) {
+    for (const request &by : {by_temperature, by_pressure}) {
+        SCOPED_TRACE(by.name);
         release();
         load(4);
-        double other = 0, v_g = 0, v_l = 0;
-        const auto request = [&] {
-            by_pressure ? saturation__P(0.5, other, v_g, v_l) : saturation__T(0.9 / gas.Zc, other, v_g, v_l);
-        };
-        request();
+        double y = 0, v_g = 0, v_l = 0;
+        const auto ask = [&] { by.at(0.9 * by.critical_x(), y, v_g, v_l, nullptr); };
+        ask();
         ASSERT_EQ(support::shared_text(), "No errors");
         ASSERT_EQ(TTs.size(), 256U);
         for (std::vector<double> *const column : {&TTs, &PPs, &vvls, &vvgs})
             column->back() *= 1.0000001; // a mark
         const std::vector<double> kept[] = {TTs, PPs, vvls, vvgs};
-        request();
+        ask();
         EXPECT_EQ(support::shared_text(), "No errors");
         EXPECT_EQ(TTs, kept[0]);
         EXPECT_EQ(PPs, kept[1]);
@@ -785,54 +801,44 @@ std::map<int, phases> starts_by_passes(Passes passes, double v_g_ratio, double v
     return found;
 }
 
-TEST_F(thermodynamics_saturation_test, at_a_temperature_fifty_passes_count) {
-    load_ideal_gas_without_bounds("T\n1\n3.5\n");
-    const auto starts = starts_by_passes([](phases &at) { return passes_at_T(0.9, at); }, 1.0, 0.83);
-    for (const int passes : {3, 25, 49, 50, 51, 0}) {
+/// At x = 0.9 the iteration gets what it is written down to get for each of these numbers of passes, and calls that a
+/// success for as many as `most`.
+void expect_passes(const request &by, int (*passes_at)(double x, phases &at), double v_g_ratio, double v_l_ratio,
+                   std::initializer_list<int> numbers, int most, void (*check)(double y, double v_g)) {
+    const auto starts = starts_by_passes([&](phases &at) { return passes_at(0.9, at); }, v_g_ratio, v_l_ratio);
+    for (const int passes : numbers) {
         SCOPED_TRACE(passes);
         ASSERT_TRUE(starts.contains(passes));
         phases at = starts.at(passes);
         start_everywhere_at(at);
-        passes_at_T(0.9, at);
-        double P = 0, v_g = 0, v_l = 0;
-        const bool counts = passes >= 1 && passes <= 50;
+        passes_at(0.9, at);
+        double y = 0, v_g = 0, v_l = 0;
+        const bool counts = passes >= 1 && passes <= most;
         bool success = !counts;
-        saturation__T(0.9, P, v_g, v_l, &success);
+        by.at(0.9, y, v_g, v_l, &success);
         EXPECT_EQ(success, counts);
-        const std::string text = counts ? "No errors" : "Newton method failed to converge in subroutine saturation_T.";
+        const std::string text = counts ? "No errors" : by.no_convergence;
         EXPECT_EQ(support::shared_text(), text);
         errmsg.reset();
-        saturation__T(0.9, P, v_g, v_l); // nobody asks for success
+        by.at(0.9, y, v_g, v_l, nullptr); // nobody asks for success
         EXPECT_EQ(support::shared_text(), text);
         EXPECT_NEAR(v_g / at.v_g, 1.0, 1e-9);
         EXPECT_NEAR(v_l / at.v_l, 1.0, 1e-9);
-        EXPECT_EQ(P, P__T_v(0.9, v_g));
+        check(y, v_g);
+        errmsg.reset();
     }
+}
+
+TEST_F(thermodynamics_saturation_test, at_a_temperature_fifty_passes_count) {
+    load_ideal_gas_without_bounds("T\n1\n3.5\n");
+    expect_passes(by_temperature, passes_at_T, 1.0, 0.83, {3, 25, 49, 50, 51, 0}, 50,
+                  [](double P, double v_g) { EXPECT_EQ(P, P__T_v(0.9, v_g)); });
 }
 
 TEST_F(thermodynamics_saturation_test, at_a_pressure_a_hundred_passes_count) {
     // With cv proportional to T the Gibbs energy grows as T^2, and a pass halves a large volume.
     load_ideal_gas_without_bounds("T\n2\n3.5 1.0\n");
-    const auto starts = starts_by_passes([](phases &at) { return passes_at_P(0.9, at); }, 1.3, 1.0);
-    for (const int passes : {6, 50, 99, 100, 101}) {
-        SCOPED_TRACE(passes);
-        ASSERT_TRUE(starts.contains(passes));
-        phases at = starts.at(passes);
-        start_everywhere_at(at);
-        passes_at_P(0.9, at);
-        double T = 0, v_g = 0, v_l = 0;
-        const bool counts = passes <= 100;
-        bool success = !counts;
-        saturation__P(0.9, T, v_g, v_l, &success);
-        EXPECT_EQ(success, counts);
-        const std::string text = counts ? "No errors" : "Newton method failed to converge in subroutine saturation_P.";
-        EXPECT_EQ(support::shared_text(), text);
-        errmsg.reset();
-        saturation__P(0.9, T, v_g, v_l); // nobody asks for success
-        EXPECT_EQ(support::shared_text(), text);
-        EXPECT_NEAR(v_g / at.v_g, 1.0, 1e-9);
-        EXPECT_NEAR(v_l / at.v_l, 1.0, 1e-9);
-    }
+    expect_passes(by_pressure, passes_at_P, 1.3, 1.0, {6, 50, 99, 100, 101}, 100, [](double, double) {});
 }
 
 TEST_F(thermodynamics_saturation_test, the_temperature_search_behind_a_pass_may_fail) {
@@ -849,58 +855,38 @@ TEST_F(thermodynamics_saturation_test, the_temperature_search_behind_a_pass_may_
 
 // Sampled curves
 
-TEST_F(thermodynamics_saturation_test, a_sampled_curve_over_temperatures) {
-    for_each_true_curve([] {
-        constexpr std::size_t N = 40;
-        std::array<double, N> T{}, v_g{}, v_l{}, P{};
-        const double T_end = 0.8 / gas.Zc;
-        bool success = false;
-        saturation_curves_T(T, v_g, v_l, P, T_end, &success);
-        EXPECT_TRUE(success);
-        ASSERT_EQ(support::shared_text(), "No errors");
-        EXPECT_EQ(T[0], 1 / gas.Zc);
-        EXPECT_EQ(P[0], 1.0);
-        EXPECT_EQ(v_g[0], 1.0);
-        EXPECT_EQ(v_l[0], 1.0);
-        EXPECT_EQ(T[N - 1], T_end);
-        EXPECT_NEAR((T[1] - T[0]) / (T_end - T[0]), 0.05 / (std::pow(1.05, 39) - 1), 1e-12);
-        for (std::size_t k = 1; k < N; ++k) {
-            if (k > 1) {
-                EXPECT_NEAR((T[k] - T[k - 1]) / (T[k - 1] - T[k - 2]), 1.05, 1e-10);
-            }
-            double expected_P = 0, expected_v_g = 0, expected_v_l = 0;
-            saturation__T(T[k], expected_P, expected_v_g, expected_v_l);
-            EXPECT_EQ(P[k], expected_P);
-            EXPECT_EQ(v_g[k], expected_v_g);
-            EXPECT_EQ(v_l[k], expected_v_l);
+void expect_sampled_curve(const request &by, double relative_end) {
+    constexpr std::size_t N = 40;
+    std::array<double, N> x{}, v_g{}, v_l{}, y{};
+    const double x_end = relative_end * by.critical_x();
+    bool success = false;
+    by.curve(x, v_g, v_l, y, x_end, &success);
+    EXPECT_TRUE(success);
+    ASSERT_EQ(support::shared_text(), "No errors");
+    EXPECT_EQ(x[0], by.critical_x());
+    EXPECT_EQ(y[0], by.critical_y());
+    EXPECT_EQ(v_g[0], 1.0);
+    EXPECT_EQ(v_l[0], 1.0);
+    EXPECT_EQ(x[N - 1], x_end);
+    EXPECT_NEAR((x[1] - x[0]) / (x_end - x[0]), 0.05 / (std::pow(1.05, 39) - 1), 1e-12);
+    for (std::size_t k = 1; k < N; ++k) {
+        if (k > 1) {
+            EXPECT_NEAR((x[k] - x[k - 1]) / (x[k - 1] - x[k - 2]), 1.05, 1e-10);
         }
-    });
+        double expected_y = 0, expected_v_g = 0, expected_v_l = 0;
+        by.at(x[k], expected_y, expected_v_g, expected_v_l, nullptr);
+        EXPECT_EQ(y[k], expected_y);
+        EXPECT_EQ(v_g[k], expected_v_g);
+        EXPECT_EQ(v_l[k], expected_v_l);
+    }
+}
+
+TEST_F(thermodynamics_saturation_test, a_sampled_curve_over_temperatures) {
+    for_each_true_curve([] { expect_sampled_curve(by_temperature, 0.8); });
 }
 
 TEST_F(thermodynamics_saturation_test, a_sampled_curve_over_pressures) {
-    for_each_true_curve([] {
-        constexpr std::size_t N = 40;
-        std::array<double, N> T{}, v_g{}, v_l{}, P{};
-        bool success = false;
-        saturation_curves_P(P, v_g, v_l, T, 0.2, &success);
-        EXPECT_TRUE(success);
-        ASSERT_EQ(support::shared_text(), "No errors");
-        EXPECT_EQ(T[0], 1 / gas.Zc);
-        EXPECT_EQ(P[0], 1.0);
-        EXPECT_EQ(v_g[0], 1.0);
-        EXPECT_EQ(v_l[0], 1.0);
-        EXPECT_EQ(P[N - 1], 0.2);
-        for (std::size_t k = 1; k < N; ++k) {
-            if (k > 1) {
-                EXPECT_NEAR((P[k] - P[k - 1]) / (P[k - 1] - P[k - 2]), 1.05, 1e-10);
-            }
-            double expected_T = 0, expected_v_g = 0, expected_v_l = 0;
-            saturation__P(P[k], expected_T, expected_v_g, expected_v_l);
-            EXPECT_EQ(T[k], expected_T);
-            EXPECT_EQ(v_g[k], expected_v_g);
-            EXPECT_EQ(v_l[k], expected_v_l);
-        }
-    });
+    for_each_true_curve([] { expect_sampled_curve(by_pressure, 0.2); });
 }
 
 TEST_F(thermodynamics_saturation_test, a_sampled_curve_stops_at_its_first_failure_where_success_is_asked_for) {

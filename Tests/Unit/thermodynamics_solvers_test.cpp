@@ -173,9 +173,7 @@ struct thermodynamics_solvers_test : support::thermodynamics_test {
     thermodynamics_solvers_test() { linalg_errmsg.reset(); }
 
     static void load(std::int32_t type, const char *heat = einstein_heat) {
-        const auto &model = *std::find_if(std::begin(support::model_cases), std::end(support::model_cases),
-                                          [&](const auto &m) { return m.gas_type == type; });
-        support::load(model, {"", heat});
+        support::load(support::case_of(type), {"", heat});
     }
     /// Runs the check with every model.
     static void for_each_model(const std::function<void()> &check) {
@@ -186,17 +184,15 @@ struct thermodynamics_solvers_test : support::thermodynamics_test {
         }
     }
     static void for_each_model_and_1d_solver(const std::function<void(const solver_1d &)> &check) {
-        for_each_model([&] {
-            for (const solver_1d &with : solvers_1d) {
-                SCOPED_TRACE(with.name);
-                errmsg.reset();
-                check(with);
-            }
-        });
+        for_each_model_and(solvers_1d, check);
     }
     static void for_each_model_and_2d_solver(const std::function<void(const solver_2d &)> &check) {
+        for_each_model_and(solvers_2d, check);
+    }
+    template <class Solver, std::size_t count>
+    static void for_each_model_and(const Solver (&solvers)[count], const std::function<void(const Solver &)> &check) {
         for_each_model([&] {
-            for (const solver_2d &with : solvers_2d) {
+            for (const Solver &with : solvers) {
                 SCOPED_TRACE(with.name);
                 errmsg.reset();
                 check(with);
@@ -220,7 +216,7 @@ struct thermodynamics_solvers_test : support::thermodynamics_test {
 };
 
 TEST_F(thermodynamics_solvers_test, temperature_from_energy_for_every_model_and_heat_capacity) {
-    support::for_each_loaded([](const auto &) {
+    support::for_each_loaded([] {
         for (const double Tr : {0.9, 1.3, 2.9})
             for (const double v : {0.4, 1.7, 100.0}) {
                 SCOPED_TRACE(testing::Message() << Tr << ", " << v);

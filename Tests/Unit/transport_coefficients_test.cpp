@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Viscosity and thermal conductivity: the pairs of models that an initialisation accepts and refuses, the constants
-// that it derives, and a comparison of every model with independent formulas.
-#include "Tests/Support/rounding.h"
-#include "Tests/Support/thermodynamics.h"
+// Viscosity and thermal conductivity: what an initialisation takes, derives and refuses, and every model against
+// formulas of the test's own.
+#include "Tests/Support/critical_models.h"
 
 #include <bit>
-#include <cstring>
+#include <functional>
 #include <gmock/gmock.h>
 
 namespace {
@@ -70,6 +69,38 @@ void read_and_initialise_transport(std::int32_t viscosity, std::int32_t conducti
     transport_properties::init_transport_properties();
 }
 
+/// A fluid into the library as just loaded.
+void load(const std::string &fluid, std::int32_t viscosity, std::int32_t conductivity,
+          const std::string &model = constant_Z) {
+    support::fresh_fluid();
+    read_and_initialise_thermodynamics(fluid, model);
+    read_and_initialise_transport(viscosity, conductivity);
+}
+
+/// Calls visit() for every vapor with one pair of models.
+void for_each_vapor(std::int32_t viscosity, std::int32_t conductivity, const std::function<void()> &visit) {
+    for (const fluid_case &fluid : vapors) {
+        SCOPED_TRACE(fluid.name);
+        load(fluid.section, viscosity, conductivity);
+        visit();
+    }
+}
+
+/// Calls visit() for the fluid without critical data with every pair that needs none.
+void for_each_pair_without_critical_data(const std::function<void()> &visit) {
+    for (const std::int32_t viscosity : {1, 5, 6})
+        for (const std::int32_t conductivity : {1, 4}) {
+            SCOPED_TRACE(testing::Message() << viscosity << ", " << conductivity);
+            support::fresh_fluid();
+            // Left by a vapor before it.
+            active.Tc = 647.1;
+            active.vc = 0.003;
+            read_and_initialise_thermodynamics(support::reference_fluid, ideal);
+            read_and_initialise_transport(viscosity, conductivity);
+            visit();
+        }
+}
+
 template <class Visit>
 void for_each_pair(Visit visit) {
     for (const std::int32_t viscosity : viscosity_codes)
@@ -87,9 +118,7 @@ void for_each_vapor_and_pair(Visit visit) {
             if (!accepted(viscosity, conductivity))
                 return;
             SCOPED_TRACE(fluid.name);
-            support::fresh_fluid();
-            read_and_initialise_thermodynamics(fluid.section);
-            read_and_initialise_transport(viscosity, conductivity);
+            load(fluid.section, viscosity, conductivity);
             EXPECT_EQ(shared_text(), "No errors");
             visit(viscosity, conductivity);
         });
@@ -129,18 +158,6 @@ bits whole_state() {
     return std::bit_cast<bits>(active);
 }
 
-/// All numbers of the fluid.
-std::vector<double> fluid_numbers() {
-    using g = gas_properties::gas_constants;
-    std::vector<double> numbers = {gas.vapor ? 1.0 : 0.0};
-    for (const auto value :
-         {&g::R,     &g::MM,     &g::e_0,    &g::s_0,   &g::cv_ref,  &g::P_ref,   &g::T_ref, &g::v_ref,
-          &g::Z_ref, &g::mu_ref, &g::kk_ref, &g::c_ref, &g::cv0_ref, &g::cp0_ref, &g::Pc,    &g::Tc,
-          &g::vc,    &g::Zc,     &g::Tb,     &g::omega, &g::mur,     &g::kh})
-        numbers.push_back(gas.*value);
-    return numbers;
-}
-
 // Initialisation.
 
 TEST_F(transport_coefficients_test, the_state_starts_at_zero) {
@@ -170,7 +187,7 @@ TEST_F(transport_coefficients_test, pairs_that_do_not_go_together_are_refused_an
                                                    vapor ? constant_Z : ideal);
                 read_lines(support::transport_section, transport_text(viscosity, conductivity));
                 const bits before = whole_state();
-                const std::vector<double> fluid_before = fluid_numbers();
+                const auto fluid_before = gas;
                 transport_properties::init_transport_properties();
                 const bool dense = viscosity == 3, dilute = viscosity == 2;
                 const std::string expected = (dense || dilute) && conductivity != viscosity ? mismatch
@@ -186,7 +203,7 @@ TEST_F(transport_coefficients_test, pairs_that_do_not_go_together_are_refused_an
                 }
                 ++refused;
                 EXPECT_EQ(whole_state(), before);
-                EXPECT_EQ(fluid_numbers(), fluid_before);
+                support::expect_record(fluid_before);
             }
     EXPECT_EQ(refused, 2 * 2 * 6 + 2);
     EXPECT_EQ(taken, 2 * 7 * 7 + 2);
@@ -300,11 +317,7 @@ void expect_sum(double computed, std::initializer_list<long double> terms) {
 }
 
 TEST_F(transport_coefficients_test, coefficients_are_linear_in_omega_the_fourth_power_of_mur_and_kappa) {
-    for (const fluid_case &fluid : vapors) {
-        SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(3, 3);
+    for_each_vapor(3, 3, [] {
         const long double omega = gas.omega, mur4 = std::pow(static_cast<long double>(gas.mur), 4), kappa = gas.kh;
         const auto expect_row = [&](double computed, const double(&row)[4]) {
             expect_sum(computed, {row[0], row[1] * omega, row[2] * mur4, row[3] * kappa});
@@ -315,7 +328,7 @@ TEST_F(transport_coefficients_test, coefficients_are_linear_in_omega_the_fourth_
             expect_row(active.bb[i], table_IV[i]);
         expect_row(active.fc, {1, -0.2756, 0.059035, 1});
         expect_sum(active.beta, {0.7862, -0.7109 * omega, 1.3168 * omega * omega});
-    }
+    });
 }
 
 /// Expects 1, up to the rounding of T = t T_ref and v = vr v_ref.
@@ -359,35 +372,20 @@ TEST_F(transport_coefficients_test, critical_data_count_also_where_references_ar
 }
 
 TEST_F(transport_coefficients_test, references_of_a_fluid_without_critical_data_are_those_at_its_reference_point) {
-    for (const std::int32_t viscosity : {1, 5, 6})
-        for (const std::int32_t conductivity : {1, 4}) {
-            SCOPED_TRACE(testing::Message() << viscosity << ", " << conductivity);
-            support::fresh_fluid();
-            // A vapor before this fluid has left these.
-            active.Tc = 647.1;
-            active.vc = 0.003;
-            read_and_initialise_thermodynamics(support::reference_fluid, ideal);
-            read_and_initialise_transport(viscosity, conductivity);
-            const auto [mu, k] = at_dim(gas.T_ref, gas.v_ref);
-            EXPECT_EQ(active.mu_ref, mu);
-            EXPECT_EQ(active.kk_ref, k);
-            EXPECT_EQ(gas.mu_ref, mu);
-            EXPECT_EQ(gas.kk_ref, k);
-            EXPECT_GT(mu, 0);
-            EXPECT_GT(k, 0);
-        }
+    for_each_pair_without_critical_data([] {
+        const auto [mu, k] = at_dim(gas.T_ref, gas.v_ref);
+        EXPECT_EQ(active.mu_ref, mu);
+        EXPECT_EQ(active.kk_ref, k);
+        EXPECT_EQ(gas.mu_ref, mu);
+        EXPECT_EQ(gas.kk_ref, k);
+        EXPECT_GT(mu, 0);
+        EXPECT_GT(k, 0);
+    });
 }
 
 TEST_F(transport_coefficients_test, both_are_one_at_the_reference_point) {
     for_each_vapor_and_pair([](std::int32_t, std::int32_t) { expect_one(at(gas.Tc / gas.T_ref, gas.vc / gas.v_ref)); });
-    for (const std::int32_t viscosity : {1, 5, 6})
-        for (const std::int32_t conductivity : {1, 4}) {
-            SCOPED_TRACE(testing::Message() << viscosity << ", " << conductivity);
-            support::fresh_fluid();
-            read_and_initialise_thermodynamics(support::reference_fluid, ideal);
-            read_and_initialise_transport(viscosity, conductivity);
-            expect_one(at(1, 1));
-        }
+    for_each_pair_without_critical_data([] { expect_one(at(1, 1)); });
 }
 
 TEST_F(transport_coefficients_test, both_are_one_at_the_critical_point_of_every_model) {
@@ -700,13 +698,10 @@ TEST_F(transport_coefficients_test, sutherlands_and_the_linear_law_meet_their_re
 }
 
 TEST_F(transport_coefficients_test, corresponding_states_grow_as_the_power_of_the_temperature) {
-    for (const fluid_case &fluid : vapors) {
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(4, 2);
+    for_each_vapor(4, 2, [] {
         EXPECT_DOUBLE_EQ(at_dim(0.7 * gas.Tc, 1).viscosity / gas.mu_ref, std::pow(0.7, 0.94));
         EXPECT_EQ(at_dim(0.7 * gas.Tc, 1).viscosity, at_dim(0.7 * gas.Tc, 1e-3).viscosity);
-    }
+    });
 }
 
 // Properties that the pairs have in common.
@@ -716,9 +711,7 @@ TEST_F(transport_coefficients_test, conductivity_2_takes_the_viscosity_of_the_ac
         SCOPED_TRACE(fluid.name);
         double ratio = 0;
         for (const std::int32_t viscosity : {1, 2, 4, 5, 6}) {
-            support::fresh_fluid();
-            read_and_initialise_thermodynamics(fluid.section);
-            read_and_initialise_transport(viscosity, 2);
+            load(fluid.section, viscosity, 2);
             const double T = 1.4 * gas.Tc;
             const auto [mu, k] = at_dim(T, gas.vc);
             EXPECT_EQ(k, transport_properties::diluite_gas_thermal_cond(T, mu));
@@ -736,17 +729,13 @@ TEST_F(transport_coefficients_test, conductivity_2_takes_the_viscosity_of_the_ac
 TEST_F(transport_coefficients_test, conductivity_3_without_the_dense_viscosity_lacks_the_dilute_gas) {
     for (const fluid_case &fluid : vapors) {
         SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(3, 3);
+        load(fluid.section, 3, 3);
         const double T = 1.4 * gas.Tc;
         const double whole = at_dim(T, gas.vc).conductivity;
         double first = 0;
         for (const std::int32_t viscosity : {1, 4, 5, 6, 0, 9}) {
             SCOPED_TRACE(viscosity);
-            support::fresh_fluid();
-            read_and_initialise_thermodynamics(fluid.section);
-            read_and_initialise_transport(viscosity, 3);
+            load(fluid.section, viscosity, 3);
             EXPECT_EQ(shared_text(), "No errors");
             const double k = at_dim(T, gas.vc).conductivity;
             // B7 of a strongly polar fluid is negative.
@@ -791,11 +780,7 @@ TEST_F(transport_coefficients_test, a_monatomic_dilute_gas_conducts_as_kinetic_t
 // Limits.
 
 TEST_F(transport_coefficients_test, the_dense_gas_becomes_the_dilute_gas_over_all_decades) {
-    for (const fluid_case &fluid : vapors) {
-        SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(3, 3);
+    for_each_vapor(3, 3, [] {
         for (const double Tr : {0.6, 1.0, 3.0}) {
             const double T = Tr * gas.Tc, mu0 = transport_properties::diluite_gas_viscosity(T);
             const double k0 = transport_properties::diluite_gas_thermal_cond(T, mu0);
@@ -817,30 +802,24 @@ TEST_F(transport_coefficients_test, the_dense_gas_becomes_the_dilute_gas_over_al
                 EXPECT_LT(std::abs(k_rest), 100 * y + 16 * epsilon);
             }
         }
-    }
+    });
 }
 
 TEST_F(transport_coefficients_test, reduced_viscosities_of_dilute_and_dense_gas_have_the_same_unit) {
-    for (const fluid_case &fluid : vapors) {
-        SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(2, 2);
+    for_each_vapor(2, 2, [] {
         const double mu_ref = gas.mu_ref, eta = at(5, 1e12).viscosity;
         read_and_initialise_transport(3, 3);
         // Each has its own reference at the critical point, where the dense gas is thicker than the dilute one.
         EXPECT_NEAR(at(5, 1e12).viscosity * gas.mu_ref, 0.1 * eta * mu_ref, 1e-9 * eta * mu_ref);
         EXPECT_GT(gas.mu_ref, 0.1 * mu_ref);
         EXPECT_LT(gas.mu_ref, 10 * 0.1 * mu_ref);
-    }
+    });
 }
 
 TEST_F(transport_coefficients_test, viscosity_and_conductivity_of_a_hot_nonpolar_gas_grow_with_its_density) {
     for (const fluid_case &fluid : {vapors[0], vapors[1]}) {
         SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(3, 3);
+        load(fluid.section, 3, 3);
         auto before = at_dim(2 * gas.Tc, 2 * gas.vc);
         for (double vr = 1.9; vr > 0.19; vr -= 0.1) {
             const auto found = at_dim(2 * gas.Tc, vr * gas.vc);
@@ -852,11 +831,7 @@ TEST_F(transport_coefficients_test, viscosity_and_conductivity_of_a_hot_nonpolar
 }
 
 TEST_F(transport_coefficients_test, a_sixth_of_the_critical_volume_divides_by_zero) {
-    for (const fluid_case &fluid : vapors) {
-        SCOPED_TRACE(fluid.name);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(fluid.section);
-        read_and_initialise_transport(3, 3);
+    for_each_vapor(3, 3, [] {
         const auto near = at_dim(gas.Tc, gas.vc / 6 * (1 + 1e-5));
         EXPECT_GT(std::abs(near.viscosity), 1e9 * gas.mu_ref);
         EXPECT_GT(std::abs(near.conductivity), 1e9 * gas.kk_ref);
@@ -866,15 +841,13 @@ TEST_F(transport_coefficients_test, a_sixth_of_the_critical_volume_divides_by_ze
         EXPECT_FALSE(std::isfinite(mu)) << mu;
         EXPECT_FALSE(std::isfinite(k)) << k;
         EXPECT_TRUE(std::isfinite(transport_properties::diluite_gas_viscosity(gas.Tc)));
-    }
+    });
 }
 
 TEST_F(transport_coefficients_test, an_unknown_code_gives_zero_and_a_reduced_value_that_is_none) {
     for (const std::int32_t code : {-1, 0, 7, 2147483647}) {
         SCOPED_TRACE(code);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(vapors[2].section);
-        read_and_initialise_transport(code, 1);
+        load(vapors[2].section, code, 1);
         EXPECT_EQ(shared_text(), "No errors");
         EXPECT_EQ(at_dim(500, 0.1).viscosity, 0);
         EXPECT_EQ(at_dim(500, 0.1).conductivity, 0.017);
@@ -905,9 +878,7 @@ TEST_F(transport_coefficients_test, constants_of_zero_divide_by_zero) {
 TEST_F(transport_coefficients_test, models_that_want_critical_data_are_not_refused_without_them) {
     for (const auto &[viscosity, conductivity] : {std::pair(4, 1), {5, 2}, {5, 3}, {4, 3}}) {
         SCOPED_TRACE(testing::Message() << viscosity << ", " << conductivity);
-        support::fresh_fluid();
-        read_and_initialise_thermodynamics(support::reference_fluid, ideal);
-        read_and_initialise_transport(viscosity, conductivity);
+        load(support::reference_fluid, viscosity, conductivity, ideal);
         EXPECT_EQ(shared_text(), "No errors");
         const auto [eta, lambda] = at(1.2, 2);
         EXPECT_EQ(std::isfinite(eta), viscosity != 4);

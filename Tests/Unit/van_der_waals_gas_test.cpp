@@ -9,7 +9,7 @@ using support::tracked;
 
 struct van_der_waals_gas_test : support::thermodynamics_test {};
 
-constexpr support::model_case van_der_waals = {"van der Waals", 2, support::vapor_fluid, ""};
+const support::model_case &van_der_waals = support::case_of(2);
 
 TEST_F(van_der_waals_gas_test, init_replaces_the_compressibility_of_the_fluid) {
     for (const support::critical_data &fluid :
@@ -26,25 +26,6 @@ TEST_F(van_der_waals_gas_test, init_replaces_the_compressibility_of_the_fluid) {
     EXPECT_EQ(support::shared_text(), "No errors");
 }
 
-TEST_F(van_der_waals_gas_test, an_old_message_stands_and_does_not_stop_init) {
-    support::use_record({400.0, 4.0e6});
-    ideal_specific_heat::errmsg.report({"earlier"});
-    init_vdWG();
-    EXPECT_EQ(support::shared_text(), "earlier");
-    EXPECT_EQ(active.a, 3.0);
-    EXPECT_EQ(gas.Zc, 0.375);
-}
-
-TEST_F(van_der_waals_gas_test, a_fluid_without_critical_data_is_reported_and_nothing_changes) {
-    active.a = 7.0;
-    active.b = 8.0;
-    support::expect_not_a_vapor(init_vdWG, "van der Waals model is not applicable. ",
-                                "In init_vdWG, module van_der_waals_gas.");
-    EXPECT_EQ(active.Rgas, 0.0);
-    EXPECT_EQ(active.a, 7.0);
-    EXPECT_EQ(active.b, 8.0);
-}
-
 TEST_F(van_der_waals_gas_test, the_critical_point_is_at_8_3_and_1) {
     support::load(van_der_waals, support::heat_cases[0]);
     const double T = 8.0 / 3.0;
@@ -57,21 +38,13 @@ TEST_F(van_der_waals_gas_test, the_critical_point_is_at_8_3_and_1) {
 }
 
 TEST_F(van_der_waals_gas_test, the_operations_are_their_formulas) {
-    for (const auto &heat : support::heat_cases) {
-        SCOPED_TRACE(heat.name);
-        support::load(van_der_waals, heat);
-        const tracked a = 3.0;
-        const double b = 1.0 / 3.0;
-        for (const auto &at : support::states) {
-            SCOPED_TRACE(at.name);
-            const double T = at.T / 0.375, volume = b + at.w * (1 - b);
-            const tracked v = volume;
-            const support::tracked_factors<1> q = {{{1, 0, 0, 0}}};
-            const support::tracked_factors<1> f = {
-                {{a / v, -(a / (v * v)), tracked(2) * a / (v * v * v), -(tracked(6) * a / (v * v * v * v))}}};
-            support::expect_formulas(q, f, b, T, volume);
-        }
-    }
+    support::for_each_state_of(van_der_waals, [](double T, double volume) {
+        const tracked a = 3.0, v = volume;
+        const support::tracked_factors<1> q = {{{1, 0, 0, 0}}};
+        const support::tracked_factors<1> f = {
+            {{a / v, -(a / (v * v)), tracked(2) * a / (v * v * v), -(tracked(6) * a / (v * v * v * v))}}};
+        support::expect_formulas(q, f, 1.0 / 3.0, T, volume);
+    });
 }
 
 // No attraction in them: exactly zero, and the ideal gas exactly.
@@ -86,29 +59,6 @@ TEST_F(van_der_waals_gas_test, the_heat_capacity_is_that_of_the_ideal_gas) {
             EXPECT_EQ(d2P__dT2_dv2__vdWG(T, v)[0], 0.0);
             EXPECT_EQ(d2e__dT2_dv2__vdWG(T, v)[1], 0.0);
         }
-}
-
-TEST_F(van_der_waals_gas_test, the_minimum_volume_is_just_above_the_covolume) {
-    support::load(van_der_waals, support::heat_cases[0]);
-    EXPECT_EQ(minimum_specific_volume__vdWG(), active.b * 1.000000000001);
-    EXPECT_EQ(thermodynamics::vmin, active.b * 1.000000000001 * 1.000000001);
-}
-
-TEST_F(van_der_waals_gas_test, needs_no_parameters_and_has_none) {
-    const support::temporary_folder folder;
-    records::file_reader reader(folder.write("fluid.osd", "1.0\n"));
-    read_param_vdWG(reader);
-    EXPECT_EQ(reader.record_number(), 0);
-    records::record_writer writer;
-    write_param_vdWG(writer);
-    EXPECT_EQ(writer.text(), "");
-}
-
-TEST_F(van_der_waals_gas_test, arguments_are_not_checked) {
-    support::load(van_der_waals, support::heat_cases[0]);
-    EXPECT_EQ(P__T_v__vdWG(2.0, active.b), std::numeric_limits<double>::infinity());
-    EXPECT_TRUE(std::isnan(s__T_v__vdWG(2.0, active.b / 2)));
-    EXPECT_EQ(support::shared_text(), "No errors");
 }
 
 } // namespace
