@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Makes a picture that Matplotlib wrote small: coordinates to a tenth of a point, each style once as a class, and no
-groups, names or metadata that nothing refers to."""
+"""Makes a picture that Matplotlib wrote small. Coordinates are rounded to a tenth of a point, each style is written
+once as a class, and groups, names and metadata to which nothing refers are left out."""
 import itertools
 import re
 from xml.etree import ElementTree
@@ -15,16 +15,17 @@ def rounded(text):
 
 
 def path(text):
-    """What follows a point without a letter is a line to it."""
+    """Path data without the letters of lines: a pair of coordinates without a letter is the end of a line."""
     return re.sub(r" ?([A-Za-z]) ?", r"\1", re.sub(r"\s+L?\s*", " ", rounded(text)).strip())
 
 
 def style_of(element):
+    """Its properties, which it loses."""
     return dict(re.findall(r"([\w-]+): *([^;]+)", element.attrib.pop("style", "")))
 
 
 def drawn(element, definitions):
-    """What draws something, in its order; what is referred to is collected apart."""
+    """The elements that draw something, in their order. `definitions` receives those to which others refer."""
     for child in element:
         name = child.tag.removeprefix(f"{{{SVG}}}")
         if name == "defs":
@@ -36,6 +37,7 @@ def drawn(element, definitions):
 
 
 def slim(text):
+    """The small picture of a picture's text."""
     old = ElementTree.fromstring(text)
     definitions = []
     elements = list(drawn(old, definitions))

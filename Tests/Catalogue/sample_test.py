@@ -5,8 +5,8 @@ checks the formulas behind the numbers in every file.
 
     sample_test.py SOURCE_FOLDER [TEST...]
 
-Nothing here is shared with the generator: the expected records stand in sample.txt, and the files are read as the library
-reads them, values in free format with r*c for repeated ones and whatever stands behind the last wanted value a comment.
+Nothing here is shared with the generator. The expected records stand in sample.txt. The files are read as the library
+reads them: values are in free format, r*c repeats a value, and everything behind the last wanted value is a comment.
 """
 import math
 import pathlib
@@ -30,11 +30,12 @@ UNITS = {"MM": "[kg/kmol]", "Tc": "[K]", "Pc": "[atm]", "Tb": "[K]", "cv_0": "[J
 
 
 def sample():
-    """The files of the sample, each with its expected records: the values, and the phrases of the comment."""
+    """The name of each file of the sample and its expected records: the values, and the phrases of the comment."""
     paragraphs = SAMPLE.read_text(encoding="ascii").strip().split("\n\n")
     for name, *records in map(str.splitlines, paragraphs[1:]):
         lines = (line.partition("#")[0].strip().partition("|") for line in records)
-        yield name, [(wanted.strip(), [*filter(None, map(str.strip, phrases.split(";")))]) for wanted, _, phrases in lines]
+        yield name, [(wanted.strip(), [*filter(None, map(str.strip, phrases.split(";")))])
+                     for wanted, _, phrases in lines]
 
 
 def expand(word):

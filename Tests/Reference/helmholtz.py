@@ -242,7 +242,7 @@ def close(x, y, digits=40):
 
 
 def state(model, form, parameters, heat, gas, T, v, groups):
-    """The operations of these groups at one state: (operation, [(value, scale), ...])."""
+    """(operation, [(value, scale), ...]) of the operations in these groups at one state."""
     T_double, v_double = T, v
     T, v = mpf(T), mpf(v)
 

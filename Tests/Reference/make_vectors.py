@@ -6,19 +6,21 @@ takes some minutes.
 Nothing here is computed with the library or read from its sources. The equations of state, the heat capacities and the
 correlations stand in helmholtz.py, martin_hou.py and transport.py as they are published.
 
-What the set proves: a mistake in any model, any form of the heat capacity, what joins the two, what follows from them,
-the initialisation or transport shows in some number. A model does not know the form and a form does not know the model,
-so that not every pair of them is needed, and what does not depend on one of them is recorded once:
+The set proves that there is no mistake in any model, any form of the heat capacity, the sum of both, the quantities
+that follow from them, the initialisation and transport. No model knows the form and no form knows the model. The set
+therefore does not have every pair of them, and a number that one of them does not change is recorded once:
 
-  P, e, s, cv, derivatives   every model with two fluids, each with another form, at ten places: all forms with both sets
-                             of coefficients are among the sixteen pairs
-  the ideal gas alone        every form with both sets of coefficients, at ten temperatures
-  what follows (h, c, ...)   every model with one of its fluids, at the ten places; all forms are among them
-  initialisation             thirteen fluids (all forms, coefficients with and without dimension), each under two models,
-                             every model with three fluids or more; what no model changes under the first one only
-  saturation                 every model that has it, with one form for each fluid
-  transport                  twelve fluids with all models of it; a law of the temperature alone with the fluids that use
-                             it and those of constant viscosity; what is reduced or constant at three places of nine
+  P, e, s, cv, derivatives   Every model has two fluids with different forms, and ten places for each fluid. All forms
+                             with both sets of coefficients are among these sixteen pairs of model and fluid.
+  the ideal gas alone        Every form with both sets of coefficients has ten temperatures.
+  h, mu, c, cp, Gamma, ...   One of the two fluids of every model has them, at the ten places. All forms are among them.
+  initialisation             Thirteen fluids have all forms, and coefficients with and without dimension.
+                             Each is loaded under two models, and every model has three fluids or more. The numbers that
+                             no model changes are recorded under the first model only.
+  saturation                 Every model that has saturated states has one form for each fluid.
+  transport                  Twelve fluids have all models of it. A law of the temperature alone is recorded for the
+                             fluids that use it and for those with a constant viscosity. Reduced and constant
+                             coefficients are recorded at three places of nine.
 """
 import csv
 import itertools
@@ -201,7 +203,7 @@ def state_lines(index):
     for fluid in range(2):
         form = (index + 2 * fluid) % 5 + 1
         groups = {"model"}
-        if index < len(helmholtz.HEATS):  # later ones come upon the same forms with the same coefficients
+        if index < len(helmholtz.HEATS):  # the models from there on have the same forms with the same coefficients
             groups.add("ideal gas")
         if fluid == index % 2:
             groups.add("derived")
@@ -222,7 +224,7 @@ def state_lines(index):
 # Viscosity model, conductivity model, whether there are critical data, heat capacity.
 TRANSPORT = ((1, 1, True, 1), (2, 2, True, 5), (3, 3, True, 5), (3, 3, True, 3), (4, 1, True, 4), (5, 2, True, 2),
              (6, 3, True, 1), (1, 3, True, 5), (4, 2, True, 3), (5, 4, False, 5), (6, 4, False, 3), (1, 4, False, 1))
-# The laws of viscosity by the code that chooses them.
+# The codes of the viscosity models that these laws of the temperature alone are.
 LAWS = {"corresp_state_viscosity": 4, "sutherland_law_viscosity": 5, "linear_viscosity": 6}
 POLAR = ((0.22394, 0.0, 0.0), (0.34429, 1.28006, 0.075908), (0.644, 0.75358, 0.174823), (-0.219, 0.3, 0.0))
 # (T/Tc or, without critical data, T/T_ref; v/v_ref).
@@ -298,7 +300,7 @@ def flat(named):
 FLUIDS = ("nitrogen", "co2", "water", "methane", "propane", "r134a", "toluene", "ammonia", "argon", "benzene", "mdm",
           "ethanol", "hydrogen")
 INPUTS = ("MM", "Tc", "Pc_atm", "Zc", "Tb")
-OF_THE_FLUID = ("gas.R", "gas.omega", "gas.Pc", "gas.P_ref")  # whatever the model
+OF_THE_FLUID = ("gas.R", "gas.omega", "gas.Pc", "gas.P_ref")  # the same under every model
 
 
 def rounded_text(x):
@@ -447,7 +449,7 @@ def table(name, key):
 
 
 def initialisation_lines(n):
-    """Of one fluid under every fourth model."""
+    """The lines of one fluid under every fourth model."""
     name = FLUIDS[n]
     row, Pc_atm = table("fluids.csv", "short")[name], table("choices.csv", "fluid")[name]["Pc_atm"]
     heat = heat_of(row, n)
@@ -574,14 +576,14 @@ DERIVED = ("A number that is computed from P, e, s and their derivatives has oth
            " these, the number's partial derivative by it times its own scale.")
 FILES = {
     "states.txt":
-        "The eight models, each with two fluids under heat capacities of two forms, at 160 states: everything by "
-        "differentiation of the Helmholtz energy. " +
+        "The eight models, each with two fluids and two forms of the heat capacity, at 160 states. Everything follows "
+        "from the Helmholtz energy by differentiation. " +
         SCALE +
         " " +
         DERIVED,
     "initialisation.txt":
-        "What loading makes of the records of 13 fluids of the catalogue, each under two of the eight models, and of "
-        "fluids without critical data under the ideal ones. " +
+        "Everything that loading derives from the records of 13 fluids of the catalogue, each under two of the "
+        "eight models, and of fluids without critical data under the ideal-gas models. " +
         SCALE +
         " Redlich-Kwong and Soave-Redlich-Kwong search for the critical volume, which is a triple root. By rule the "
         "search ends where the residual is zero in doubles, within some 1e-5 of the root. A line 'along' gives a "
@@ -602,7 +604,7 @@ COMMAND = "# Made by scripts/make_reference_vectors.\n"
 
 
 def jobs():
-    """(file, function, arguments) in the files' order."""
+    """(file, function, arguments) in the order of the files."""
     for model in range(len(helmholtz.MODELS)):
         yield "states.txt", state_lines, (model,)
     for n in range(len(FLUIDS)):
