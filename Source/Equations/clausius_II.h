@@ -2,11 +2,11 @@
 // The Clausius II equation, gas_type 7 (module clausius_II_gas).
 //
 // Equation   P = Rgas T/(v - b) - a/(T (v + c)^2), a volume-translated van der Waals form
-// Given      reduced T [T_ref], v [v_ref]; a, b, c follow from the critical point, no file parameters
+// Given      reduced T [T_ref], v [v_ref]; a, b and c follow from the critical point, not from the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; the critical point and Zc of the fluid are met exactly,
-//            liquid densities and vapor pressures far below it are not. With Zc < 0.25, as water has, b and
-//            the lower bound of v are negative: the equation still holds in the gas
+// Valid      fluids with critical data, v > b. The equation meets the fluid's critical point and Zc exactly, but not
+//            its liquid densities and vapor pressures far below that point. If Zc < 0.25, as for water, b and the lower
+//            bound of v are negative, and the equation holds in the gas only
 // Reference  R. Clausius, Ann. Phys. 245 (1880) 337
 #pragma once
 
@@ -39,7 +39,7 @@ struct clausius_II {
     }
 };
 
-/// Derives a, b, c from the critical point; reports a fluid without critical data.
+/// Derives a, b and c from the critical point; reports a fluid without critical data.
 inline void initialise(clausius_II &p, gas_constants &fluid, records::error_text &message) {
     if (lacks_critical_data(fluid, "Clausius-II model is not applicable. ", "In init_CIIG, module clausius_II_gas.",
                             message))

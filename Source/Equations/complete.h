@@ -2,10 +2,11 @@
 // The completion of a fluid that has been read: its model, its heat capacity and its reference state.
 //
 // Computes   the model's parameters, the dimensional heat capacity, and the offsets with which e = s = 0 at the
-//            critical point, or at the reference volume of a fluid without critical data
+//            critical point or, without critical data, at T_ref/Z_ref and v_ref
 // Given      the constants, the model's own parameters and the heat capacity as they were read
-// Returned   the same, completed, and the bounds of searches
-// Valid      stops at the first part that reports a message; what was completed before it stays completed
+// Returned   these parameters, completed, and the bounds of searches
+// Valid      once after each reading, since each run scales a dimensionless heat capacity. The completion stops at the
+//            first part that reports a message; the parts before it stay completed
 #pragma once
 
 #include "Equations/equation.h"
@@ -14,8 +15,8 @@
 
 namespace equations {
 
-/// The bounds of a fluid that is complete; none, and a message, for one that cannot be completed or where a message
-/// stood already.
+/// Completes a fluid and returns its bounds. Returns none if the fluid cannot be completed, which is reported, or if a
+/// message stood there before.
 template <class Model>
 std::optional<bounds> complete(Model &model, gas_constants &fluid, ideal_gas_heat::heat_capacity &heat,
                                records::error_text &message) {

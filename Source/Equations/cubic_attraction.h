@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The formulas that the cubic equations of state of the Redlich-Kwong family share.
+// The formulas that the cubic equations of state of the Redlich-Kwong family have in common.
 //
-// Computes   volume factors f(v) for a given denominator, Soave's temperature factor q(T), and the
-//            critical volume: the root of RTc/(v - b) - Pc - a(Tc)/D(v), D the denominator of the attraction
-// Given      co-volume, attraction constants; the critical volume in SI units
-// Accuracy   the critical volume ends where the residual is within the tolerance: a triple root
-//            (Redlich-Kwong, Soave) is found to 1e-6 ... 2e-5 only, in 30 to 60 steps. f(v) itself is good to eps v/b:
-//            in the dilute gas dcv/dT, of little else, keeps 9 digits at v = 3e6
+// Computes   the volume factor f(v) for the denominator D(v) of the attraction, Soave's temperature factor q(T), and
+//            the critical volume, which is the root of R Tc/(v - b) - Pc - a(Tc)/D(v)
+// Given      co-volume and attraction constants: reduced for f and q, in SI units for the critical volume
+// Accuracy   the search for the critical volume ends when the residual is within the tolerance. It finds a triple root
+//            (Redlich-Kwong, Soave) only to 1e-6 ... 2e-5, in 30 to 60 steps. The relative error of f(v) is eps v/b; in
+//            the dilute gas it appears in dcv/dT most, which keeps 9 digits at v = 3e6
 // Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197
 #pragma once
 
@@ -40,7 +40,7 @@ OSTREL_INLINE std::array<Real, 4> peng_robinson_f(double b, Real v) {
             2.0 * (v + b) / (D * D), -2.0 * ((5.0 * b + 6.0 * v) * b + 3.0 * (v * v)) / (D * D * D)};
 }
 
-/// q = c_a (1 + fw (1 - sqrt(Zc T)))^2; Zc T is the temperature over the critical one.
+/// q = c_a (1 + fw (1 - sqrt(Zc T)))^2; Zc T is the temperature divided by the critical temperature.
 template <class Real>
 OSTREL_INLINE std::array<Real, 4> soave_q(double c_a, double fw, double Zc, Real T) {
     using std::sqrt;
@@ -51,7 +51,7 @@ OSTREL_INLINE std::array<Real, 4> soave_q(double c_a, double fw, double Zc, Real
             -(3.0 * c_a * fw / (4.0 * (T * T))) * g};
 }
 
-/// D(v) and D'(v) of the attraction's denominator.
+/// The denominator of the attraction: D(v) and D'(v).
 struct denominator {
     double value;
     double slope;
@@ -63,9 +63,9 @@ inline denominator peng_robinson_denominator(double b, double v) {
     return {(2.0 * v - b) * b + v * v, 2.0 * (v + b)};
 }
 
-/// The critical volume [m3/kg] by Newton's method from the ideal-gas volume; reports `failure` after
-/// 100 steps. In doubles the residual moves in steps of about 1e-9 Pa, so the loop ends at a residual of
-/// exactly zero or not at all.
+/// The critical volume [m3/kg] by Newton's method from the volume of the ideal gas, for b [m3/kg]; reports `failure`
+/// after 100 steps. `tolerance` [Pa] is nearly always below the rounding of the residual, about 1e-9 Pa; then the
+/// search ends only at a residual of exactly zero.
 inline double critical_volume(const equations::gas_constants &fluid, double b, double a_Tc,
                               denominator (*D)(double b, double v), double tolerance, std::string_view failure,
                               records::error_text &message) {
@@ -82,7 +82,7 @@ inline double critical_volume(const equations::gas_constants &fluid, double b, d
     return v;
 }
 
-/// A model with Soave's temperature factor, all but its volume factor f(v).
+/// The parts that models with Soave's temperature factor have in common; each adds its volume factor f(v).
 struct soave_parameters {
     static constexpr std::size_t terms = 1;
     double Rgas = 0;
@@ -98,8 +98,8 @@ struct soave_parameters {
         return {soave_q(c_a, fw, Zc, T)};
     }
 
-    /// Finds the critical volume for the dimensional b, c_a and fw, completes the fluid's reference point and reduces
-    /// the constants; after a message all stay as they are.
+    /// Finds the critical volume from b and c_a in SI units, completes the fluid's reference point and reduces b and
+    /// c_a. After a message b, c_a and Rgas stay in SI units, and the fluid stays as it is.
     void reduce(equations::gas_constants &fluid, denominator (*D)(double b, double v), double tolerance,
                 std::string_view failure, records::error_text &message) {
         Rgas = fluid.R;

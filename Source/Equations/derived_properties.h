@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The algebra of derived properties: the chain rule on a model's exact derivatives at one state.
+// The algebra of derived properties: the chain rule, applied to a model's exact derivatives at one state.
 //
 // Given      a state point of separated_attraction.h and the ideal part, reduced
 // Returned   h and mu [P_ref v_ref], c [c_ref], cp [R], Gamma [-], and partial derivatives in these units
-// Valid      where the model is; zero divisors and a negative c^2 give the IEEE results of the formulas
+// Valid      where the model is valid; zero divisors and a negative c^2 give the IEEE results of the formulas
 // Reference  H. B. Callen, Thermodynamics (1985) ch. 7; P. A. Thompson, Phys. Fluids 14 (1971) 1843 (Gamma)
 #pragma once
 
@@ -15,7 +15,7 @@ namespace derived_properties {
 using separated_attraction::gradient;
 using separated_attraction::hessian;
 
-/// Everything about one state that derived properties need. A property computes only the parts that it uses.
+/// The derived properties of one state. Each of them computes only the parts of the state that it uses.
 template <class Point, class Ideal = separated_attraction::ideal_part>
 struct properties {
     using Real = decltype(Point::T);
@@ -98,16 +98,16 @@ struct properties {
         const auto [e_T, e_v] = at.de(ideal);
         return {P_T / e_T, (P_v - P_T * e_v / e_T) / (-1.0 / (v * v))};
     }
-    /// ((dP/d(rho e))_rho, (dP/drho)_(rho e)); rho e = e/v.
+    /// ((dP/d(rho e))_rho, (dP/drho)_(rho e)), where rho e = e/v.
     gradient<Real> dP_in_re_r() const {
         const auto [P_T, P_v] = at.dP();
         const auto [e_T, e_v] = at.de(ideal);
         const Real v2 = v * v;
         return {P_T / (e_T / v), (P_v - P_T * ((e_v / v - at.e(ideal) / v2) / (e_T / v))) / (-1.0 / v2)};
     }
-    /// Derivatives of that pair (A, B) with respect to T and v: (A_T, B_T, A_v, B_v).
+    /// Derivatives of dP_in_re_r() = (A, B) with respect to T and v: (A_T, B_T, A_v, B_v).
     hessian<Real> dP_in_re_r_gradient() const { return in_re_r().gradient; }
-    /// Second derivatives of P in (rho e, rho), in column order.
+    /// Second derivatives of P with respect to (rho e, rho), in column order.
     hessian<Real> d2P_in_re_r() const {
         const auto [pair_gradient, E_T, E_v] = in_re_r();
         const auto [A_T, B_T, A_v, B_v] = pair_gradient;
@@ -116,7 +116,7 @@ struct properties {
     }
 
 private:
-    /// The parts of both matrices, E = rho e.
+    /// The parts from which both matrices are made; E is rho e.
     struct in_conservative {
         hessian<Real> gradient;
         Real E_T;

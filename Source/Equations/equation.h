@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// An equation of state at work: a model, the ideal gas's part, and the bounds that searches keep.
+// An equation of state: a model, the part of the ideal gas, and the bounds that searches keep.
 //
-// A search that keeps T or v fixed takes an isotherm or an isochore: the fixed half of a state is evaluated once. A
-// state knows only `these` of the ideal gas's functions, so that no other is computed.
+// A search that keeps T or v fixed uses an isotherm or an isochore, so that the fixed half of a state is evaluated
+// once. The template argument `these` names the functions of the ideal gas that a state has; no others are computed.
 #pragma once
 
 #include "Equations/derived_properties.h"
@@ -17,7 +17,7 @@ struct bounds {
     double vmin = 0;
 };
 
-/// A state with `these` of the ideal gas at its temperature.
+/// A state, with `these` functions of the ideal gas at its temperature.
 template <class Model, unsigned these>
 struct evaluated_state {
     separated_attraction::state_point<Model, double> point;
@@ -30,7 +30,7 @@ struct evaluated_state {
     }
 };
 
-/// The states at one temperature: the call operator adds a volume.
+/// The states at one temperature. The call operator takes the volume.
 template <class Model, unsigned these>
 class isotherm {
 public:
@@ -46,7 +46,7 @@ private:
     separated_attraction::ideal_part_at<these> ideal_;
 };
 
-/// The states at one volume: the call operator adds a temperature.
+/// The states at one volume. The call operator takes the temperature.
 template <class Model, unsigned these>
 class isochore {
 public:
@@ -83,7 +83,8 @@ struct equation {
     OSTREL_INLINE evaluated_state<Model, these> at(double T, double v) const {
         return {{model, T, v}, {ideal, T}};
     }
-    /// Calls use(properties) with the derived properties at (T, v); only what is used of the ideal gas is computed.
+    /// Calls use(properties) with the derived properties at (T, v). Only those functions of the ideal gas are computed
+    /// that `use` asks for.
     template <class Use>
     OSTREL_INLINE auto properties(double T, double v, Use use) const {
         const state_point point(model, T, v);
@@ -91,7 +92,7 @@ struct equation {
     }
 };
 
-/// The heat capacity of no_model, with which energy and entropy are zero.
+/// The heat capacity that goes with no_model: energy and entropy are zero.
 constexpr ideal_gas_heat::heat_capacity heat_without_form() {
     ideal_gas_heat::heat_capacity heat;
     heat.Rgas = heat.P_ref = heat.v_ref = 1.0;
@@ -99,7 +100,7 @@ constexpr ideal_gas_heat::heat_capacity heat_without_form() {
 }
 inline constinit const ideal_gas_heat::heat_capacity no_heat = heat_without_form();
 
-/// The equation that the parts of a fluid make.
+/// The equation of state of a fluid, from its parts.
 template <class Model>
 equation<Model> equation_of(const Model &model, const gas_constants &fluid, const ideal_gas_heat::heat_capacity &heat,
                             const bounds &lowest = {}) {

@@ -6,7 +6,7 @@
 namespace equations {
 namespace {
 
-/// The model of a code with empty parameters, or no_model.
+/// The model that has this code, with empty parameters; no_model if there is none.
 any_model model_of(std::int32_t code) {
     any_model model;
 #define OSTREL_EMPTY_MODEL(unused, type, Model, ...) \

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// All parameters of one fluid, as a parameter file gives them and as they are completed.
+// All parameters of one fluid, first as a parameter file gives them and then completed.
 //
-// The file's sections follow each other: constants, gas_type, the model's own parameters, heat capacity, transport.
+// The sections of the file, in their order: constants, gas_type, the model's own parameters, heat capacity, transport.
 #pragma once
 
 #include "Equations/complete.h"
@@ -11,15 +11,15 @@ namespace equations {
 
 struct fluid_parameters {
     gas_constants constants{};
-    std::int32_t gas_type = 0; ///< as it was read; `model` is no_model where no model has this code
+    std::int32_t gas_type = 0; ///< as read; if no model has this code, `model` is no_model
     any_model model{};
     ideal_gas_heat::heat_capacity heat{};
     transport::parameters transport{};
     bounds lowest{};
 };
 
-/// Reads the sections up to the heat capacity into any instance of them; read_model() reads the model's own parameters
-/// once gas_type is known.
+/// Reads the sections up to the heat capacity. read_model() reads the model's own parameters as soon as gas_type is
+/// known.
 template <class ReadModel>
 void read_sections(records::record_reader &in, gas_constants &fluid, std::int32_t &gas_type, ReadModel read_model,
                    ideal_gas_heat::heat_capacity &heat) {
@@ -29,7 +29,7 @@ void read_sections(records::record_reader &in, gas_constants &fluid, std::int32_
     read(in, heat);
 }
 
-/// Writes them; write_model() writes the model's own parameters.
+/// Writes these sections; write_model() writes the model's own parameters.
 template <class WriteModel>
 void write_sections(records::record_writer &out, gas_constants &fluid, std::int32_t gas_type, WriteModel write_model,
                     const ideal_gas_heat::heat_capacity &heat) {
@@ -40,11 +40,11 @@ void write_sections(records::record_writer &out, gas_constants &fluid, std::int3
     write(out, heat);
 }
 
-/// Reads a whole parameter file. A failure stands in the reader, and the parameters read before it stay.
+/// Reads a whole parameter file. After a failure the reader has the message, and the parameters before it are read.
 OSTREL_VISIBLE void read(records::record_reader &in, fluid_parameters &fluid);
-/// Writes it.
+/// Writes a whole parameter file.
 OSTREL_VISIBLE void write(records::record_writer &out, fluid_parameters &fluid);
-/// Completes what was read, once; reports what keeps it from being completed.
+/// Completes the parameters; call it once after each reading. Reports why a fluid cannot be completed.
 OSTREL_VISIBLE void complete(fluid_parameters &fluid, records::error_text &message);
 
 } // namespace equations

@@ -36,7 +36,7 @@ void derive_from_critical_data(gas_constants &fluid) {
     fluid.Z_ref = fluid.Zc;
 }
 
-/// The records up to `vapor`.
+/// Reads the records up to `vapor`.
 bool read_head(records::record_reader &in, gas_constants &fluid) {
     in.skip("a heading");
     in.read_name("name", fluid.name);

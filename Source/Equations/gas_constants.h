@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The constants of a fluid: the first section of its parameter file, and the reference point that a model completes.
 //
-// Computes   R = 8314/MM, the reduction values of a fluid, and the acentric factor
-//            omega = (3/7) log10(Pc/1 atm) theta/(1 - theta) - 1, theta = Tb/Tc
-// Given      the first section of a parameter file: names, molar mass, then critical data (a vapor)
-//            or a plain reference state, then the constants of the transport models
-// Valid      Tb < Tc; Tb >= Tc gives a meaningless or infinite omega without a message
+// Computes   R = 8314/MM, the reference values of a fluid, and its acentric factor
+// Equation   omega = (3/7) log10(Pc/1 atm) theta/(1 - theta) - 1, theta = Tb/Tc
+// Given      the first section of a parameter file: the names, the molar mass, the critical data of a "vapor" or the
+//            reference state of another fluid, and two constants of the transport models
+// Valid      Tb < Tc; for Tb >= Tc omega is meaningless or infinite, without a message
 // Reference  W. C. Edmister, Petroleum Refiner 37(4) (1958) 173
 #pragma once
 
@@ -20,9 +20,9 @@
 
 namespace equations {
 
-/// Pressures are given in atm in parameter files.
+/// Parameter files give pressures in atm.
 inline constexpr double pascal_per_atm = 101325.0;
-/// J/(kmol K), the gas constant all parameter sets were made for.
+/// The universal gas constant [J/(kmol K)] for which all parameter sets were made.
 inline constexpr double universal_gas_constant = 8314.0;
 
 struct gas_constants {
@@ -40,7 +40,7 @@ struct gas_constants {
     double mu_ref = 0;  ///< reference viscosity [Pa s]
     double kk_ref = 0;  ///< reference thermal conductivity [W/(m K)]
     double c_ref = 0;   ///< reference speed, sqrt(P_ref v_ref) [m/s]
-    double cv0_ref = 0; ///< ideal-gas cv at Tc (vapor) or T_ref [J/(kg K)]
+    double cv0_ref = 0; ///< ideal-gas cv at Tc, without critical data at T_ref [J/(kg K)]
     double cp0_ref = 0; ///< cv0_ref + R [J/(kg K)]
     bool vapor = false; ///< whether critical data are known
     double Pc = 0;      ///< critical pressure [Pa]
@@ -53,11 +53,11 @@ struct gas_constants {
     double kh = 0;      ///< association factor [-]
 };
 
-/// When a constant has a record in the section.
+/// For which fluids the section has a record of the constant.
 enum class given { always, with_critical_data, with_reference_state };
 
-/// One record with one constant: its name and file unit, what it is, when it is there, and how the file's number
-/// becomes the stored one when it is read and the other way round when it is written.
+/// A record with one constant: its name, its unit in the file, its meaning, and the fluids that have it. The number in
+/// the file times read_factor is the stored value; the stored value divided by write_divisor is written.
 struct constant {
     std::string_view name;
     std::string_view unit;
@@ -68,7 +68,7 @@ struct constant {
     double write_divisor = 1.0;
 };
 
-/// The constants in the order of their records; behind the first stands the record `vapor`.
+/// The constants in the order of their records. The record `vapor` follows the first of them.
 inline constexpr constant molar_mass = {"MM", "kg/kmol", "molar mass", given::always, &gas_constants::MM};
 inline constexpr constant reference_and_critical[] = {
     {"T_ref", "K", "reference temperature", given::with_reference_state, &gas_constants::T_ref},
@@ -84,20 +84,20 @@ inline constexpr constant of_transport[] = {
     {"kh", "-", "association factor", given::always, &gas_constants::kh},
 };
 
-/// Whether the section of a fluid with critical data, or of one without, has the constant.
+/// Whether the section has the constant; `vapor` says whether the fluid has critical data.
 constexpr bool applies(const constant &entry, bool vapor) {
     return entry.when == given::always || (entry.when == given::with_critical_data) == vapor;
 }
 
 /// Reads the section.
 void read(records::record_reader &in, gas_constants &fluid);
-/// Writes the section; a plain reference pressure is written in Pa, as stored, not in atm as it is read. R is set anew
-/// from the molar mass.
+/// Writes the section, and sets R anew from the molar mass. P_ref of a fluid without critical data is written in Pa,
+/// although it is read in atm.
 void write(records::record_writer &out, gas_constants &fluid);
-/// Number of the record in which the section has the critical pressure; 0 if there is none or it cannot be read.
+/// The number of the record with the critical pressure; 0 if there is none or if it cannot be read.
 OSTREL_VISIBLE std::int64_t record_of_critical_pressure(records::record_reader &in);
 
-/// Completes the reference point of a fluid at critical volume vc [m3/kg] and compressibility Zc [-].
+/// Makes the critical point, with the volume vc [m3/kg] and the compressibility Zc [-], the fluid's reference point.
 inline void set_critical_reference(gas_constants &fluid, double vc, double Zc) {
     fluid.vc = vc;
     fluid.v_ref = vc;
@@ -107,7 +107,7 @@ inline void set_critical_reference(gas_constants &fluid, double vc, double Zc) {
     fluid.c_ref = std::sqrt(fluid.Pc * vc);
 }
 
-/// Completes the reference point of an ideal gas of constant compressibility Z [-], for either kind of fluid.
+/// Completes the reference point, with or without critical data, of an ideal gas with the compressibility Z [-].
 inline void complete_ideal_reference(gas_constants &fluid, double Z) {
     if (fluid.vapor) {
         set_critical_reference(fluid, Z * fluid.R * fluid.Tc / fluid.Pc, Z);
@@ -118,13 +118,13 @@ inline void complete_ideal_reference(gas_constants &fluid, double Z) {
     fluid.c_ref = std::sqrt(fluid.P_ref * fluid.v_ref);
 }
 
-/// Reports that a model needs critical data: the model's sentence, then the place that found out.
+/// Reports that a model needs critical data. The message ends with the model's sentence and the name of the routine.
 inline void report_not_a_vapor(records::error_text &message, const gas_constants &fluid, std::string_view sentence,
                                std::string_view location) {
     message.report({"The gas ", fluid.name.padded(), " is not a vapor: ", sentence, location});
 }
 
-/// The same, and true, for a fluid that has none.
+/// Returns whether the fluid has no critical data, and if so reports that the model needs them.
 inline bool lacks_critical_data(const gas_constants &fluid, std::string_view sentence, std::string_view location,
                                 records::error_text &message) {
     if (!fluid.vapor)

@@ -2,11 +2,11 @@
 // The ideal gas with a constant compressibility factor, gas_type 8 (module ideal_Z_gas).
 //
 // Equation   P v = Z Rgas T
-// Given      reduced T [T_ref], v [v_ref]; Z_const in one record of the file
+// Given      reduced T [T_ref], v [v_ref]; one record of the file has Z = Z_const
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      every fluid, near the state whose compressibility factor Z is. A fluid with critical data
-//            gets Zc = Z and T_ref = Z Tc in place of its own. One without them keeps its T_ref, so that
-//            P_ref v_ref is Z R T_ref: its pressures come out Z times, its heat capacities 1/Z times theirs
+// Valid      every fluid, near a state that has the compressibility factor Z. A fluid with critical data gets Zc = Z
+//            and T_ref = Z Tc instead of its own values. A fluid without them keeps T_ref, and P_ref v_ref becomes
+//            Z R T_ref: its pressures are wrong by the factor Z and its heat capacities by 1/Z
 // Reference  the definition of the compressibility factor, Z = P v/(R T)
 #pragma once
 

@@ -2,10 +2,10 @@
 // The ideal gas, gas_type 1 (module ideal_gas).
 //
 // Equation   P v = Rgas T
-// Given      reduced T [T_ref], v [v_ref]; no parameters in the file
+// Given      reduced T [T_ref], v [v_ref]; the file has no parameters of this model
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      every fluid; densities far below the critical one. A fluid with critical data gets
-//            Zc = 1 and T_ref = Tc in place of its own
+// Valid      every fluid, at densities far below the critical density. A fluid with critical data gets Zc = 1 and
+//            T_ref = Tc instead of its own values
 // Reference  E. Clapeyron, J. de l'Ecole Polytechnique 14 (1834) 153
 #pragma once
 

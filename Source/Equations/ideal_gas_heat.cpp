@@ -9,7 +9,7 @@ namespace {
 
 constexpr double no_upper_bound = std::numeric_limits<double>::max();
 
-/// The number of elements that a count from a file stands for.
+/// The number of elements for a count from a file; a negative count means none.
 std::size_t length(std::int32_t count) {
     return static_cast<std::size_t>(std::max(count, 0));
 }
@@ -28,8 +28,8 @@ void read_polynomial(records::record_reader &in, heat_capacity &h) {
     in.read_list("n_i", std::span(h.n_i));
 }
 
-/// Every array has its new length before the first value is read, so that a section which breaks off
-/// leaves something that can be evaluated.
+/// Gives every array its new length before the first value is read, so that the heat capacity can be evaluated even if
+/// the section is incomplete.
 void allocate_intervals(heat_capacity &h, std::size_t K) {
     h.T_k.assign(K + 1, 0.0);
     h.T_k[K] = no_upper_bound;
@@ -109,7 +109,7 @@ void make_dimensional(heat_capacity &h) {
     }
 }
 
-/// Lifts each interval's antiderivatives to meet those of the interval below at their common bound.
+/// Shifts phi and psi of each interval so that they meet those of the interval below at the common bound.
 void join_intervals(heat_capacity &h) {
     const std::size_t K = h.cv_0_k.size();
     h.phi0_k.assign(K, 0.0);

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The ideal-gas heat capacity and its integrals.
 //
-// Computes   cv(T) in five forms, phi = integral of cv dT, psi = integral of cv/T dT, dcv/dT
-// Equation   1 cv_0   2 cv_oo_Tc (T/Tc)^np   3 cv_0 + sum a_i T^n_i   4 the same per temperature interval
+// Computes   cv(T) in five forms, dcv/dT, phi = integral of cv dT and psi = integral of cv/T dT
+// Equation   1 cv_0   2 cv_oo_Tc (T/Tc)^np   3 cv_0 + sum a_i T^n_i   4 form 3 in each temperature interval
 //            5 cv_0 + Rgas sum E(Tv_k/T), E(x) = x^2 e^x/(e^x - 1)^2
-// Given      reduced temperature t = T/T_ref; phi and psi are returned in units of P_ref v_ref and of Rgas
-// Valid      T > 0. Form 4 is 0 at and outside its bounds; exponents -1 (phi) and 0 (psi) divide by zero
-// Accuracy   rounding of the sums; in form 5 the terms with Tv_k << T are good to about eps T/Tv_k in cv, phi
-//            and psi and to eps (T/Tv_k)^2 in dcv/dT
+// Given      T [K], or the reduced temperature t = T/T_ref
+// Returned   SI units, or for a reduced temperature phi [P_ref v_ref] and psi [Rgas]
+// Valid      T > 0. Form 4 is 0 at the bounds of its intervals and outside them. A term with the exponent -1
+//            divides by zero in phi, and one with the exponent 0 in psi
+// Accuracy   rounding of the sums. In form 5 a term with Tv_k << T has a relative error of about eps T/Tv_k in cv, phi
+//            and psi, and of eps (T/Tv_k)^2 in dcv/dT
 // Reference  A. Einstein, Ann. Phys. 22 (1907) 180
 #pragma once
 
@@ -22,7 +24,7 @@
 
 namespace ideal_gas_heat {
 
-/// The forms by their code in parameter files.
+/// The forms, by their codes in parameter files.
 enum form : std::int32_t { constant = 1, power_law = 2, polynomial = 3, piecewise = 4, einstein = 5 };
 
 struct described_form {
@@ -39,22 +41,22 @@ inline constexpr described_form forms[] = {
     {einstein, "constant and Einstein terms", "cv = cv_0 + R sum x^2 e^x/(e^x - 1)^2, x = Tv/T"},
 };
 
-/// Units are those after initialisation.
+/// The units are those after initialisation.
 struct heat_capacity {
-    bool coeff_adim = false;        ///< coefficients in units of Rgas, temperatures in units of T_ref
-    std::int32_t function_type = 0; ///< one of `form`; anything else makes every result 0
+    bool coeff_adim = false;        ///< whether the file has coefficients in Rgas, T_k and Tv in T_ref
+    std::int32_t function_type = 0; ///< one of `form`; with any other code every result is 0
     double cv_0 = 0;                ///< forms 1, 3, 5 [J/(kg K)]
     double cv_oo_Tc = 0;            ///< form 2, cv at Tc [J/(kg K)]
     double np = 0;                  ///< form 2, exponent [-]
     double Tc = 0;                  ///< form 2 [K]
     std::vector<double> a_i, n_i;   ///< form 3, coefficients [J/(kg K) per K^n_i] and exponents [-]
-    std::vector<double> T_k;        ///< form 4, K lower bounds and the last upper one [K]
+    std::vector<double> T_k;        ///< form 4, the K lower bounds and the last upper bound [K]
     std::vector<double> cv_0_k;     ///< form 4, constant term of each interval [J/(kg K)]
     std::vector<std::int32_t> n_k;  ///< form 4, number of power terms of each interval
-    std::size_t terms = 0;          ///< form 4, M = the largest n_k: the rows of a_ik and n_ik
+    std::size_t terms = 0;          ///< form 4, M, the largest n_k, is the number of rows of a_ik and n_ik
     std::vector<double> a_ik, n_ik; ///< form 4, interval k in column k, M rows
-    std::vector<double> phi0_k;     ///< form 4, makes phi continuous [J/kg]
-    std::vector<double> psi0_k;     ///< form 4, makes psi continuous [J/(kg K)]
+    std::vector<double> phi0_k;     ///< form 4, constants that make phi continuous [J/kg]
+    std::vector<double> psi0_k;     ///< form 4, constants that make psi continuous [J/(kg K)]
     std::vector<double> Tv;         ///< form 5, characteristic temperatures [K]
     double Rgas = 0;                ///< specific gas constant [J/(kg K)]
     double T_ref = 0;               ///< [K]
@@ -62,7 +64,7 @@ struct heat_capacity {
     double v_ref = 0;               ///< [m3/kg]
 };
 
-// The pure algebra, T dimensional.
+// The algebra, with T in K.
 
 inline double real_part(double x) {
     return x;
@@ -74,16 +76,16 @@ inline double real_part(const std::complex<double> &x) {
     return x.real();
 }
 
-/// What there is to know of the ideal gas at one temperature T [K].
+/// The functions of the ideal gas at one temperature.
 template <class Real>
 struct caloric {
     Real phi{}; ///< energy [J/kg]
     Real psi{}; ///< entropy [J/(kg K)]
     Real cv{};  ///< isochoric heat capacity [J/(kg K)]
-    Real dcv{}; ///< its slope [J/(kg K2)]
+    Real dcv{}; ///< dcv/dT [J/(kg K2)]
 };
 
-/// T^n; the exponents of most polynomials are small whole numbers, for which products are much faster.
+/// T^n. Most exponents are small whole numbers, for which products are much faster than pow.
 template <class Real>
 Real power(Real T, double n) {
     using std::pow;
@@ -98,7 +100,7 @@ Real power(Real T, double n) {
     return pow(T, static_cast<decltype(real_part(T))>(n));
 }
 
-/// A constant and power terms: n exponents and coefficients.
+/// A constant and `count` power terms, with their coefficients and exponents.
 struct powers {
     double constant;
     const double *coefficient;
@@ -127,13 +129,13 @@ inline powers polynomial_terms(const heat_capacity &h) {
     return {h.cv_0, h.a_i.data(), h.n_i.data(), h.a_i.size()};
 }
 
-/// The power terms of interval k of form 4, k from 0.
+/// The power terms of interval k of form 4; k starts at 0.
 inline powers interval_terms(const heat_capacity &h, std::size_t k) {
     const auto wanted = static_cast<std::size_t>(std::max(h.n_k[k], 0));
     return {h.cv_0_k[k], h.a_ik.data() + k * h.terms, h.n_ik.data() + k * h.terms, std::min(wanted, h.terms)};
 }
 
-/// The last interval of form 4 that holds T strictly between its bounds, or the number of intervals.
+/// The last interval of form 4 with T strictly between its bounds; the number of intervals if there is none.
 template <class Real>
 std::size_t interval_of(const heat_capacity &h, Real T) {
     const std::size_t count = h.cv_0_k.size();
@@ -144,8 +146,8 @@ std::size_t interval_of(const heat_capacity &h, Real T) {
     return found;
 }
 
-/// Form 5. All is formed from e^(-|x|), so that a term far below its temperature is 0 instead of inf/inf; equal
-/// characteristic temperatures next to each other are one term, counted.
+/// Form 5. Every part is computed from e^(-|x|), so that a term with T << Tv is 0 and not inf/inf. Characteristic
+/// temperatures that are equal and follow each other are computed as one term times their number.
 template <class Real>
 OSTREL_INLINE caloric<Real> einstein_terms(const heat_capacity &h, Real T) {
     using std::exp;
@@ -163,7 +165,7 @@ OSTREL_INLINE caloric<Real> einstein_terms(const heat_capacity &h, Real T) {
         const Real x = below_zero ? -signed_x : signed_x;
         const Real decay = exp(-x);
         if (decay == Real(0)) {
-            // Nothing is left of the term; below zero 1/(e^x - 1) is -1, and the entropy has no value.
+            // The term vanishes. Below T = 0, however, 1/(e^x - 1) is -1 and the entropy is a NaN.
             if (below_zero) {
                 sum.phi += Real(-count * Tv);
                 sum.psi += log(signed_x);
@@ -182,7 +184,7 @@ OSTREL_INLINE caloric<Real> einstein_terms(const heat_capacity &h, Real T) {
             h.Rgas * sum.dcv};
 }
 
-/// All of them by the form in use; 0 by an unknown one, and by form 4 at and outside its bounds.
+/// All functions, by the form in use. They are 0 for an unknown form, and for form 4 outside its intervals.
 template <class Real>
 OSTREL_INLINE caloric<Real> everything(const heat_capacity &h, Real T) {
     using std::log;
@@ -207,10 +209,10 @@ OSTREL_INLINE caloric<Real> everything(const heat_capacity &h, Real T) {
     }
 }
 
-/// What may be wanted at one temperature; sums of these.
+/// The functions that a caller wants are a sum of these.
 enum wanted : unsigned { energy = 1, entropy = 2, heat = 4, heat_slope = 8 };
 
-/// Some of them, from one pass over the terms; what is not wanted is not computed and stays 0.
+/// The functions `these` at T [K], from one pass over the terms. The others are not computed and stay 0.
 template <unsigned these, class Real>
 caloric<Real> evaluate(const heat_capacity &h, Real T) {
     const caloric<Real> all = everything(h, T);
@@ -232,7 +234,7 @@ Real cv(const heat_capacity &h, Real T) {
     return evaluate<heat>(h, T).cv;
 }
 
-/// The same reduced, as functions of t = T/T_ref: phi, psi, dphi/dt and d2phi/dt2.
+/// The reduced functions at t = T/T_ref: phi [P_ref v_ref], psi [Rgas], dphi/dt and d2phi/dt2.
 template <unsigned these, class Real>
 caloric<Real> evaluate_reduced(const heat_capacity &h, Real t) {
     const auto [phi, psi, cv, dcv] = evaluate<these>(h, t * h.T_ref);
@@ -256,13 +258,13 @@ Real psi_reduced(const heat_capacity &h, Real t) {
     return evaluate_reduced<entropy>(h, t).psi;
 }
 
-/// Makes freshly read coefficients dimensional, sets the interval constants of form 4 and the fluid's
-/// reference heat capacities. Form 2 on a fluid without critical data reports and does nothing else.
+/// Makes the coefficients dimensional, and sets the interval constants of form 4 and the fluid's reference heat
+/// capacities; call it once after each reading. For form 2 without critical data it reports, and sets none of them.
 void initialise(heat_capacity &h, equations::gas_constants &fluid, records::error_text &message);
 
 /// Reads the section of a parameter file.
 void read(records::record_reader &in, heat_capacity &h);
-/// Writes the heat capacity in memory: after an initialisation dimensional values, also where coeff_adim is true.
+/// Writes the values in memory: after an initialisation they are dimensional, even if coeff_adim is true.
 void write(records::record_writer &out, const heat_capacity &h);
 
 } // namespace ideal_gas_heat

@@ -2,11 +2,11 @@
 // The Martin-Hou equation, gas_type 3 (module martin_hou_gas).
 //
 // Equation   P = Rgas T/(v - b) + sum over i = 1..4 of (A_i + B_i T + C_i exp(-kk T))/(v - b)^(i+1)
-// Given      reduced T [T_ref], v [v_ref]; the coefficients follow from Zc, Pc, Tc and Tb, no file parameters
+// Given      reduced T [T_ref], v [v_ref]; the coefficients follow from Zc, Pc, Tc and Tb, not from the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; made for densities up to 1.5 times the critical one. The
-//            critical point is met exactly; A_4, B_3 and C_3 are zero by construction. Tb >= Tc, Zc = 0 or a
-//            zero denominator gives infinite or NaN coefficients without a message
+// Valid      fluids with critical data, v > b. The equation is made for densities up to 1.5 times the critical density
+//            and meets the critical point exactly. A_4, B_3 and C_3 are always zero. Tb >= Tc, Zc = 0 or a zero
+//            denominator gives infinite or NaN coefficients, without a message
 // Reference  J. J. Martin, Y.-C. Hou, AIChE J. 1 (1955) 142; J. J. Martin, R. M. Kapoor, N. De Nevers,
 //            AIChE J. 5 (1959) 159
 #pragma once
@@ -56,10 +56,10 @@ struct martin_hou {
     }
 };
 
-/// The coefficients in v/vc and T/Tc from Zc [-], Pc [Pa], Tc [K] and Tb [K], by the construction of Martin and Hou:
-/// the critical conditions hold; the slope of the critical isometric is Riedel's, from Tb; the isometrics at vc and
-/// vc/2 are straight; at the Boyle temperature m the second virial coefficient vanishes, and at tau the isotherm starts
-/// towards the critical point (m and tau in units of Tc).
+/// The coefficients for v/vc and T/Tc, from Zc [-], Pc [Pa], Tc [K] and Tb [K], by the construction of Martin and Hou:
+/// the critical conditions hold; the slope of the critical isometric follows from Tb as Riedel found; the isometrics at
+/// vc and vc/2 are straight; the second virial coefficient vanishes at the Boyle temperature m; in a chart of P v/(R T)
+/// over P the isotherm at tau starts in the direction of the critical point. m and tau are in units of Tc.
 inline void compute_coefficients(martin_hou &p, double Zc, double Pc, double Tc, double Tb) {
     constexpr double exponent = 5.475;
     constexpr double exponential_at_Tc = 0.004190228549984579;
@@ -95,7 +95,7 @@ inline void compute_coefficients(martin_hou &p, double Zc, double Pc, double Tc,
     p.kk = exponent;
 }
 
-/// The coefficients in v [m3/kg] and T [K], P in Pa, from those in v/vc and T/Tc; Rgas is in J/(kg K) here.
+/// Turns the coefficients for v/vc and T/Tc into those for v [m3/kg], T [K] and P [Pa]; here Rgas is in J/(kg K).
 inline void make_dimensional(martin_hou &p, double Zc, double Pc, double Tc) {
     const double vc = p.Rgas * Tc * Zc / Pc;
     double scale = Pc * vc; // Pc vc^(i+1)

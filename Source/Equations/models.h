@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The table of the models. The enumeration of their codes, the type that holds any of them, their names and every
-// switch over gas_type are made from it, so that no switch can lack a model.
+// The table of the models. It makes the enumeration of their codes, the type that holds any of them, their names and
+// every switch over gas_type, so that no switch can lack a model.
 #pragma once
 
 #include "Equations/clausius_II.h"
@@ -18,8 +18,8 @@
 #include <type_traits>
 #include <variant>
 
-/// gas_type and parameters of the models, module and suffix of their operations, their short names of 3 and their long
-/// names of 29 characters, and the names that people use. `what` is handed on to every use.
+/// For each model: gas_type, the type of its parameters, the module and the suffix of its operations, the short name of
+/// 3 and the long name of 29 characters, and the name that people use. USE receives `what` as its first argument.
 #define OSTREL_MODELS(USE, what)                                                                                  \
     USE(what, 1, ideal_gas, ideal_gas, IG, "IG ", "IDEAL GAS MODEL              ", "ideal gas")                   \
     USE(what, 2, van_der_waals, van_der_waals_gas, vdWG, "VDW", "VAN DER WAALS GAS MODEL      ", "van der Waals") \
@@ -40,17 +40,17 @@ enum code : std::int32_t { none = 0, OSTREL_MODELS(OSTREL_MODEL_CODE, ) };
 
 namespace equations {
 
-/// Stands in for a model where there is none: its pressure, and all that follows from it, is zero.
+/// Takes the place of a model if there is none: its pressure is zero, and so is everything that follows from it.
 struct no_model : separated_attraction::no_attraction {
     static double repulsion() { return 0; }
 };
 inline void initialise(no_model &, gas_constants &, records::error_text &) {}
 
-/// Whether there is a model, for code that is compiled for each of them and for none.
+/// False for no_model, for code that is compiled for every model and for no_model.
 template <class Model>
 inline constexpr bool is_model = !std::is_same_v<Model, no_model>;
 
-/// Holds the parameters of one model; its index is the code.
+/// The parameters of one model; the index of the variant is the model's code.
 #define OSTREL_MODEL_TYPE(unused, type, Model, ...) , Model
 using any_model = std::variant<no_model OSTREL_MODELS(OSTREL_MODEL_TYPE, )>;
 #undef OSTREL_MODEL_TYPE
@@ -60,21 +60,21 @@ inline constexpr std::size_t model_count = std::variant_size_v<any_model> - 1;
 struct model_names {
     std::string_view short_name; ///< 3 characters, blank-padded
     std::string_view long_name;  ///< 29 characters, blank-padded
-    std::string_view name;       ///< as people call it
+    std::string_view name;       ///< the name that people use
 };
 #define OSTREL_MODEL_NAMES(unused, type, Model, module, X, short_name, long_name, name) {short_name, long_name, name},
-/// In the order of the codes, the first of which is 1.
+/// The names in the order of the codes, which start at 1.
 inline constexpr std::array<model_names, model_count> names_of_models = {{OSTREL_MODELS(OSTREL_MODEL_NAMES, )}};
 #undef OSTREL_MODEL_NAMES
 
-/// The names of a model; none for a code that no model has.
+/// The names of a model; null for a code that no model has.
 constexpr const model_names *find_model(std::int32_t code) {
     return code >= 1 && code <= static_cast<std::int32_t>(model_count)
                ? &names_of_models[static_cast<std::size_t>(code - 1)]
                : nullptr;
 }
 
-// The records that a model has of its own in a parameter file.
+// Reading and writing of the records that only one model has in a parameter file.
 
 inline void read_parameters(records::record_reader &in, ideal_Z &p) {
     in.read({{"Z_const", p.Z_const}});

@@ -2,10 +2,10 @@
 // The Peng-Robinson equation, gas_type 5 (module peng_robinson_gas).
 //
 // Equation   P = Rgas T/(v - b) - c_a alpha(T)/(v^2 + 2 b v - b^2), alpha = (1 + fw (1 - sqrt(T/Tc)))^2
-// Given      reduced T [T_ref], v [v_ref]; b, c_a and fw follow from Tc, Pc and omega, no file parameters
+// Given      reduced T [T_ref], v [v_ref]; b, c_a and fw follow from Tc, Pc and omega, not from the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; Zc = 0.32138 in place of the fluid's own
-// Accuracy   (T, v) = (1/Zc, 1) is near, not at, the critical point of the equation with its rounded constants
+// Valid      fluids with critical data, v > b; Zc = 0.32138 replaces the fluid's own value
+// Accuracy   the constants are rounded: (T, v) = (1/Zc, 1) is near the critical point of the equation, but not at it
 // Reference  D.-Y. Peng, D. B. Robinson, Ind. Eng. Chem. Fundam. 15 (1976) 59
 #pragma once
 

@@ -2,10 +2,10 @@
 // The Redlich-Kwong equation, gas_type 6 (module redlich_kwong_gas).
 //
 // Equation   P = Rgas T/(v - b) - a/(sqrt(T) v (v + b))
-// Given      reduced T [T_ref], v [v_ref]; a and b follow from Tc and Pc, no file parameters
+// Given      reduced T [T_ref], v [v_ref]; a and b follow from Tc and Pc, not from the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; Zc = 1/3 in place of the fluid's own
-// Accuracy   the critical point as far as cubic_attraction.h finds it
+// Valid      fluids with critical data, v > b; Zc = 1/3 replaces the fluid's own value
+// Accuracy   that of the critical volume, see cubic_attraction.h
 // Reference  O. Redlich, J. N. S. Kwong, Chem. Rev. 44 (1949) 233
 #pragma once
 

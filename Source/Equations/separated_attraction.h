@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The algebra of all equations of state of the form with separated attraction.
+// The algebra of all equations of state whose attraction is a sum of products of a function of T and one of v.
 //
 // Computes   pressure, energy, entropy, isochoric heat capacity and their exact derivatives
 // Equation   P = Rgas T/(v - b) + sum over i of q_i(T) f_i'(v);  e = e_0 + phi + sum (T q_i' - q_i) f_i;
 //            s = psi + sum q_i' f_i + s_0 + Rgas ln(v - b)
-// Given      a model (below), an ideal part, and reduced T [T_ref] and v [v_ref]
-// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], derivatives in the same units
-// Valid      v > b, T > 0; elsewhere the IEEE results of the formulas, never a failure
+// Given      a model (described below), an ideal part, and reduced T [T_ref] and v [v_ref]
+// Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and derivatives in these units
+// Valid      v > b, T > 0; elsewhere the results are what IEEE arithmetic makes of the formulas, never a failure
 // Reference  H. B. Callen, Thermodynamics and an Introduction to Thermostatistics (1985) ch. 3 and 7: e and s
 //            from P by the Maxwell relations
 #pragma once
@@ -20,12 +20,12 @@
 
 namespace separated_attraction {
 
-/// Per attraction term a factor and its first three derivatives: q, q', q'', q''' or f, f', f'', f'''.
+/// For each attraction term a factor and its first three derivatives: q, q', q'', q''' or f, f', f'', f'''.
 template <class Real, std::size_t terms>
 using factors = std::array<std::array<Real, 4>, terms>;
 
-/// Calls use(0) to use(count - 1), each written out: in a loop, compilers also compute the parts of each term that
-/// nobody uses.
+/// Calls use(0) to use(count - 1) without a loop: in a loop, compilers also compute the parts of each term that nobody
+/// uses.
 template <std::size_t count, class Use>
 OSTREL_INLINE void for_each_index(Use use) {
     [&]<std::size_t... i>(std::index_sequence<i...>) {
@@ -66,7 +66,7 @@ struct ideal_part {
     }
 };
 
-/// The same at one temperature, for a caller that wants more than one of them: `these` are computed together, once.
+/// The ideal part at one temperature: its functions `these` are computed once and together.
 template <unsigned these>
 class ideal_part_at {
 public:
@@ -88,10 +88,10 @@ private:
 
 /// A model is a struct of reduced parameters with
 ///   terms          the number of attraction terms, 0 to 4
-///   covolume()     b in v_ref
-///   repulsion()    the factor of T/(v - b), Rgas for most
+///   covolume()     b [v_ref]
+///   repulsion()    the factor of T/(v - b), which is Rgas for most models
 ///   q(T), f(v)     the factors of its terms
-/// Models without attraction derive from this one and add `repulsion`.
+/// Models without attraction derive from this struct and add repulsion().
 struct no_attraction {
     static constexpr std::size_t terms = 0;
     static double covolume() { return 0; }
@@ -105,8 +105,8 @@ struct no_attraction {
     }
 };
 
-/// The half of a state that depends on the temperature, and the half that depends on the volume. A search that keeps
-/// one of the two fixed evaluates that half once.
+/// The half of a state that depends on the temperature, and below it the half that depends on the volume. A search with
+/// fixed T or v evaluates one half only once.
 template <class Model, class Real>
 struct temperature_side {
     Real T;
@@ -124,7 +124,7 @@ struct volume_side {
         : v(volume), w(volume - model.covolume()), ff(model.f(volume)) {}
 };
 
-/// One state of a model: all results at one (T, v) come from one evaluation of q and f. The ideal part is an
+/// One state of a model: all results at (T, v) come from one evaluation of q and f. The argument `ideal` is an
 /// ideal_part, or an ideal_part_at of the same temperature.
 template <class Model, class Real>
 struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
@@ -143,7 +143,7 @@ struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
     OSTREL_INLINE state_point(const Model &model, Real temperature, Real volume)
         : state_point(model, temperature_side(model, temperature), volume_side(model, volume)) {}
 
-    /// Sum over the terms of a product formed from q, q', q'', q''' and f, f', f'', f'''.
+    /// The sum over the terms of term(q, f), where q holds q, q', q'', q''' and f holds f, f', f'', f'''.
     template <class Term>
     OSTREL_INLINE Real sum(Term term) const {
         Real result = 0;
@@ -204,9 +204,9 @@ private:
     }
 };
 
-// The operations of the model contract, each one line on the state point.
+// The operations that every module has: reduced T [T_ref] and v [v_ref], results in the units above.
 
-/// b and a little more; models without attraction have no co-volume either.
+/// The lowest volume [v_ref]: b (1 + 1e-12), or 1e-12 for models without attraction, whose b is 0.
 template <class Model>
 double minimum_specific_volume(const Model &model) {
     return Model::terms == 0 ? 1.0e-12 : model.covolume() * 1.000000000001;

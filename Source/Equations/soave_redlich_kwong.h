@@ -2,11 +2,11 @@
 // The Soave-Redlich-Kwong equation, gas_type 4 (module soave_redlich_kwong_gas).
 //
 // Equation   P = Rgas T/(v - b) - c_a alpha(T)/(v (v + b)), alpha = (1 + fw (1 - sqrt(T/Tc)))^2
-// Given      reduced T [T_ref], v [v_ref]; b, c_a and fw follow from Tc, Pc and omega, no file parameters
+// Given      reduced T [T_ref], v [v_ref]; b, c_a and fw follow from Tc, Pc and omega, not from the file
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; Zc = 1/3 in place of the fluid's own
-// Accuracy   the critical point as far as cubic_attraction.h finds it
-// Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197; fw = 0.48 + 1.574 w - 0.176 w^2
+// Valid      fluids with critical data, v > b; Zc = 1/3 replaces the fluid's own value
+// Accuracy   that of the critical volume, see cubic_attraction.h
+// Reference  G. Soave, Chem. Eng. Sci. 27 (1972) 1197; fw = 0.48 + 1.574 omega - 0.176 omega^2
 #pragma once
 
 #include "Equations/cubic_attraction.h"

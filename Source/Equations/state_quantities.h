@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The quantities that searches are given, each with its derivatives at a state.
+// The quantities whose values searches are given, with their derivatives at a state.
 //
-// Given      the derived properties of a state (derived_properties.h), reduced
-// Returned   value(p); slopes(p), the derivatives to T and v, where a search in both wants them; slope_T(p) or
-//            slope_v(p) for a search in one of them; caloric, the functions of the ideal gas in all these
+// Computes   value(p); for a search in T or in v its derivative slope_T(p) or slope_v(p); for a search in both
+//            slopes(p), the derivatives with respect to T and v. `caloric` names the functions of the ideal gas in them
+// Given      p, the reduced derived properties of a state (derived_properties.h)
+// Returned   e and h [P_ref v_ref], P [P_ref], s [R], c^2 [P_ref v_ref], and derivatives in these units
 #pragma once
 
 #include "Equations/derived_properties.h"

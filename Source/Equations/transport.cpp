@@ -33,7 +33,7 @@ void write(records::record_writer &out, const parameters &p, std::int32_t code, 
     }
 }
 
-// Chung's coefficients: each is c0 + c1 omega + c2 mur^4 + c3 kh.
+// Chung's correlations. A row c0, c1, c2, c3 stands for the coefficient c0 + c1 omega + c2 mur^4 + c3 kh.
 using correlation = std::array<double, 4>;
 constexpr std::array<correlation, 10> viscosity_coefficients = {{
     {6.32402, 50.4119, -51.6801, 1189.02},
@@ -67,7 +67,7 @@ void correlate(std::array<double, count> &result, const std::array<correlation, 
         result[i] = table[i][0] + table[i][1] * p.omega + table[i][2] * fourth_power(p.mur) + table[i][3] * p.kh;
 }
 
-/// The viscosity model fits the conductivity model and the fluid, or a message says why not.
+/// Whether the viscosity model goes with the conductivity model and with the fluid; reports why if it does not.
 bool applicable(const parameters &p, const equations::gas_constants &fluid, records::error_text &message) {
     if (p.viscosity_model != dilute_gas && p.viscosity_model != dense_gas)
         return true;

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Dynamic viscosity and thermal conductivity.
 //
-// Equation   viscosity by 1 a constant, 2, 3 Chung's correlation for dilute and dense gases, 4 corresponding
-//            states, 5 Sutherland's law, 6 a law linear in T; conductivity by 1 a constant, 2, 3 Chung, 4 a constant
-//            Prandtl number
-// Given      T [K] and v [m3/kg], or both reduced
-// Returned   viscosity [Pa s] and conductivity [W/(m K)], or both over their values at the critical point (the
-//            reference point of a fluid without critical data)
-// Valid      Chung: fluids with critical data; dense gas: v > vc/6, division by zero there. Kept because hosts rely on
-//            it: viscosity 2 answers in 0.1 Pa s, without the factor 0.1 of model 3; the conductivities of the same
-//            kind are 17.506 times smaller than W/(m K), 2 with another viscosity 175.06 times; 3 with another
-//            viscosity lacks the dilute gas's part; the sine in the collision integral has a tenth of its constant
-// Accuracy   rounding, also at vanishing density (not at v = infinity). The published forms: 4 % in viscosity, 6 % in
-//            conductivity, with the fluid's own vc; with a model's larger Zc the dilute gas comes out lower by (Zc of
-//            the fluid/Zc)^(2/3). The sine changes the collision integral by up to 0.2 %
+// Equation   viscosity: 1 a constant, 2 Chung's dilute gas, 3 Chung's dense gas, 4 corresponding states, 5 Sutherland's
+//            law, 6 linear in T; conductivity: 1 a constant, 2 and 3 as for viscosity, 4 a constant Prandtl number
+// Given      T [K] and v [m3/kg]
+// Returned   viscosity [Pa s] and conductivity [W/(m K)], but in other units by Chung's models:
+//              viscosity 2         the unit is 0.1 Pa s
+//              conductivity 2, 3   the unit is 17.506 W/(m K); 2 with a viscosity other than 2: 175.06 W/(m K)
+// Valid      Chung's models need critical data, and for the dense gas v > vc/6; at vc/6 they divide by zero.
+//            Conductivity 3 needs viscosity 3: without it the part of the dilute gas is missing.
+//            Hosts rely on these units, on the missing part and on the sine of collision_integral(): do not mend them
+// Accuracy   rounding, also as the density vanishes, but not at v = infinity. Chung's published forms: 4 % in viscosity
+//            and 6 % in conductivity with the fluid's own vc. A model with a larger Zc than the fluid lowers the dilute
+//            gas by (Zc of the fluid/Zc)^(2/3); the sine changes the collision integral by up to 0.2 %
 // Reference  T.-H. Chung, M. Ajlan, L. L. Lee, K. E. Starling, Ind. Eng. Chem. Res. 27 (1988) 671; P. D. Neufeld,
 //            A. R. Janzen, R. A. Aziz, J. Chem. Phys. 57 (1972) 1100; L. I. Stiel, G. Thodos, AIChE J. 7 (1961) 611;
 //            W. Sutherland, Phil. Mag. 36 (1893) 507
@@ -29,7 +28,7 @@
 
 namespace transport {
 
-/// The models by their codes in parameter files.
+/// The models, by their codes in parameter files.
 enum viscosity_code : std::int32_t {
     constant_viscosity = 1,
     dilute_gas = 2,
@@ -57,7 +56,7 @@ struct parameters {
     double T_ref_l = 0;  ///< linear law: reference temperature [K]
     double Pr = 0;       ///< Prandtl number [-]
 
-    // What initialisation copies from the fluid; from Tc on only if it has critical data.
+    // Initialisation copies these from the fluid; those from Tc on only if the fluid has critical data.
     double m_mole = 0; ///< molar mass [kg/kmol]
     double Rgas = 0;   ///< specific gas constant [J/(kg K)]
     double T_ref = 0;  ///< reference temperature [K]
@@ -72,21 +71,21 @@ struct parameters {
     double mur = 0;    ///< reduced dipole moment [-]
     double kh = 0;     ///< association factor [-]
 
-    // What it derives.
+    // Initialisation and completion derive these.
     double area = 0;             ///< critical molar volume to the power 2/3 [(cm3/mol)^(2/3)]
     double mu_corr = 0;          ///< corresponding states: the viscosity at Tc [Pa s]
     double fc = 0;               ///< shape and polarity factor of the dilute gas [-]
-    double beta = 0;             ///< of the dilute gas's conductivity [-]
-    std::array<double, 10> aa{}; ///< E1 to E10 of the dense gas's viscosity [-]
-    std::array<double, 7> bb{};  ///< B1 to B7 of the dense gas's conductivity [-]
-    double mu_ref = 0;           ///< reference viscosity, in the active model's unit [Pa s]
-    double kk_ref = 0;           ///< reference thermal conductivity, likewise [W/(m K)]
+    double beta = 0;             ///< factor in the conductivity of the dilute gas [-]
+    std::array<double, 10> aa{}; ///< E1 to E10 in the viscosity of the dense gas [-]
+    std::array<double, 7> bb{};  ///< B1 to B7 in the conductivity of the dense gas [-]
+    double mu_ref = 0;           ///< reference viscosity [Pa s], or in the unit of Chung's model
+    double kk_ref = 0;           ///< reference conductivity [W/(m K)], or in the unit of Chung's model
 };
 
-// The pure algebra, T [K] and v [m3/kg].
+// The algebra, with T in K and v in m3/kg.
 
-/// Reduced collision integral of the Lennard-Jones potential at T* = 1.2593 T/Tc. The argument of the sine holds a
-/// tenth of the published constant; parameter sets and hosts rely on that.
+/// Reduced collision integral of the Lennard-Jones potential at T* = 1.2593 T/Tc. In the argument of the sine 1.80323
+/// is a tenth of the published constant; parameter sets and hosts rely on it.
 template <class Real>
 Real collision_integral(Real T_star) {
     using std::exp;
@@ -102,7 +101,7 @@ Real reduced_temperature(const parameters &p, Real T) {
     return T / p.Tc;
 }
 
-/// Viscosity of the dilute gas in Chung's unit, 0.1 Pa s.
+/// Viscosity of the dilute gas [0.1 Pa s].
 template <class Real>
 Real dilute_viscosity(const parameters &p, Real T) {
     using std::sqrt;
@@ -110,7 +109,7 @@ Real dilute_viscosity(const parameters &p, Real T) {
     return 4.0785e-5 * p.fc * sqrt(p.m_mole * T) / (p.area * collision_integral(T_star));
 }
 
-/// The functions of density that viscosity and conductivity of the dense gas share, each with its coefficients.
+/// The functions of density in viscosity and conductivity of the dense gas, with the coefficients E of one of them.
 template <class Real>
 struct density_factors {
     Real y;  ///< vc/(6 v)
@@ -121,13 +120,13 @@ struct density_factors {
         using std::exp;
         using std::expm1;
         const Real G1 = (1.0 - 0.5 * y) / ((1.0 - y) * (1.0 - y) * (1.0 - y));
-        // 1 - e^(-E4 y), which must keep its digits as y vanishes.
+        // expm1 keeps the digits of 1 - e^(-E4 y) as y vanishes.
         const Real rise = -expm1(-E[3] * y);
         G2 = (E[0] * rise / y + (E[1] * exp(E[4] * y) + E[2]) * G1) / (E[0] * E[3] + E[1] + E[2]);
     }
 };
 
-/// Viscosity of the dense gas [Pa s] from that of the dilute gas [0.1 Pa s].
+/// Viscosity of the dense gas [Pa s], from the viscosity mu0 of the dilute gas [0.1 Pa s].
 template <class Real>
 Real dense_viscosity(const parameters &p, Real T, Real v, Real mu0) {
     using std::exp;
@@ -156,11 +155,11 @@ Real linear_law_viscosity(const parameters &p, Real T) {
     return p.mu_ref_l * T / p.T_ref_l;
 }
 
-/// 10^4/418.4. Chung's formulas give cal/(cm s K), which is 418.4 W/(m K); hosts know results with this factor in its
-/// place and scale them.
+/// Chung's formulas give cal/(cm s K), which is 418.4 W/(m K). The library multiplies by 10^4/418.4 instead, so that
+/// the unit of its results is 17.506 W/(m K); hosts know this and scale them.
 inline constexpr double conductivity_unit = 23.900573613766728;
 
-/// Conductivity of the dilute gas in units of conductivity_unit, from a viscosity and cv of the ideal gas [J/(kg K)].
+/// Conductivity of the dilute gas [cal/(cm s K)], from the viscosity mu [0.1 Pa s] and cv of the ideal gas [J/(kg K)].
 template <class Real>
 Real dilute_conductivity(const parameters &p, Real T, Real mu, Real cv_oo) {
     const Real alpha = cv_oo / p.Rgas - 1.5;
@@ -171,7 +170,7 @@ Real dilute_conductivity(const parameters &p, Real T, Real mu, Real cv_oo) {
     return 7.452 * mu * Psi / p.m_mole;
 }
 
-/// Conductivity of the dense gas [W/(m K)/17.506] from that of the dilute gas in units of conductivity_unit.
+/// Conductivity of the dense gas [17.506 W/(m K)], from the conductivity of the dilute gas [cal/(cm s K)].
 template <class Real>
 Real dense_conductivity(const parameters &p, Real T, Real v, Real dilute) {
     using std::sqrt;
@@ -182,7 +181,8 @@ Real dense_conductivity(const parameters &p, Real T, Real v, Real dilute) {
             0.0003039 * std::sqrt(p.Tc / p.m_mole) / p.area * B[6] * (y * y) * G2 * sqrt(reduced_temperature(p, T)));
 }
 
-/// Viscosity by the active model, 0 by an unknown one. mu0 receives the dilute gas's if the model is the dense gas.
+/// Viscosity by the active model, or 0 if its code is unknown. Chung's dense gas sets mu0 to the viscosity of the
+/// dilute gas [0.1 Pa s]; the other models leave it unchanged.
 template <class Real>
 Real viscosity(const parameters &p, Real T, Real v, Real &mu0) {
     switch (p.viscosity_model) {
@@ -206,15 +206,15 @@ Real viscosity(const parameters &p, Real T, Real v, Real &mu0) {
 
 template <class Real>
 struct coefficients {
-    Real mu; ///< viscosity [Pa s]; see the head for Chung's models, also below
-    Real k;  ///< thermal conductivity [W/(m K)]
+    Real mu; ///< viscosity [Pa s], or in the unit of Chung's model (see the head)
+    Real k;  ///< thermal conductivity [W/(m K)], or in the unit of Chung's model
 };
 
-/// Both by the active models. cv_oo() gives the ideal gas's cv [J/(kg K)], cp() the isobaric heat capacity [R]; each
-/// is called by a model that needs it only.
+/// Viscosity and conductivity by the active models. cv_oo() returns cv of the ideal gas [J/(kg K)] and cp() the
+/// isobaric heat capacity [R]; they are called only for a model that needs them.
 template <class Real, class IdealHeat, class IsobaricHeat>
 coefficients<Real> evaluate(const parameters &p, Real T, Real v, IdealHeat cv_oo, IsobaricHeat cp) {
-    // 0 but with the dense-gas viscosity: the conductivity of model 3 then lacks the dilute gas's part.
+    // Stays 0 with any viscosity model but the dense gas: conductivity 3 then lacks the part of the dilute gas.
     Real mu0 = 0;
     const Real mu = viscosity(p, T, v, mu0);
     switch (p.thermal_cond_model) {
@@ -231,13 +231,12 @@ coefficients<Real> evaluate(const parameters &p, Real T, Real v, IdealHeat cv_oo
     }
 }
 
-/// Copies from the fluid and derives all but the reference values; reports models that do not go together or want
-/// critical data, and then changes nothing and answers false.
+/// Copies the fluid's constants and derives everything but the reference values. If the viscosity is one of Chung's,
+/// and the conductivity is of another kind or critical data are missing, it reports, changes nothing and returns false.
 bool initialise(parameters &p, const equations::gas_constants &fluid, records::error_text &message);
 
-/// Initialises, and then computes the reference values at the critical point, or at the reference point of a fluid
-/// without critical data; the fluid keeps a copy of them. cp(t, vr) is the isobaric heat capacity [R] at t [T_ref] and
-/// vr [v_ref].
+/// Initialises, computes the reference values, and copies them to the fluid. They are the values at the critical point
+/// or, without critical data, at T_ref and v_ref. cp(t, vr) is the isobaric heat capacity [R] at t [T_ref], vr [v_ref].
 template <class IsobaricHeat>
 void complete(parameters &p, const ideal_gas_heat::heat_capacity &heat, equations::gas_constants &fluid,
               IsobaricHeat cp, records::error_text &message) {
@@ -251,7 +250,7 @@ void complete(parameters &p, const ideal_gas_heat::heat_capacity &heat, equation
     fluid.kk_ref = p.kk_ref = k;
 }
 
-/// A model with the one record of parameters that it may have.
+/// A model, and the fields of its record in a parameter file if it has one.
 struct model {
     std::int32_t code;
     std::string_view name;
@@ -262,7 +261,7 @@ struct model {
     };
     std::array<field, 3> fields{};
 
-    /// Those of the fields that there are.
+    /// The fields in use.
     std::span<const field> record() const {
         std::size_t count = 0;
         while (count < fields.size() && fields[count].value != nullptr)

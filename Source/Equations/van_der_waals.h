@@ -2,10 +2,10 @@
 // The van der Waals equation, gas_type 2 (module van_der_waals_gas).
 //
 // Equation   P = Rgas T/(v - b) - a/v^2
-// Given      reduced T [T_ref], v [v_ref]; no parameters in the file
+// Given      reduced T [T_ref], v [v_ref]; the file has no parameters of this model
 // Returned   P [P_ref], e [P_ref v_ref], s and cv [R], and their derivatives
-// Valid      fluids with critical data, v > b; Zc = 3/8 in place of the fluid's own. For qualitative use:
-//            densities and vapor pressures are far from those of real fluids
+// Valid      fluids with critical data, v > b; Zc = 3/8 replaces the fluid's own value. For qualitative use only:
+//            the densities and vapor pressures are far from those of real fluids
 // Reference  J. D. van der Waals, Over de continuiteit van den gas- en vloeistoftoestand (1873)
 #pragma once
 
@@ -22,7 +22,7 @@ struct van_der_waals {
     double covolume() const { return b; }
     double repulsion() const { return Rgas; }
 
-    /// q = 1, so that the attraction is f' = -a/v^2
+    /// q = 1
     template <class Real>
     OSTREL_INLINE separated_attraction::factors<Real, terms> q(Real) const {
         return {{{Real(1), Real(0), Real(0), Real(0)}}};
