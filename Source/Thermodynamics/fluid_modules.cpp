@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The modules of a fluid's constants, heat capacity and transport: the algebra applied to their instances.
+// The modules of a fluid's constants, heat capacity and transport: each applies the algebra to its own parameters.
 #include "Thermodynamics/gas_properties.h"
 #include "Thermodynamics/ideal_specific_heat.h"
 #include "Thermodynamics/thermodynamics.h"
@@ -65,7 +65,7 @@ using ideal_specific_heat::cv_oo__Tdim;
 
 namespace {
 
-/// At T [K] and v [m3/kg], t and vr being the reduced values.
+/// The coefficients at T [K] and v [m3/kg]; t [T_ref] and vr [v_ref] are the same state, reduced.
 transport::coefficients<double> coefficients_at(double T, double v, double t, double vr) {
     return evaluate(
         active, T, v, [&] { return cv_oo__Tdim(T); }, [&] { return thermodynamics::cp__T_v(t, vr); });

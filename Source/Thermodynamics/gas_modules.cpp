@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The modules of the gas models: each operation is the algebra applied to the module's instance of the parameters.
+// The modules of the gas models: each operation applies the algebra to the module's own parameters.
 #include "Thermodynamics/model_choice.h"
 
 // OSTREL_DEFINE_MODULE(..., clausius_II_gas, CIIG, ...) becomes

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Module gas_properties: the constants of the one active fluid.
+// Module gas_properties: the constants of the active fluid.
 #pragma once
 
 #include "Equations/gas_constants.h"
@@ -17,7 +17,7 @@ extern gas_constants gas;
 /// Reads the section from a parameter file, or from the lines of a fluid database.
 void read_param_gas_properties(records::file_reader &unit);
 void read_param_gas_propertiesdb(records::line_reader &lines);
-/// Writes the section; a plain reference pressure is written in Pa, as stored, not in atm as it is read.
+/// Writes the section. P_ref of a fluid without critical data is written in Pa, although it is read in atm.
 void write_param_gas_properties(records::record_writer &unit);
 
 } // namespace gas_properties

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One switch over gas_type for whole computations: what runs inside is compiled for the model, so that it
-// gets all it wants of a state from one evaluation of q(T) and f(v).
+// One switch over gas_type for a whole computation. The computation is compiled for each model, so that it evaluates
+// q(T) and f(v) only once per state.
 #pragma once
 
 #include "Equations/complete.h"
@@ -23,7 +23,7 @@ inline separated_attraction::ideal_part active_ideal_part() {
     return {ideal_specific_heat::active, gas_properties::gas.e_0, gas_properties::gas.s_0};
 }
 
-/// Calls `use` with the active model's parameters, or `without` where there is no model.
+/// Calls `use` with the parameters of the active model, or `without` if there is no model.
 template <class Use, class Without>
 auto with_parameters(Use use, Without without) {
 #define OSTREL_USE_CASE(unused, type, Model, module, ...) \
@@ -37,7 +37,7 @@ auto with_parameters(Use use, Without without) {
 #undef OSTREL_USE_CASE
 }
 
-/// Calls `use` with the active equation of state, or `without` where there is no model.
+/// Calls `use` with the active equation of state, or `without` if there is no model.
 template <class Use, class Without>
 auto with_model(Use use, Without without) {
     return with_parameters(
@@ -47,7 +47,7 @@ auto with_model(Use use, Without without) {
         without);
 }
 
-/// Calls `use` with the active equation of state, or with the one that stands in for it where there is no model.
+/// Calls `use` with the active equation of state, or with that of no_model if there is no model.
 template <class Use>
 auto with_model_or_zeros(Use use) {
     return with_model(use, [&] {

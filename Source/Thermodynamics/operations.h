@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The table of the state operations, one line of use each. The operation sets of all modules and their dispatchers are
-// made from it, so that no module can lack an operation. `what` is handed on to every use.
+// The table of the state operations, a line for each. It makes the operations of all modules and their dispatchers, so
+// that no module can lack an operation. USE receives `what` as its first argument.
 #pragma once
 
 #include "Equations/models.h"
@@ -10,14 +10,14 @@
 
 #include <array>
 
-/// (T, v) to one number.
+/// Operations whose result at (T, v) is one number.
 #define OSTREL_SCALAR_OPERATIONS(USE, what) \
     USE(what, P__T_v)                       \
     USE(what, e__T_v)                       \
     USE(what, s__T_v)                       \
     USE(what, cv__T_v)
 
-/// (T, v) to the 2 first derivatives, or to the 4 second derivatives in column order.
+/// Operations whose result at (T, v) is 2 first derivatives, or 4 second derivatives in column order.
 #define OSTREL_ARRAY_OPERATIONS(USE, what) \
     USE(what, dP__dT_dv, 2)                \
     USE(what, de__dT_dv, 2)                \
@@ -25,7 +25,7 @@
     USE(what, d2P__dT2_dv2, 4)             \
     USE(what, d2e__dT2_dv2, 4)
 
-/// A module in its header: its instance of a model's parameters, and the operations on it.
+/// Declares what every module has: its own parameters of a model, and the operations on them.
 /// OSTREL_DECLARE_MODULE(clausius_II, CIIG) becomes
 ///   using parameters = equations::clausius_II;            extern parameters active;
 ///   void read_param_CIIG(records::record_reader &unit);   void write_param_CIIG(records::record_writer &unit);
@@ -45,6 +45,6 @@
 #define OSTREL_DECLARE_SCALAR(X, operation)      double operation##__##X(double T, double v);
 #define OSTREL_DECLARE_ARRAY(X, operation, size) std::array<double, size> operation##__##X(double T, double v);
 
-/// Q_f__T_v__X(T, v, q, f) hands out the factors of a model with one attraction term.
+/// Declares Q_f__T_v__X(T, v, q, f), which gives the factors of a model with one attraction term.
 #define OSTREL_DECLARE_FACTORS(X) \
     void Q_f__T_v__##X(double T, double v, std::array<double, 4> &q, std::array<double, 4> &f);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Plain Newton iterations on an equation of state, without damping, in one unknown or in T and v together.
+// Newton's method without damping on an equation of state, in one unknown or in T and v together.
 //
 // Computes   the state at which properties have given values
-// Given      an equation with the bounds Tmin and vmin, target values, first values; all reduced
-// Returned   the T or v at which the residual was below 1e-9; after 50 steps the last one, not converged
-// Valid      nothing is bracketed: from a poor first value, or inside the two-phase region, a search may fail
+// Given      an equation with the bounds Tmin and vmin, target values and first values, all reduced
+// Returned   the T or v at which the residual is below 1e-9; if 50 steps are not enough the last value, not converged
+// Valid      the solution is not bracketed: from a poor first value, or inside the two-phase region, a search may fail
 // Accuracy   residuals below 1e-9 in reduced units
 // Reference  I. Newton, J. Raphson; W. H. Press et al., Numerical Recipes (2007) ch. 9.4 and 9.6
 #pragma once
@@ -21,18 +21,18 @@ namespace plain_newton {
 inline constexpr double tolerance = 1.0e-9;
 inline constexpr int most_steps = 50;
 
-/// The end of a search.
+/// The result of a search.
 struct result {
-    double x; ///< the unknown; of a search in T and v the volume
+    double x; ///< the unknown; in a search for T and v it is the volume
     bool converged;
 };
 
-/// A NaN is not lifted: it stays until the steps are used up.
+/// x, but at least the lower bound. A NaN stays a NaN until all steps are used.
 inline double lifted(double x, double lower_bound) {
     return x < lower_bound ? lower_bound : x;
 }
 
-/// The search in one unknown; `at` gives the state for a value of it.
+/// The search in one unknown; at(x) gives the state for the value x.
 template <class Quantity, class StateAt, class Slope>
 OSTREL_INLINE result in_one_unknown(double target, double x, double lower_bound, const StateAt &at, Slope slope) {
     for (int step = 0; step < most_steps; ++step) {
@@ -59,7 +59,8 @@ OSTREL_INLINE result in_v(const equations::equation<Model> &equation, double tar
                                     [](const auto &p) { return Quantity::slope_v(p); });
 }
 
-/// The search in T and v together. A singular Jacobian ends it, and every later one: lin_algebra does not forget it.
+/// The search in T and v together. A singular Jacobian ends this search and every later one of this kind, because no
+/// search clears linalg_errmsg.
 template <class First, class Second, class Model>
 OSTREL_INLINE result in_T_v(const equations::equation<Model> &equation, double target1, double target2, double T,
                             double v) {

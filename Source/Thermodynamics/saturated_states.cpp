@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Saturated states of the active model.
 //
-// Computes   states with equal T, P and Gibbs energy g = e - T s + P v in liquid and vapor, by Newton's
-//            method in (v_g, v_l) from a table of the curve
+// Computes   states with equal T, P and Gibbs energy g = e - T s + P v in liquid and vapor, by Newton's method in
+//            (v_g, v_l); the first values come from the saturation table
 // Given      reduced T or P
-// Returned   the other of them and the two volumes, reduced
-// Valid      from the critical point down to the table's end; a model whose point (1/Zc, 1) is not its
-//            critical point may converge to equal phases
-// Accuracy   1e-6 in g and P at a given T, 1e-5 in g and T at a given P
+// Returned   reduced P or T, and the two reduced volumes
+// Valid      from the critical point down to the end of the table. If (T, v) = (1/Zc, 1) is not exactly the critical
+//            point of a model, the search may converge to equal phases
+// Accuracy   the phases agree to 1e-6 in g and P at a given T, and to 1e-5 in g and T at a given P
 // Reference  J. W. Gibbs, Trans. Connecticut Acad. 3 (1875) 108: equal potentials of coexisting phases
 #include "Algebra/lin_algebra.h"
 #include "Algebra/two_by_two.h"
@@ -26,7 +26,7 @@ using ideal_specific_heat::errmsg;
 
 namespace {
 
-/// Keeps the volumes on their own sides of the critical one.
+/// Keeps v_g above the critical volume, which is 1, and v_l below it.
 void guard_sides(double &v_g, double &v_l, double lowest) {
     double l = std::max(lowest, v_l);
     if (v_g <= 1.0 && l < 1.0)
@@ -38,8 +38,9 @@ void guard_sides(double &v_g, double &v_l, double lowest) {
     v_l = l < 1.0 ? l : std::max(0.1, lowest);
 }
 
-/// One Newton step in (v_g, v_l) for residuals whose derivatives to the volumes of each phase are given, those of the
-/// liquid still without their sign. False if the Jacobian cannot be inverted, or once could not.
+/// One Newton step in (v_g, v_l). F holds the differences of two quantities between vapor and liquid; slopes_g and
+/// slopes_l are the derivatives of these quantities with respect to the volume of each phase. Returns false if the
+/// Jacobian cannot be inverted, or if that has failed before: no search clears linalg_errmsg.
 bool newton_step(const gradient &F, const gradient &slopes_g, const gradient &slopes_l, double &v_g, double &v_l) {
     const two_by_two::matrix J = {slopes_g[0], slopes_g[1], -slopes_l[0], -slopes_l[1]};
     two_by_two::matrix inverted{};
@@ -56,10 +57,10 @@ bool within(const gradient &F, double tolerance) {
     return std::abs(F[0]) < tolerance && std::abs(F[1]) < tolerance;
 }
 
-/// How a search has ended. A search that was stopped has left its message.
+/// How a search has ended. If it was stopped, its message is already in errmsg.
 enum class ending { converged, too_late, singular, stopped };
 
-/// The search at a temperature, from the volumes that are given.
+/// The search at the temperature T, from first values of the volumes.
 template <class Model>
 ending at_temperature(const equation<Model> &equation, double T, double &v_g, double &v_l) {
     using namespace ideal_gas_heat;
@@ -78,11 +79,11 @@ ending at_temperature(const equation<Model> &equation, double T, double &v_g, do
     return ending::too_late;
 }
 
-/// The search at a pressure, from the temperature and the volumes that are given. temperature(v, T) is the search for
-/// the temperature at the pressure and v from the first value T; if it has not converged it has left a message.
+/// The search at a pressure, from first values of the temperature and of the volumes. temperature(v, T) searches the
+/// temperature at this pressure and v, from the first value T, and leaves a message if it does not converge.
 template <class Model, class Temperature>
 ending at_pressure(const equation<Model> &equation, Temperature temperature, double &T, double &v_g, double &v_l) {
-    /// A phase at the pressure: its temperature, its Gibbs energy, and the slopes of both to the volume.
+    /// A phase at this pressure: its temperature, its Gibbs energy, and the derivatives of mu and T by the volume.
     struct phase {
         double T;
         double mu;
@@ -120,7 +121,7 @@ ending at_pressure(const equation<Model> &equation, Temperature temperature, dou
     return ending::too_late;
 }
 
-/// Leaves the message of a search that has failed.
+/// Reports a search that has failed; only a search with too many steps sets `success` false.
 void report(ending end, std::string_view too_late, bool *success) {
     if (end == ending::singular)
         errmsg.report({lin_algebra::linalg_errmsg.padded()});
@@ -181,7 +182,7 @@ void saturation__P(double P, double &T, double &v_g, double &v_l, bool *success)
     v_l = start.of(vvls);
     if (success != nullptr)
         *success = true;
-    // The states of no model are all alike: its search ends where it starts.
+    // Without a model all states are alike, and the search ends where it starts.
     const auto search = [&](const auto &equation) {
         const auto temperature = [&](double v, double T_start) {
             const double found = T__P_v(P, v, T_start);

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Saturation curves from the critical point downwards, and the table that first values are taken from.
+// Saturation curves from the critical point downwards, and the table from which searches take their first values.
 //
-// Computes   the points of a curve, the closest next to the critical point, each from the one before it along the
-// slopes
-//            by Clausius and Clapeyron
-// Given      the curve's end, reduced
-// Returned   T, P and both volumes, reduced
-// Valid      as far as saturation__T and saturation__P solve the points
+// Computes   the points of a curve, which are closest to each other next to the critical point. The first values of a
+//            point of the table come from the point before it and the slopes of Clausius and Clapeyron
+// Given      the reduced end of the curve
+// Returned   reduced T, P and both volumes
+// Valid      where saturation__T and saturation__P find the points
 // Reference  E. Clapeyron, J. de l'Ecole Polytechnique 14 (1834) 153
 #include "Thermodynamics/model_choice.h"
 
@@ -27,7 +26,7 @@ constexpr std::size_t first_length = 256;
 constexpr std::size_t longest = 2048;
 constexpr double low_pressure = 0.001;
 
-/// Geometric spacing from 1st to last element, smallest steps first.
+/// Fills xx from `first` to `last`; the steps grow geometrically.
 void space(std::span<double> xx, double first, double last) {
     const std::size_t N = xx.size();
     if (N == 0)
@@ -41,7 +40,7 @@ void space(std::span<double> xx, double first, double last) {
     xx[N - 1] = last;
 }
 
-/// The curve's slope and the volumes' along it, by Clausius and Clapeyron, at a solved point.
+/// The derivatives of P and of both volumes along the saturation curve at a solved point, by Clausius and Clapeyron.
 struct curve_slopes {
     double dP_dT;
     double dvg_dT;
@@ -99,7 +98,7 @@ private:
     }
 };
 
-/// One pass over the table's temperatures; true if every point was solved.
+/// Solves the points of the table one after the other; returns false at the first point that fails.
 bool solve_table(double T_end, std::size_t N) {
     for (std::vector<double> *const column : {&TTs, &PPs, &vvls, &vvgs})
         column->assign(N, unsolved);
@@ -131,7 +130,8 @@ void init_saturation_curves() {
         } else {
             T_end /= 1.1;
         }
-        // A model without a curve fails at any temperature. Tmin may still be 0, after a failed initialisation.
+        // A model without a curve fails at every temperature, and Tmin is 0 after a failed initialisation: a bound of
+        // its own ends the search.
         constexpr double coldest = 1e-6;
         if (N > longest || !(T_end >= std::max(Tmin, coldest)) || std::isinf(T_end)) {
             errmsg.report({"No solution has been found in subroutine init_saturation_curves."});
@@ -142,7 +142,7 @@ void init_saturation_curves() {
 
 namespace {
 
-/// Solves the points of a curve one after the other, behind the critical point; `solve` is given each one's number.
+/// Calls solve(k) for the points behind the critical point; if `success` is given, it stops at the first that fails.
 template <class Solve>
 void solve_points(std::size_t N, bool *success, Solve solve) {
     if (success != nullptr)
@@ -164,7 +164,7 @@ void saturation_curves_T(std::span<double> T, std::span<double> v_g, std::span<d
     curve points{T.first(N), P, v_g, v_l};
     points.space_temperatures(T_end);
     solve_points(N, success, [&](std::size_t k) {
-        points.start(k); // stays where the point is outside the table
+        points.start(k); // remains as the result if the point is outside the table
         saturation__T(T[k], P[k], v_g[k], v_l[k], success);
     });
 }

@@ -26,7 +26,7 @@ std::string fixed_point(double value) {
     return {text, end};
 }
 
-/// The smallest and the largest element; a NaN, which a failed build may leave, counts for nothing.
+/// The smallest and the largest element. A NaN behind the first element, which a failed build may leave, is ignored.
 struct extremes {
     double low;
     double high;
@@ -60,7 +60,7 @@ interpolation locate(double x, std::span<const double> xx) {
 }
 
 bool out_of_range(double x, std::span<const double> xx) {
-    // Between the ends, as nearly always, is within the range.
+    // Nearly always x lies between the ends.
     if ((x >= xx.front() && x <= xx.back()) || (x <= xx.front() && x >= xx.back()))
         return false;
     const extremes range(xx);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Derived properties of the active model: at (T, v), and at other pairs after the search for T or v.
+// Derived properties of the active model: at (T, v), and at other pairs after a search for T or v.
 #include "Thermodynamics/model_choice.h"
 
 namespace thermodynamics {
@@ -8,7 +8,7 @@ using ideal_specific_heat::errmsg;
 
 namespace {
 
-/// A derived property of the active model at (T, v); without a model, the value that the formula makes of zeros.
+/// A derived property at (T, v); without a model the formula is evaluated with zeros.
 template <class Evaluation>
 auto at_state(double T, double v, Evaluation evaluate) {
     return with_model_or_zeros([&](const auto &equation) { return equation.properties(T, v, evaluate); });
@@ -16,7 +16,7 @@ auto at_state(double T, double v, Evaluation evaluate) {
 
 } // namespace
 
-// double h__T_v(double T, double v) and so on.
+// Defines double h__T_v(double T, double v) and its like.
 #define OSTREL_AT_T_V(Result, operation, member)                         \
     Result operation(double T, double v) {                               \
         return at_state(T, v, [](const auto &p) { return p.member(); }); \
@@ -38,8 +38,8 @@ OSTREL_AT_T_V(gradient, dP__dre_dr__T_v, dP_in_re_r)
 OSTREL_AT_T_V(hessian, d2P__dre2_dr2__T_v, d2P_in_re_r)
 OSTREL_AT_T_V(hessian, d2P__dre_dr__dT_dv, dP_in_re_r_gradient)
 
-// void c__P_v(double P, double v, double &result, guess start) and so on: the search, and
-// the property at its end unless a message stands.
+// Defines void c__P_v(double P, double v, double &result, guess start) and its like: a search, and then, unless a
+// message stands, the property at the state that was found.
 #define OSTREL_AFTER_SEARCH(Result, operation, first, second, search, T, v, member) \
     void operation(double first, double second, Result &result, guess start) {      \
         const double found = search(first, second, start);                          \

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Inverse solvers: the searches of plain_newton.h on the active equation of state, from the default first values and
-// with their messages.
+// Inverse solvers: the searches of plain_newton.h on the active equation of state, with their default first values and
+// their messages.
 #include "Thermodynamics/model_choice.h"
 #include "Thermodynamics/plain_newton.h"
 
@@ -14,7 +14,7 @@ using namespace state_quantities;
 
 namespace {
 
-/// The result of a search on the active equation, with a message if it has failed; without a model the first value.
+/// The result of a search on the active equation, which reports a failure; without a model it is the first value.
 template <class Search>
 double searched(double first_value, std::string_view failure, Search search) {
     const plain_newton::result found = with_model(search, [&] { return plain_newton::result{first_value, true}; });
@@ -42,7 +42,7 @@ double solve_T_v(double target1, double target2, double T, double v, std::string
     });
 }
 
-// Default first values: the ideal gas with unit gas constant and the heat capacity of the reference point.
+// Default first values: those of an ideal gas with R = 1 and the heat capacity of the reference point.
 double T_of_h(double h) {
     return (h - gas.e_0) / (gas.cv_ref + 1.0);
 }
@@ -50,7 +50,7 @@ double v_of_s_T(double s, double T) {
     return std::exp(s - gas.s_0 - ideal_specific_heat::psi__T(T));
 }
 
-/// A direct evaluation after a solve, or 0 if a message stands.
+/// The evaluation after a search, or 0 if a message stands.
 template <class Evaluation>
 double after_solve(Evaluation evaluate) {
     return errmsg.clear() ? evaluate() : 0.0;

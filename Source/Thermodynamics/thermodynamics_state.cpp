@@ -27,7 +27,7 @@ double Tmin = 0;
 double Pmin = 0;
 double vmin = 0;
 
-// One operation of the active model, for example
+// Defines an operation of the active model, for example
 //   double P__T_v(double T, double v) {
 //       return with_model([&](const auto &equation) {
 //           return separated_attraction::P__T_v(equation.model, equation.ideal, T, v);
