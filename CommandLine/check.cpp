@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ostrel check: a parameter file in words, and whether it can be used.
+// ostrel check: describes a parameter file in words and says whether it can be used.
 #include "CommandLine/command.h"
 #include "CommandLine/critical_pressure.h"
 #include "CommandLine/description.h"
@@ -13,7 +13,7 @@
 namespace command {
 namespace {
 
-/// What can be seen where reading stopped.
+/// Describes the place where reading stopped.
 std::vector<std::string> stopped_at(const parameter_file &file) {
     if (file.last_record > 0 && file.text.empty())
         return {"The file is empty."};
@@ -29,7 +29,7 @@ std::vector<std::string> stopped_at(const parameter_file &file) {
     return {};
 }
 
-/// What would help a file that does not initialise.
+/// Advice for a file that can be read but not initialised.
 std::vector<std::string> remedy(const parameter_file &file) {
     if (file.not_initialised.find(" is not a vapor:") != std::string::npos)
         return {"That wants critical data: T in the record of vapor, and behind it Tc, Pc, Zc and Tb."};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the commands share with the program: how they are added to it, and how they fail.
+// The functions that add the commands to the program, and the way in which commands fail.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -9,12 +9,12 @@
 
 namespace command {
 
-/// Exit codes: 0 for success, also with warnings.
+/// Exit codes. 0 means success, also with warnings.
 inline constexpr int failed = 1;
 inline constexpr int wrong_usage = 2;
 
-/// What ends a command with exit code 1: lines for standard error, the library's text first, then
-/// advice. Empty lines are left out.
+/// Ends a command with exit code 1. Standard error gets the text, which mostly is the library's, and then the advice
+/// without its empty lines.
 class failure : public std::runtime_error {
 public:
     explicit failure(const std::string &text, std::vector<std::string> advice = {})
@@ -25,7 +25,7 @@ private:
     std::vector<std::string> advice_;
 };
 
-// Each adds its command, with its help, to the program.
+// Each function adds its command and the help of the command to the program.
 void add_fluids(CLI::App &program);
 void add_info(CLI::App &program);
 void add_prop(CLI::App &program);

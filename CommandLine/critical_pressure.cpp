@@ -18,7 +18,7 @@ using equations::pascal_per_atm;
 constexpr int digits = 10;
 constexpr int furthest = 1000;
 
-/// A file that goes away with the object.
+/// A file that is removed when the object is destroyed.
 class temporary_file {
 public:
     temporary_file() {
@@ -43,7 +43,7 @@ private:
     std::string path_;
 };
 
-/// The first value of a record of the text: its place and its length.
+/// The start and the length of the first value of a record in the text.
 struct place {
     std::size_t start;
     std::size_t length;

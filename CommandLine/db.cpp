@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ostrel db: parameter files into a fluid database and out of it.
+// ostrel db: puts parameter files into a fluid database and takes them out of it.
 #include "CommandLine/command.h"
 #include "CommandLine/loading.h"
 #include "CommandLine/report.h"
@@ -70,7 +70,7 @@ failure not_there(const std::string &name, const std::string &database, const st
     return failure("there is no fluid " + name + " in " + database, {did_you_mean(name, names)});
 }
 
-/// The entries of those names, or all if none is named.
+/// The entries with these names; all entries if there are no names.
 std::vector<fluid_database::entry> chosen(const std::string &database, const std::vector<std::string> &names) {
     std::error_code ignored;
     if (!fs::exists(database, ignored))

@@ -18,7 +18,7 @@ using equations::gas_constants;
 using equations::given;
 using ideal_specific_heat::heat_capacity;
 
-/// What a model makes of the constants, in SI units.
+/// The constants that the initialisation of a fluid computes, in SI units.
 constexpr constant completed[] = {
     {"R", "J/(kg K)", "specific gas constant", given::always, &gas_constants::R},
     {"omega", "-", "acentric factor", given::with_critical_data, &gas_constants::omega},
@@ -34,7 +34,7 @@ constexpr constant completed[] = {
      &gas_constants::kk_ref},
 };
 
-/// Rows for those of the constants that the fluid has.
+/// Adds a row for each of the constants that the fluid has.
 void add(report &rows, const gas_constants &fluid, std::span<const constant> constants) {
     for (const constant &entry : constants)
         if (equations::applies(entry, fluid.vapor))
@@ -46,7 +46,7 @@ report table() {
     return {.columns = {{"name"}, {"value"}, {"unit"}, {"meaning"}}};
 }
 
-/// A list as a parameter file may have it: 8*601.5 for a value that repeats.
+/// A list in the form of parameter files, with 8*601.5 for a value that stands eight times.
 template <class Value>
 std::string list(std::span<const Value> values) {
     std::string text;
@@ -66,7 +66,7 @@ std::string list(const std::vector<Value> &values) {
     return list(std::span(values));
 }
 
-/// The terms of the heat capacity in the units of the file.
+/// Describes the terms of the heat capacity in the units of the file.
 void describe_terms(std::ostream &out, const heat_capacity &h) {
     const std::string cv = h.coeff_adim ? " R" : " J/(kg K)";
     const std::string temperature = h.coeff_adim ? " T_ref" : " K";
@@ -112,7 +112,7 @@ void describe_heat_capacity(std::ostream &out, const heat_capacity &h) {
     describe_terms(out, h);
 }
 
-/// A transport model, its parameters and what to know of its result.
+/// Describes a transport model: its name, its parameters and a note on its result.
 void describe_transport(std::ostream &out, std::string_view title, std::int32_t code,
                         std::span<const transport::model> models, const std::string &note) {
     const auto model =

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A parameter file in words.
+// Describes a parameter file in words.
 #pragma once
 
 #include "CommandLine/loading.h"
@@ -8,10 +8,10 @@
 
 namespace command {
 
-/// The loaded fluid's model as people call it; "unknown" for a code that is none.
+/// The name that people use for the loaded fluid's model; "unknown" if no model has its code.
 std::string model_name();
 
-/// What the file says, and where it could be initialised what the model makes of it.
+/// Describes the contents of the file and, if it could be initialised, the constants that follow from them.
 void describe(std::ostream &out, const parameter_file &file);
 
 } // namespace command

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ostrel fluids: what is in the fluid folder.
+// ostrel fluids: lists the fluids in the fluid folder.
 #include "CommandLine/command.h"
 #include "CommandLine/description.h"
 #include "CommandLine/loading.h"
@@ -14,7 +14,7 @@ namespace {
 
 using gas_properties::gas;
 
-/// The text without the padding of the texts in it.
+/// The text with single blanks instead of the padding inside it.
 std::string single_spaced(const std::string &text) {
     std::string result;
     for (const char c : text)
@@ -23,13 +23,13 @@ std::string single_spaced(const std::string &text) {
     return result;
 }
 
-/// The row of a fluid, with what keeps it from being used if something does.
+/// The row of a fluid. If the fluid cannot be used, the remark says why.
 std::vector<cell> row_of(const std::string &name) {
     std::vector<cell> row = {name, "", "", "", "", "", ""};
     try {
         load_fluid(name);
     } catch (const failure &reason) {
-        // A file that cannot be opened has only a code in the library's text.
+        // For a file that cannot be opened, the library's text has only a code.
         const std::string not_opened = load_file(path_of(name)).unreadable;
         row.back() = "cannot be used: " + single_spaced(not_opened.empty() ? reason.what() : not_opened);
         return row;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ostrel info: one fluid in words.
+// ostrel info: describes one fluid in words.
 #include "CommandLine/command.h"
 #include "CommandLine/description.h"
 #include "CommandLine/loading.h"

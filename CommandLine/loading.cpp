@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 using ideal_specific_heat::errmsg;
 
-/// What a user may do about a fluid that does not load.
+/// Advice for a fluid that cannot be loaded.
 std::vector<std::string> loading_advice(const std::string &fluid) {
     std::error_code ignored;
     const std::string path = path_of(fluid);
@@ -46,7 +46,7 @@ std::vector<std::string> loading_advice(const std::string &fluid) {
 
 std::string error_text(std::string_view text) {
     std::string result = printable(records::trimmed(text));
-    // The library's degree sign is Latin-1.
+    // The degree sign in the library's texts is Latin-1.
     const std::size_t degree = result.find(" \xB0"
                                            "C");
     if (degree != std::string::npos)

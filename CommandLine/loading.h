@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Fluids from their folder and parameter files from anywhere, loaded with the library's own routines.
+// Loads fluids from their folder and parameter files from anywhere, with the library's own routines.
 #pragma once
 
 #include "Thermodynamics/gas_properties.h"
@@ -11,7 +11,7 @@
 
 namespace command {
 
-/// The library's shared error text, fit for a terminal.
+/// A text of the library without padding, in a form that a terminal can show.
 std::string error_text(std::string_view text);
 
 /// The folder of the fluids, with its separator; fails if there is none.
@@ -21,7 +21,7 @@ std::vector<std::string> fluid_names();
 /// The parameter file of a fluid.
 std::string path_of(const std::string &fluid);
 
-/// Loads a fluid of the folder as a request does; fails with the library's text, and what helps.
+/// Loads a fluid of the folder as a request does. Fails with the library's text and advice.
 void load_fluid(const std::string &fluid);
 
 struct answer {
@@ -29,22 +29,22 @@ struct answer {
     std::string text; ///< empty if the request was served
 };
 
-/// A request to the library.
+/// Makes a request to the library; inputs and answer are in SI units.
 answer request_property(std::string_view fluid, std::string_view pair, double input1, double input2,
                         std::string_view output);
 
-/// What a parameter file says, and what became of it.
+/// The contents of a parameter file, and the outcome of loading it.
 struct parameter_file {
     std::string path{};
     std::string text{};                            ///< the whole file
-    std::string unreadable{};                      ///< why it cannot be read, empty if it can be
-    std::int64_t last_record = 0;                  ///< the record read last
-    equations::gas_constants constants{};          ///< as read; in gas_properties::gas they are completed
-    ideal_gas_heat::heat_capacity heat_capacity{}; ///< likewise
-    std::string not_initialised{};                 ///< the library's text, empty if all went well
+    std::string unreadable{};                      ///< the reason why it cannot be read; empty if it can
+    std::int64_t last_record = 0;                  ///< the number of the last record that was read
+    equations::gas_constants constants{};          ///< as read; gas_properties::gas has them completed
+    ideal_gas_heat::heat_capacity heat_capacity{}; ///< as read
+    std::string not_initialised{};                 ///< the library's text; empty if nothing failed
 };
 
-/// Reads and initialises a parameter file in a library that has forgotten the fluid before it.
+/// Resets the variables of the fluid, and then reads and initialises a parameter file.
 parameter_file load_file(const std::string &path);
 
 } // namespace command

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The command ostrel: properties, fluids and parameter files from the command line.
+// The command ostrel: the library on the command line.
 #include "CommandLine/command.h"
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
@@ -18,7 +18,8 @@ std::string version() {
     return text;
 }
 
-/// The arguments, last first as CLI11 takes them; it knows a negative number by the digit behind its sign.
+/// The arguments in reverse order, as CLI11 takes them. CLI11 recognises a negative number by the digit behind its
+/// sign, so that -.5 becomes -0.5.
 std::vector<std::string> arguments(int argc, char **argv) {
     std::vector<std::string> result(argv + std::min(argc, 1), argv + argc);
     for (std::string &text : result)
@@ -28,7 +29,7 @@ std::vector<std::string> arguments(int argc, char **argv) {
     return result;
 }
 
-/// Says which word is no command, if that is what is wrong with the arguments.
+/// If the arguments have a word in the place of a command that is none, says so and returns true.
 bool unknown_command(const CLI::App &program) {
     const std::vector<std::string> rest = program.remaining(true);
     const CLI::App *at = &program;

@@ -32,14 +32,14 @@ std::string conductivity_note() {
     };
     switch (active.thermal_cond_model) {
     case dilute_gas_conductivity:
-        // Its formula takes a viscosity in 0.1 Pa s, whatever the viscosity model answers in.
+        // The formula takes a viscosity in 0.1 Pa s, but only viscosity 2 answers in this unit.
         return scaled(same_kind ? "17.506" : "175.06");
     case dense_gas_conductivity:
         return same_kind ? scaled("17.506")
                          : "lambda by Chung's dense gas lacks the dilute gas's part without Chung's dense-gas "
                            "viscosity: do not use it.";
     case constant_Prandtl:
-        // Before initialisation there is no scale to judge.
+        // Before initialisation kk_ref is not computed.
         if (active.vc > 0 && (active.kk_ref == 0 || !std::isfinite(active.kk_ref)))
             return "lambda by a constant Prandtl number is scaled by cp at the critical point, which diverges: do not "
                    "use it.";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a user must know of the viscosities and conductivities of the loaded fluid.
+// Notes on the results of the loaded fluid.
 #pragma once
 
 #include <string>
@@ -7,12 +7,13 @@
 
 namespace command {
 
-/// Whether the loaded fluid's model has saturated states; an ideal gas has none.
+/// Whether the loaded fluid's model has saturated states; ideal gases have none.
 bool has_saturated_states();
-/// Whether a saturation table gives the same volume twice, as one that has collapsed does.
+/// Whether the liquid's volume is not clearly below the vapor's. Away from the critical point this means that the
+/// saturation table has collapsed.
 bool equal_phases(double liquid, double vapor);
 
-/// On "eta" and "lambda"; an empty text where the number is in the unit that is said.
+/// Notes on the outputs "eta" and "lambda"; empty if the number is in the unit that its row names.
 std::string viscosity_note();
 std::string conductivity_note();
 

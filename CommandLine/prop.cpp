@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// ostrel prop: properties of a fluid at one state.
+// ostrel prop: computes properties of a fluid at one state.
 #include "CommandLine/command.h"
 #include "CommandLine/loading.h"
 #include "CommandLine/notes.h"
@@ -25,12 +25,12 @@ struct request {
     std::string fluid;
     std::string pair;
     std::string texts[2];
-    std::array<double, 2> inputs{}; ///< the numbers in the texts
+    std::array<double, 2> inputs{}; ///< the numbers in `texts`
     std::vector<std::string> outputs;
     report_form form;
 };
 
-/// The row of a table that the library takes a name for, or null.
+/// The row of a table that the library takes for this name, or null.
 template <class Row, class Name>
 const Row *find(std::span<const Row> rows, std::string_view written, Name name) {
     const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row &candidate) {
@@ -63,13 +63,14 @@ bool has_quality(const request &asked) {
     return pair != nullptr && pair->second.name == "q";
 }
 
-/// Whether the library serves the output at this state; to a name that it does not know it may say so itself.
+/// Whether the library can serve the output at this state. Unknown names are refused here only at a quality other than
+/// 1; otherwise the library refuses them.
 bool served(const request &asked, std::string_view output) {
     const auto *const row = find_output(output);
     return !ostrel::mixture(asked.pair, asked.inputs[1]) || (row != nullptr && row->any_quality);
 }
 
-/// What helps after a request that failed: the names that there are, or where to look.
+/// Advice after a request that failed: the possible names, or another way to the result.
 std::vector<std::string> advice(const request &asked, const std::string &output, const std::string &text) {
     const auto list = [](std::string_view written, std::string_view what, const std::vector<std::string> &names) {
         std::vector<std::string> lines;
@@ -112,11 +113,11 @@ double number_of(const std::string &name, std::string_view text) {
     return value;
 }
 
-/// What a pair with a quality answers without a word about it.
+/// Notes on results of a pair with a quality about which the library gives no message.
 void add_quality_notes(std::vector<std::string> &notes, const request &asked, double t) {
     if (asked.inputs[1] < 0 || asked.inputs[1] > 1)
         notes.emplace_back("q is outside 0 to 1: the values are extrapolated beyond the saturated states.");
-    // Next to the critical point equal phases are right.
+    // Next to the critical point it is right that the phases are equal.
     if (!has_saturated_states() || !(t < 0.999 * gas_properties::gas.Tc))
         return;
     const answer liquid = request_property(asked.fluid, asked.pair, asked.inputs[0], 0, "v");
@@ -125,7 +126,7 @@ void add_quality_notes(std::vector<std::string> &notes, const request &asked, do
         notes.emplace_back("The model's saturated phases are equal here: its saturation table has collapsed.");
 }
 
-/// On a state found from two values that another may have as well.
+/// A note if another state seems to have the same two values.
 void add_other_state(std::vector<std::string> &notes, const request &asked, double t, double v, double p) {
     constexpr std::string_view searched[] = {"ph", "ps", "hs"};
     const auto *const pair = find_pair(asked.pair);
@@ -137,7 +138,7 @@ void add_other_state(std::vector<std::string> &notes, const request &asked, doub
                         number(other.value) + " m3/kg, not " + number(v) + ".");
 }
 
-/// What to know of the state behind the rows. The library keeps another state after this.
+/// Adds notes on the state. Afterwards the library keeps another state.
 void add_state_notes(report &found, const request &asked) {
     const double t = ask(asked, "t");
     const double v = ask(asked, "v");
@@ -177,7 +178,7 @@ void serve(request asked) {
     if (wanted.empty())
         for (const std::string &name : output_names())
             (served(asked, name) ? wanted : left_out).push_back(name);
-    // Asked behind another output of the same state, the library would serve these as well.
+    // The library refuses these outputs only if they are the first request for a state.
     for (const std::string &name : wanted)
         if (!served(asked, name))
             ask(asked, name);
@@ -200,7 +201,7 @@ void serve(request asked) {
     write(found, asked.form);
 }
 
-/// The pairs and outputs, from the library's tables.
+/// The pairs and the outputs for the help text, from the library's tables.
 std::string tables() {
     std::ostringstream text;
     report pairs = {.columns = {{"pair"}, {"first"}, {"second"}}};

@@ -23,7 +23,7 @@ std::string digits(double value, Format... format) {
     return {text.begin(), end};
 }
 
-/// Digits that read back to the same number.
+/// The fewest digits from which the same number is read back.
 std::string exact(double value) {
     return digits(value);
 }
@@ -45,7 +45,7 @@ std::string csv_text(const cell &value) {
     return quoted + '"';
 }
 
-/// The value under its name.
+/// Puts a value into a JSON object under its name.
 void put(ordered_json &object, const std::string &name, const cell &value) {
     const auto *const real = std::get_if<double>(&value);
     if (real == nullptr) {
@@ -59,7 +59,7 @@ void put(ordered_json &object, const std::string &name, const cell &value) {
     }
 }
 
-/// Characters, not bytes, of a UTF-8 text.
+/// The number of characters, not of bytes, in a UTF-8 text.
 std::size_t width(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
@@ -137,7 +137,7 @@ void write_columns(std::ostream &out, const report &what, std::string_view inden
     }
     struct layout {
         std::size_t width = 0;
-        bool right = false; ///< a column of numbers
+        bool right = false; ///< aligned to the right, as columns of numbers are
         bool shown = false;
     };
     std::vector<layout> columns(what.columns.size());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What commands print: rows in aligned columns, as CSV or as JSON.
+// Prints the results of commands as aligned columns, as CSV or as JSON.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -20,15 +20,15 @@ struct column {
 };
 
 struct report {
-    std::string name{};                                ///< of the rows, in JSON
-    std::vector<column> columns{};                     ///< a column with nothing in it is not shown aligned
-    std::vector<std::vector<cell>> rows{};             ///< a cell a column
-    bool heading = false;                              ///< whether aligned columns get their names
-    std::vector<std::string> notes{};                  ///< what to know of the rows
-    std::vector<std::pair<std::string, cell>> asked{}; ///< what the rows answer, in JSON
+    std::string name{};                                ///< the name of the rows in JSON
+    std::vector<column> columns{};                     ///< an empty column is left out of aligned columns
+    std::vector<std::vector<cell>> rows{};             ///< each row has a cell for each column
+    bool heading = false;                              ///< whether aligned columns have a heading
+    std::vector<std::string> notes{};                  ///< remarks on the rows
+    std::vector<std::pair<std::string, cell>> asked{}; ///< the question that the rows answer; only in JSON
 };
 
-/// The form of a report, aligned columns unless an option says other.
+/// The form of a report: aligned columns, or another one if an option says so.
 struct report_form {
     bool csv = false;
     bool json = false;
@@ -36,15 +36,15 @@ struct report_form {
     void add_options(CLI::App &command);
 };
 
-/// Prints to standard output. Aligned columns have 10 digits, CSV and JSON as many as read back to the same number.
-/// What is not finite is nan, inf or -inf, in JSON null with "NAME_not_finite" beside it. CSV leaves notes to standard
-/// error.
+/// Prints a report to standard output. Numbers have 10 digits in aligned columns; in CSV and JSON they have as many as
+/// are needed to read the same number back. A number that is not finite is nan, inf or -inf; JSON has null, and the
+/// word under "NAME_not_finite". With CSV the notes go to standard error.
 void write(const report &what, const report_form &form);
 void write_columns(std::ostream &out, const report &what, std::string_view indent = "");
 
 /// A number with 10 digits.
 std::string number(double value);
-/// A text from a file, fit for a terminal.
+/// The text with ? for every control character, so that a terminal can show it.
 std::string printable(std::string_view text);
 
 } // namespace command

@@ -16,7 +16,7 @@ std::string lower(std::string_view text) {
     return result;
 }
 
-/// The fewest insertions, deletions, replacements and swaps of neighbours that make one text of the other.
+/// The smallest number of insertions, deletions, replacements and swaps of neighbours that make text b of text a.
 std::size_t distance(std::string_view a, std::string_view b) {
     std::vector<std::vector<std::size_t>> edits(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
     for (std::size_t i = 0; i <= a.size(); ++i)

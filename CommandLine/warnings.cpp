@@ -23,7 +23,7 @@ using gas_properties::gas;
 using gas_properties::gas_constants;
 using texts = std::vector<std::string>;
 
-/// Bounds that no known fluid passes, in the unit of the file.
+/// Bounds for a constant, in the unit of the file; no known fluid is outside them.
 struct bounds {
     double gas_constants::*value;
     double low;
@@ -54,7 +54,7 @@ void check_constants(texts &found, const gas_constants &fluid, std::span<const c
     }
 }
 
-/// What is written as 591,75 reads as 591: a comma ends a value. The constants have a record each.
+/// A comma ends a value, so that 591,75 is read as 591. Each constant has a record of its own.
 void check_commas(texts &found, const parameter_file &file) {
     std::vector<std::string_view> names = {equations::molar_mass.name, "vapor"};
     for (const std::span<const constant> group : {std::span<const constant>(equations::reference_and_critical),
@@ -98,7 +98,7 @@ void check_model(texts &found, const parameter_file &file) {
         found.push_back("Z_const is not positive");
 }
 
-/// Exponents for which an integral of the power divides by zero.
+/// Warns of exponents for which an integral of the power divides by zero.
 void check_exponents(texts &found, std::string_view name, std::span<const double> exponents) {
     if (std::find(exponents.begin(), exponents.end(), -1.0) != exponents.end())
         found.push_back(std::string(name) + " = -1: energies divide by zero");
@@ -171,7 +171,7 @@ void check_name(texts &found, const std::string &path) {
         found.push_back("the list of fluids shows only what stands before the first point of a name");
 }
 
-/// A number behind the last record that was wanted: a count or a code before it may be wrong.
+/// Warns of a number behind the last record that was read: a count or a code before it may be wrong.
 void check_rest(texts &found, const parameter_file &file) {
     std::string_view rest = file.text;
     for (std::int64_t record = 1; !rest.empty(); ++record) {
@@ -190,14 +190,14 @@ void check_rest(texts &found, const parameter_file &file) {
     }
 }
 
-/// Asks for the fluid in memory: under the name that it knows the library loads nothing.
+/// Makes a request for the fluid in memory. The request has the name that is kept, so that nothing is loaded.
 answer ask(std::string_view pair, double input1, double input2, std::string_view output) {
     constexpr std::string_view in_memory = "checked";
     ostrel::os_fluid = records::fixed_text<8>(in_memory);
     return request_property(in_memory, pair, input1, input2, output);
 }
 
-/// The saturated states well below the critical point, where a table can be seen to have gone wrong.
+/// Tries saturated states well below the critical point, where a saturation table that is wrong shows itself.
 void try_saturation(texts &found) {
     if (!gas.vapor || !has_saturated_states())
         return;

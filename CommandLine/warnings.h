@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is likely to be wrong with a parameter file that can be read.
+// Warnings of probable mistakes in a parameter file that can be read.
 #pragma once
 
 #include "CommandLine/loading.h"
@@ -9,10 +9,11 @@
 
 namespace command {
 
-/// What the file's own words give away.
+/// The warnings that follow from the contents of the file.
 std::vector<std::string> suspicions(const parameter_file &file);
 
-/// What is seen in the initialised fluid's answers at one state; `unusable` receives why there are none.
+/// The warnings that follow from the results of the initialised fluid at one state and in saturation. If the fluid
+/// cannot be used, `unusable` receives the reason.
 std::vector<std::string> trial(std::string &unusable);
 
 } // namespace command

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The exported C symbols, each plain and with a trailing underscore: lengths in, fixed texts out.
+// The exported C symbols, each of them plain and with a trailing underscore. Texts come with their lengths.
 #include "Ostrel_Main.h"
 #include "floating_point.h"
 #include "host.h"
@@ -23,8 +23,8 @@ double number(const double *value) {
     return value != nullptr ? *value : std::numeric_limits<double>::quiet_NaN();
 }
 
-/// Runs an entry point. No exception may reach a C or Fortran caller: memory may run out, and host routines are
-/// asked not to throw, but may. They too run in the standard floating-point environment.
+/// Runs an entry point in the standard floating-point environment, together with the host routines that it calls. No
+/// exception may reach a C or Fortran caller, but memory may run out, and a host routine may throw by mistake.
 template <class Environment = floating_point::standard_environment, class Entry, class Failure>
 auto guarded(Entry entry, Failure failure) noexcept {
     const Environment environment;
@@ -49,7 +49,7 @@ auto failed(std::span<char> errmsg, double result) {
 
 } // namespace
 
-// OSTREL_EXPORT(double, f, (const double *x), (x)) { ... } defines f and, as a call of it, f_.
+// OSTREL_EXPORT(double, f, (const double *x), (x)) { ... } defines f, and f_ as a call of f.
 #define OSTREL_EXPORT(Result, name, parameters, arguments) \
     extern "C" OSTREL_VISIBLE Result name parameters;      \
     extern "C" OSTREL_VISIBLE Result name##_ parameters {  \
@@ -123,7 +123,7 @@ OSTREL_EXPORT(void, read_init_fluiddatafile, (const char *file, size_t file_len)
 OSTREL_EXPORT(void, read_init_fluiddatadb,
               (const char *location, const char *name, size_t location_len, size_t name_len),
               (location, name, location_len, name_len)) {
-    // A database may compute in other units of the processor: SQLite does where a number stands for a text.
+    // A database may compute outside the vector unit, as SQLite does when it turns a number into a text.
     guarded<floating_point::whole_environment>(
         [&] { ostrel::read_init_fluiddatadb(text(location, location_len), text(name, name_len)); }, nothing);
 }

@@ -42,7 +42,7 @@ records::error_text &shared_errmsg() {
     return ideal_specific_heat::errmsg;
 }
 
-/// A code or name of one of the tables below, as it is compared and as it is told to people.
+/// A code or name in one of the tables below: `packed` is compared, and people are shown `text`.
 struct keyword {
     std::uint64_t packed = 0;
     described text;
@@ -51,7 +51,7 @@ struct keyword {
     constexpr keyword(const described &row) : packed(records::packed(row.name)), text(row) {}
 };
 
-/// The row of a table whose keyword is the folded text, or null.
+/// The row of a table whose keyword is the text, without regard to case; null if there is none.
 template <class Table>
 auto find(const Table &table, std::string_view text) -> decltype(std::data(table)) {
     const std::uint64_t wanted = lower(records::packed(text));
@@ -61,7 +61,7 @@ auto find(const Table &table, std::string_view text) -> decltype(std::data(table
     return nullptr;
 }
 
-/// Finds reduced (T, v) from the two reduced inputs; failures are left in the shared error text.
+/// Finds reduced (T, v) from the two reduced inputs. A failure is reported in the shared error text.
 using solver = void (*)(double in1, double in2, double &T, double &v);
 
 struct input_pair {
@@ -73,7 +73,7 @@ struct input_pair {
         : name(code), solve(solution), reduce1(quantity_of(code[0]).reduce), reduce2(quantity_of(code[1]).reduce) {}
 };
 
-/// A solver for one of the two that takes the other as it is.
+/// These take one of T and v as it is given, and search for the other if necessary.
 template <double (*T__x_v)(double, double, std::optional<double>)>
 void T_from_x_v(double x, double v_given, double &T_found, double &v_found) {
     v_found = v_given;
@@ -95,7 +95,7 @@ void v_from_t_s(double t, double s, double &T_found, double &v_found) {
     T_found = t;
     v_found = thermodynamics::v__s_T(s, t);
 }
-/// The volume from both inputs, and only if that went well the temperature from the volume.
+/// Finds the volume from both inputs, and then, unless that failed, the temperature from p and the volume.
 template <double (*v__y_x)(double, double, std::optional<double>, std::optional<double>)>
 void from_p_y(double p, double y, double &T_found, double &v_found) {
     v_found = v__y_x(y, p, {}, {});
@@ -144,7 +144,7 @@ constexpr input_pair input_pairs[] = {
     {"hs", from_h_s},
 };
 
-// Outputs at the reduced state, restored to SI units.
+/// Evaluates an output at a reduced state and returns it in SI units.
 using evaluation = double (*)(double T, double v, const gas_constants &g);
 
 std::array<double, 2> pressure_gradient(double T, double v) {
@@ -175,10 +175,10 @@ double reduced_conductivity(double T, double v) {
 struct output {
     keyword name;
     evaluation evaluate;
-    bool any_quality; ///< whether it has a meaning between the saturated states
+    bool any_quality; ///< whether it is served at a quality other than 1
 };
 
-/// An output in its row of requests::outputs, by the operation that gives it reduced.
+/// The output in this row of requests::outputs; `Reduced` is the operation that returns its reduced value.
 template <std::size_t row, class Reduced>
 consteval output served(Reduced) {
     constexpr const requests::output &what = requests::outputs[row];
@@ -212,7 +212,7 @@ struct information {
     double (*value)(const gas_constants &g);
 };
 
-/// A table made from the rows of another one.
+/// A table that `tell` makes, row by row, from another one.
 template <class Described, class Row, std::size_t rows>
 consteval std::array<Described, rows> told(const Row (&table)[rows], Described (*tell)(const Row &row)) {
     std::array<Described, rows> result;
@@ -233,8 +233,8 @@ constexpr auto informations =
 constexpr auto told_informations = told<described, requests::information>(
     requests::informations, [](const requests::information &row) { return row.text; });
 
-/// Loads the fluid if its name is not the kept one, and says whether it did. A name of more than eight characters
-/// never is the kept one.
+/// Loads the fluid if its name is not the kept name, and returns whether it did so. A name of more than eight
+/// characters is never equal to the kept name.
 bool loaded_anew(std::string_view fluid) {
     if (same_text(fluid, os_fluid))
         return false;
@@ -249,7 +249,7 @@ bool same_state(std::string_view inputspec, double input1, double input2) {
 
 void report_success(std::span<char> errmsg) {
     std::fill(errmsg.begin(), errmsg.end(), ' ');
-    if (errmsg.size() >= no_errors.size()) // a constant number of bytes takes two instructions
+    if (errmsg.size() >= no_errors.size()) // copying a constant number of bytes takes two instructions
         std::copy_n(no_errors.begin(), no_errors.size(), errmsg.begin());
     else
         fill_text(errmsg, {no_errors});
@@ -293,8 +293,8 @@ double ostrel_prop(std::string_view fluid, std::string_view inputspec, double in
 
     const output *const wanted = find(outputs, outputspec);
     if (new_fluid || !same_state(inputspec, input1, input2)) {
-        // The key is kept even if what follows fails: hosts rely on the same request then being served
-        // from the state before it.
+        // The key is kept even if the rest fails. Hosts rely on this: the same request is then served from the state
+        // before it.
         os_inputspec = fixed_text<2>(inputspec);
         os_input1 = input1;
         os_input2 = input2;
@@ -326,7 +326,7 @@ void get_tv(std::string_view inputspec, double input1, double input2, double &T_
 }
 
 double ostrel_info(std::string_view fluid, std::string_view name, std::span<char> errmsg) {
-    // The shared text is not reset: a message that stands there makes the loading count as failed.
+    // The shared text is not reset, so that an old message in it counts as a failure of the loading.
     if (loaded_anew(fluid) && !shared_errmsg().clear()) {
         fill_text(errmsg, {shared_errmsg().padded()});
         return 0.0;
@@ -372,7 +372,7 @@ void read_init_fluiddata(std::string_view name) {
         loading::report_failed_open(ENOENT); // no file of the directory has such a name
     else if (loading::read_file(directory + std::string(fluid) + std::string(extension)) == loading::outcome::broken)
         return;
-    // A failed open goes on with the parameters in memory.
+    // This runs also if the file could not be opened; then the parameters in memory are initialised again.
     loading::initialise();
 }
 

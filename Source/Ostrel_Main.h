@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Module ostrel: property requests with their one-state cache, loading, catalogue and information.
+// Module ostrel: property requests with their kept state, information, the list of fluids, and loading.
 //
-// The only place where SI values meet the reduced quantities of the core.
+// Hosts use SI values, and the modules of Thermodynamics/ use reduced ones. They are converted here.
 #pragma once
 
 #include "Records/fixed_text.h"
@@ -16,12 +16,12 @@
 
 namespace ostrel OSTREL_VISIBLE {
 
-/// Result of a request that failed.
+/// The result of a request that failed.
 inline constexpr double failure_value = -8888.8;
 
-/// The fluid that is loaded, or that loading was last tried for.
+/// The fluid that a request loaded last, or tried to load.
 extern records::fixed_text<8> os_fluid;
-/// Key of the kept state: the pair's code as the host wrote it, and its two SI values.
+/// The key of the kept state: the code of the pair as the host wrote it, and the two SI values.
 extern records::fixed_text<2> os_inputspec;
 extern double os_input1;
 extern double os_input2;
@@ -29,7 +29,7 @@ extern double os_input2;
 extern double T;
 extern double v;
 
-/// The first eight characters in lower case, to which all codes and names are folded.
+/// The first eight characters in lower case. Codes and names are compared in this form.
 records::fixed_text<8> tolower_os(std::string_view text);
 
 using requests::described;
@@ -41,38 +41,38 @@ struct described_pair {
 };
 struct described_output {
     described text;
-    bool any_quality; ///< whether it is served between the saturated states
+    bool any_quality; ///< whether it is served at a quality other than 1
 };
 
-// The tables of what requests may name, in the order in which they are searched.
+// The tables of the names that requests may use, in the order in which they are searched.
 std::span<const described_pair> described_input_pairs();
 std::span<const described_output> described_outputs();
 std::span<const described> described_informations();
 
-/// Whether the second place of the pair is a quality, and not that of the saturated vapor.
+/// Whether the second value of the pair is a quality other than 1.
 bool mixture(std::string_view inputspec, double input2);
 
-/// The folder in which fluids are sought, with its separator.
+/// The folder in which fluids are looked for, with its separator.
 std::string fluid_directory();
 
-/// One property; arguments as ostrel.h has them, errmsg is the caller's field.
+/// One property in SI units. The arguments are those in ostrel.h; errmsg is the caller's field.
 double ostrel_prop(std::string_view fluid, std::string_view inputspec, double input1, double input2,
                    std::string_view outputspec, std::span<char> errmsg);
-/// Reduced temperature and volume of an input pair; failures are left in the shared error text.
+/// Reduced T [T_ref] and v [v_ref] of an input pair in SI units. A failure is reported in the shared error text.
 void get_tv(std::string_view inputspec, double input1, double input2, double &T, double &v);
 
-/// A constant of a fluid.
+/// A constant of a fluid in SI units.
 double ostrel_info(std::string_view fluid, std::string_view name, std::span<char> errmsg);
-/// The names of the fluids with parameter files: 500 entries of name_len characters.
+/// Fills 500 entries of name_len characters with the names of the fluids that have parameter files.
 void ostrel_fluids(std::int32_t &count, char *names, std::size_t name_len);
 std::array<std::int32_t, 4> getversion();
 void ostrel_sub();
 
 /// Reads and initialises a fluid from its file in the fluid directory.
 void read_init_fluiddata(std::string_view name);
-/// Reads a parameter file, without initialising.
+/// Reads a parameter file; does not initialise the fluid.
 void read_init_fluiddatafile(std::string_view file);
-/// Reads a fluid from a fluid database, without initialising.
+/// Reads a fluid from a fluid database; does not initialise it.
 void read_init_fluiddatadb(std::string_view location, std::string_view name);
 
 } // namespace ostrel

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The floating-point environment of the entry points. A host may have set another rounding mode or traps; one that is
-// linked with -ffast-math starts with subnormal numbers flushed to zero. Digits must not depend on that, and a NaN or
-// an infinity on the way of a search must not end the process.
+// The floating-point environment of the entry points. A host may have set another rounding mode or traps, and a host
+// that is linked with -ffast-math flushes subnormal numbers to zero. Results must not depend on that, and a NaN or an
+// infinity during a search must not end the process.
 #pragma once
 
 #include <cfenv>
@@ -11,8 +11,8 @@
 
 namespace floating_point {
 
-/// While it lives, rounding is to nearest, nothing traps and nothing is flushed to zero; then the host's environment is
-/// back, its exception flags as they were.
+/// While the object lives, rounding is to nearest, nothing traps and nothing is flushed to zero. Its destructor
+/// restores the host's environment, with the exception flags that it had.
 class whole_environment {
 public:
     whole_environment() noexcept {
@@ -29,8 +29,8 @@ private:
 
 #ifdef __x86_64__
 
-/// The same for the vector unit, which computes everything in the library. Where the host has the standard environment
-/// already nothing is done, so that a request from the kept state costs little more: its flags may then be raised.
+/// Like whole_environment, but for the vector unit only, in which the library computes. If the host has the standard
+/// environment already, it does nothing, which saves time; the host's exception flags may then be raised.
 class standard_environment {
 public:
     standard_environment() noexcept : of_host_(_mm_getcsr()) {

@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::string_view product = "Ostrel";
 
-// The host's search wants its pattern with a NUL.
+// The search routine takes its pattern with a NUL at the end.
 constexpr std::string_view parameter_files("*.osd", sizeof "*.osd");
 
 ostrel_host active = default_routines;
 
-/// Blanks each entry from its first NUL on.
+/// Fills each entry with blanks from its first NUL on.
 void remove_padding(std::span<char> entries, std::size_t length) {
     for (; entries.size() >= length && length > 0; entries = entries.subspan(length)) {
         const std::span<char> entry = entries.first(length);
@@ -23,7 +23,7 @@ void remove_padding(std::span<char> entries, std::size_t length) {
     }
 }
 
-/// Blanks the carriage return at the end of each line.
+/// Replaces the carriage return at the end of each line by a blank.
 void remove_carriage_returns(std::span<char> lines) {
     for (; lines.size() >= line_length; lines = lines.subspan(line_length)) {
         const std::size_t used = records::trimmed({lines.data(), line_length}).size();

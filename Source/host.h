@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The routines that belong to the host application, reached through a table that it may replace.
+// The routines of the host application. The library calls them through a table that the host may replace.
 #pragma once
 
 #include "ostrel.h"
@@ -20,27 +20,27 @@ inline constexpr std::size_t line_length = 255;
 
 /// The routines in use; every member is set.
 const ostrel_host &routines();
-/// Replaces them; a null table or member stands for the default.
+/// Replaces the routines; a null table or a null member means the default.
 void use(const ostrel_host *replacement);
 /// The library's own routines.
 extern const ostrel_host default_routines;
 
-// The host's answers. A field may also come back ended by a NUL, as C programs leave it.
+// The host's answers. A host may end the text in a field with a NUL, as C programs do.
 
 /// The directory of the fluid files with its separator, without trailing blanks.
 std::string fluid_directory();
 /// Fills 500 entries of name_length characters with the names of the directory's parameter files.
 void search_directory(std::string_view directory, std::span<char> names, std::size_t name_length);
-/// A fluid's text from a database: its 255 lines one after the other. There are none if the database does not give
-/// them; `problem` then says why, as far as that is known.
+/// A fluid's text from a database: its 255 lines, one after the other. If the database does not give them there are
+/// none, and `problem` says why if the reason is known.
 struct fluid_text {
     std::vector<char> lines;
     std::string problem;
 };
-/// The host's answer. Lines of a replaced routine end at their first NUL; those of the default host keep every byte. No
-/// line keeps a carriage return at its end.
+/// The answer of the routine in use. The lines of a replaced routine end at their first NUL, and those of the default
+/// host keep every byte. Carriage returns at the ends of lines are removed.
 fluid_text fluid_lines(std::string_view location, std::string_view key);
-/// The answer of the default host, whatever is in use.
+/// The answer of the default host, even if its routine is replaced.
 fluid_text default_fluid_lines(std::string_view location, std::string_view key);
 
 } // namespace host

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// All variables of the library, in one list: to put them back as they are when the library has just been loaded, to
-// keep their values, and to restore them.
+// The list of all variables of the library. With it they are reset to their first values, copied and restored.
 #pragma once
 
 #include "Algebra/lin_algebra.h"
@@ -22,8 +21,8 @@ inline auto of_fluid() {
 #undef OSTREL_ACTIVE_MODEL
 }
 
-/// The variables that outlive a fluid: the saturation table, the text of the matrix routines, and the kept state with
-/// its key.
+/// The variables that loading a fluid does not set: the saturation table, the error text of the matrix routines, and
+/// the kept state with its key.
 inline auto of_library() {
     return std::tie(thermodynamics::TTs, thermodynamics::PPs, thermodynamics::vvls, thermodynamics::vvgs,
                     lin_algebra::linalg_errmsg, ostrel::os_fluid, ostrel::os_inputspec, ostrel::os_input1,
@@ -34,18 +33,18 @@ inline auto all() {
     return std::tuple_cat(of_fluid(), of_library());
 }
 
-/// Empty variables, whatever they hold.
+/// Gives each variable the default value of its type.
 template <class... Variables>
 void clear(const std::tuple<Variables &...> &variables) {
     std::apply([](auto &...variable) { ((variable = std::remove_reference_t<decltype(variable)>{}), ...); }, variables);
 }
 
-/// No fluid is loaded any more.
+/// Resets the variables of the fluid: afterwards no fluid is loaded.
 inline void forget_fluid() {
     clear(of_fluid());
 }
 
-/// The library is as it was when it was loaded, but for its host.
+/// Resets all variables to their first values; the host's routines stay in use.
 inline void forget_everything() {
     clear(all());
     ostrel::os_input1 = ostrel::os_input2 = ostrel::failure_value;
@@ -58,7 +57,7 @@ std::tuple<Variables...> copy(const std::tuple<Variables &...> &variables) {
 }
 } // namespace implementation
 
-/// The values of all variables.
+/// A copy of all variables.
 inline auto keep() {
     return implementation::copy(all());
 }

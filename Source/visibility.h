@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-/// Marks what callers outside the shared library may use; everything else is hidden.
+/// Marks the names that the shared library exports; all others are hidden.
 #define OSTREL_VISIBLE __attribute__((visibility("default")))
 
-/// For the formulas of the models and of their states: only where they are inlined is left out what an operation does
-/// not need. Sanitizers would take minutes over what is left in.
+/// For the formulas of the models and of their states. Compilers leave out the parts that an operation does not need
+/// only if these functions are inlined. Compiling them inlined with the address sanitizer would take minutes.
 #if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__)
 #define OSTREL_INLINE __attribute__((always_inline)) inline
 #else

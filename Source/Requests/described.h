@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// How the tables of requests tell people what a name stands for.
+// A row of the tables that explain the names of requests to people.
 #pragma once
 
 #include <string_view>
 
 namespace requests {
 
-/// A code or name of a request with its SI unit.
+/// A code or name of a request, its SI unit and its meaning.
 struct described {
     std::string_view name;
     std::string_view unit;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The outputs of requests besides the quantities of a state, and the constants of a fluid.
+// The tables of what requests can return: the outputs of a state and the constants of a fluid.
 #pragma once
 
 #include "Requests/quantities.h"
@@ -8,17 +8,17 @@
 
 namespace requests {
 
-/// An output of a state, reduced in units of the fluid's reference values.
+/// An output of a state; `restore` turns its reduced value into its SI value.
 struct output {
     described text;
     conversion restore;
-    bool any_quality = false; ///< whether it is served between the saturated states
+    bool any_quality = false; ///< whether it is served at a quality other than 1
 
     constexpr output(const quantity &what) : text(what.text), restore(what.restore), any_quality(what.any_quality) {}
     constexpr output(const described &what, conversion to_SI) : text(what), restore(to_SI) {}
 };
 
-/// In the order in which they are listed.
+/// The outputs in the order in which users see them.
 inline constexpr output outputs[] = {
     quantity_of('t'),
     quantity_of('v'),
@@ -45,7 +45,7 @@ inline constexpr output outputs[] = {
      [](double lambda, const gas_constants &g) { return lambda * g.kk_ref; }},
 };
 
-/// The row of an output; an unknown name in a constant expression does not compile.
+/// The row of an output. An unknown name does not compile.
 consteval std::size_t output_row(std::string_view name) {
     std::size_t row = 0;
     while (outputs[row].text.name != name)
@@ -53,7 +53,7 @@ consteval std::size_t output_row(std::string_view name) {
     return row;
 }
 
-/// A constant of a fluid, in SI units.
+/// A constant of a fluid; value() returns it in SI units.
 struct information {
     described text;
     double (*value)(const gas_constants &g);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The quantities of a state that requests give or want, and how their SI values become reduced ones and the other way
-// round.
+// The quantities of a state in requests, and the conversions between their SI values and their reduced values.
 #pragma once
 
 #include "Equations/gas_constants.h"
@@ -12,15 +11,15 @@ namespace requests {
 
 using equations::gas_constants;
 
-/// From SI to reduced units, or back.
+/// Converts an SI value into a reduced one, or a reduced value into an SI one.
 using conversion = double (*)(double value, const gas_constants &g);
 
-/// A quantity; its name is its letter in the codes of input pairs.
+/// A quantity. Its name is its letter in the codes of input pairs.
 struct quantity {
     described text;
     conversion reduce;
     conversion restore;
-    bool any_quality = false; ///< whether requests are served it between the saturated states
+    bool any_quality = false; ///< whether it is served at a quality other than 1
 };
 
 inline constexpr quantity quantities[] = {
@@ -36,7 +35,7 @@ inline constexpr quantity quantities[] = {
      [](double v, const gas_constants &g) { return v / g.v_ref; },
      [](double v, const gas_constants &g) { return v * g.v_ref; },
      true},
-    {{"d", "kg/m3", "density"}, // reduced to the volume
+    {{"d", "kg/m3", "density"}, // its reduced value is the volume
      [](double d, const gas_constants &g) { return (1.0 / d) / g.v_ref; },
      [](double v, const gas_constants &g) { return 1 / (v * g.v_ref); },
      true},
@@ -54,7 +53,7 @@ inline constexpr quantity quantities[] = {
      [](double q, const gas_constants &) { return q; }},
 };
 
-/// The quantity of a letter; an unknown letter in a constant table does not compile.
+/// The quantity with this letter. In a constant expression an unknown letter does not compile.
 constexpr const quantity &quantity_of(char letter) {
     const quantity *found = std::begin(quantities);
     while (found->text.name[0] != letter)
