@@ -147,29 +147,29 @@ constexpr input_pair input_pairs[] = {
 /// Evaluates an output at a reduced state and returns it in SI units.
 using evaluation = double (*)(double T, double v, const gas_constants &g);
 
-std::array<double, 2> pressure_gradient(double T, double v) {
-    std::array<double, 2> dP{};
-    thermodynamics::dP__dT_dv(T, v, dP);
-    return dP;
+double temperature(double T, double) {
+    return T;
+}
+double volume(double, double v) {
+    return v;
+}
+/// An element of the derivatives that an operation gives.
+template <auto operation, std::size_t size, std::size_t element>
+double derivative(double T, double v) {
+    std::array<double, size> result{};
+    operation(T, v, result);
+    return result[element];
+}
+double conductivity(double T, double v) {
+    double eta = 0;
+    double lambda = 0;
+    transport_properties::transport_coefficients(T, v, eta, lambda);
+    return lambda;
 }
 
-std::array<double, 4> pressure_hessian(double T, double v) {
-    std::array<double, 4> d2P{};
-    thermodynamics::d2P__dT2_dv2(T, v, d2P);
-    return d2P;
-}
-
-double heat_capacity_slope(double T, double v) {
-    std::array<double, 2> dcv{};
-    thermodynamics::dcv__dT_dv(T, v, dcv);
-    return dcv[0];
-}
-
-double reduced_conductivity(double T, double v) {
-    double viscosity = 0;
-    double conductivity = 0;
-    transport_properties::transport_coefficients(T, v, viscosity, conductivity);
-    return conductivity;
+template <std::size_t row, double (*reduced)(double T, double v)>
+double restored(double T, double v, const gas_constants &g) {
+    return requests::outputs[row].restore(reduced(T, v), g);
 }
 
 struct output {
@@ -178,32 +178,30 @@ struct output {
     bool any_quality; ///< whether it is served at a quality other than 1
 };
 
-/// The output in this row of requests::outputs; `Reduced` is the operation that returns its reduced value.
-template <std::size_t row, class Reduced>
-consteval output served(Reduced) {
-    constexpr const requests::output &what = requests::outputs[row];
-    return {what.text, [](double T, double v, const gas_constants &g) { return what.restore(Reduced()(T, v), g); },
-            what.any_quality};
+/// An output in its row of requests::outputs, with the operation that gives it reduced.
+template <std::size_t row, double (*reduced)(double T, double v)>
+constexpr output served() {
+    return {requests::outputs[row].text, restored<row, reduced>, requests::outputs[row].any_quality};
 }
-#define OSTREL_SERVED(name, reduced) served<requests::output_row(name)>([](double T, double v) { return reduced; })
+#define OSTREL_SERVED(name, ...) served<requests::output_row(name), __VA_ARGS__>()
 
 constexpr output outputs[] = {
-    OSTREL_SERVED("t", (static_cast<void>(v), T)),
-    OSTREL_SERVED("v", (static_cast<void>(T), v)),
-    OSTREL_SERVED("d", (static_cast<void>(T), v)),
-    OSTREL_SERVED("p", thermodynamics::P__T_v(T, v)),
-    OSTREL_SERVED("h", thermodynamics::h__T_v(T, v)),
-    OSTREL_SERVED("s", thermodynamics::s__T_v(T, v)),
-    OSTREL_SERVED("u", thermodynamics::e__T_v(T, v)),
-    OSTREL_SERVED("cv", thermodynamics::cv__T_v(T, v)),
-    OSTREL_SERVED("dp_dt", pressure_gradient(T, v)[0]),
-    OSTREL_SERVED("dp_dv", pressure_gradient(T, v)[1]),
-    OSTREL_SERVED("d2p_dt2", pressure_hessian(T, v)[0]),
-    OSTREL_SERVED("d2p_dv2", pressure_hessian(T, v)[3]),
-    OSTREL_SERVED("d2p_dtdv", pressure_hessian(T, v)[1]),
-    OSTREL_SERVED("dcv_dt", heat_capacity_slope(T, v)),
-    OSTREL_SERVED("eta", transport_properties::eta__T_v(T, v)),
-    OSTREL_SERVED("lambda", reduced_conductivity(T, v)),
+    OSTREL_SERVED("t", temperature),
+    OSTREL_SERVED("v", volume),
+    OSTREL_SERVED("d", volume),
+    OSTREL_SERVED("p", thermodynamics::P__T_v),
+    OSTREL_SERVED("h", thermodynamics::h__T_v),
+    OSTREL_SERVED("s", thermodynamics::s__T_v),
+    OSTREL_SERVED("u", thermodynamics::e__T_v),
+    OSTREL_SERVED("cv", thermodynamics::cv__T_v),
+    OSTREL_SERVED("dp_dt", derivative<thermodynamics::dP__dT_dv, 2, 0>),
+    OSTREL_SERVED("dp_dv", derivative<thermodynamics::dP__dT_dv, 2, 1>),
+    OSTREL_SERVED("d2p_dt2", derivative<thermodynamics::d2P__dT2_dv2, 4, 0>),
+    OSTREL_SERVED("d2p_dv2", derivative<thermodynamics::d2P__dT2_dv2, 4, 3>),
+    OSTREL_SERVED("d2p_dtdv", derivative<thermodynamics::d2P__dT2_dv2, 4, 1>),
+    OSTREL_SERVED("dcv_dt", derivative<thermodynamics::dcv__dT_dv, 2, 0>),
+    OSTREL_SERVED("eta", transport_properties::eta__T_v),
+    OSTREL_SERVED("lambda", conductivity),
 };
 static_assert(std::size(outputs) == std::size(requests::outputs));
 

@@ -274,8 +274,8 @@ bool record_reader::read(std::span<const item> items) {
     const auto describe = [&](const item &wanted) {
         std::string text(wanted.field);
         if (wanted.element > 0)
-            text += "(" + std::to_string(wanted.element) + ")";
-        return text + " (" + std::string(kind_of(wanted)) + ")";
+            text.append("(").append(std::to_string(wanted.element)).append(")");
+        return text.append(" (").append(kind_of(wanted)).append(")");
     };
     ++record_number_;
     std::string_view record;
@@ -294,7 +294,7 @@ bool record_reader::read(std::span<const item> items) {
         switch (values.next(token, more)) {
         case value_scanner::found::value:
             if (!store(wanted, token))
-                return fail(describe(wanted), '"' + printable(token, 40) + '"');
+                return fail(describe(wanted), std::string("\"").append(printable(token, 40)).append("\""));
             break;
         case value_scanner::found::null:
             break;

@@ -105,7 +105,7 @@ const std::vector<critical_data> fluids = {{400.0, 4.2e6},
                                            {500.0, 4.2e6, 31.0}};
 
 /// The volume has a triple root at the critical point if b is this third of R Tc/Pc, and a(Tc) (R Tc)^2/(9 root Pc).
-const double root = std::cbrt(2.0) - 1;
+constexpr double root = 0.25992104989487316; // 2^(1/3) - 1, of which std::cbrt may miss the last digit
 
 const cubic_model redlich_kwong = {
     .gas_type = 6,

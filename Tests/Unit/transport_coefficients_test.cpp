@@ -624,7 +624,7 @@ TEST_F(transport_coefficients_test, reduced_coefficients_are_the_dimensional_one
                 continue;
             }
             // cp is taken at the reduced arguments as they were given, or at T/T_ref and v/v_ref.
-            const auto of_cp = [&](double cp) { return mu * gas.R * cp / 0.71; };
+            const auto of_cp = [&, mu = mu](double cp) { return mu * gas.R * cp / 0.71; };
             EXPECT_EQ(lambda, of_cp(thermodynamics::cp__T_v(t, vr)) / gas.kk_ref);
             EXPECT_EQ(k, of_cp(thermodynamics::cp__T_v(T / gas.T_ref, v / gas.v_ref)));
         }
