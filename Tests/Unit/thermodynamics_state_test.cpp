@@ -16,7 +16,6 @@ using support::read_well;
 using support::thermodynamics_section;
 using testing::ElementsAre;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
 const std::string constant_heat = "F\n1\n750.0\n";
 
 struct thermodynamics_state_test : support::thermodynamics_test {
