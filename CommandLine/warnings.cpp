@@ -139,6 +139,7 @@ bool known(std::int32_t code, std::span<const transport::model> models) {
 
 void check_transport(texts &found, const gas_constants &fluid) {
     using namespace transport;
+    const parameters &active = transport_properties::active;
     const std::int32_t viscosity = active.viscosity_model;
     const std::int32_t conductivity = active.thermal_cond_model;
     const bool chung = conductivity == dilute_gas_conductivity || conductivity == dense_gas_conductivity;
