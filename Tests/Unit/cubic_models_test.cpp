@@ -219,8 +219,8 @@ struct cubic_models_test : support::thermodynamics_test, testing::WithParamInter
         expect_constants(expected);
     }
 };
-struct cubic_models_of_a_triple_root_test : cubic_models_test {};
-struct cubic_models_of_Soave_test : cubic_models_test {};
+using cubic_models_of_a_triple_root_test = cubic_models_test;
+using cubic_models_of_Soave_test = cubic_models_test;
 
 TEST_P(cubic_models_test, init_finds_the_critical_volume_and_reduces_the_constants) {
     std::vector<critical_data> found_ones = fluids;
@@ -361,11 +361,12 @@ TEST_P(cubic_models_of_Soave_test, the_slope_of_the_temperature_factor_follows_t
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, cubic_models_test, testing::Values(redlich_kwong, soave, peng_robinson),
+using models = std::vector<cubic_model>;
+INSTANTIATE_TEST_SUITE_P(, cubic_models_test, testing::ValuesIn(models{redlich_kwong, soave, peng_robinson}),
                          testing::PrintToStringParamName());
-INSTANTIATE_TEST_SUITE_P(, cubic_models_of_a_triple_root_test, testing::Values(redlich_kwong, soave),
+INSTANTIATE_TEST_SUITE_P(, cubic_models_of_a_triple_root_test, testing::ValuesIn(models{redlich_kwong, soave}),
                          testing::PrintToStringParamName());
-INSTANTIATE_TEST_SUITE_P(, cubic_models_of_Soave_test, testing::Values(soave, peng_robinson),
+INSTANTIATE_TEST_SUITE_P(, cubic_models_of_Soave_test, testing::ValuesIn(models{soave, peng_robinson}),
                          testing::PrintToStringParamName());
 
 } // namespace

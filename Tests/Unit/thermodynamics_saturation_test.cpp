@@ -236,6 +236,18 @@ TEST_F(thermodynamics_saturation_test, the_end_is_lowered_until_the_pressure_is_
     expect_end(3, nitrogen, 0);
 }
 
+/// The guards behind a step: the phases stay on their sides of the critical volume.
+void keep_sides(double &g, double &l) {
+    double kept = std::max(vmin, l);
+    if (g <= 1 && kept < 1)
+        g = 1 / kept;
+    if (g >= 1 && kept > 1)
+        kept = 1 / g;
+    if (g <= 1)
+        g = 10.0;
+    l = kept < 1 ? kept : std::max(0.1, vmin);
+}
+
 /// The build as it is written down, pass after pass.
 struct written_build {
     std::vector<double> T, P, v_g, v_l;
@@ -329,16 +341,6 @@ private:
         }
         P1 = P__T_v(T1, g);
         return false;
-    }
-    static void keep_sides(double &g, double &l) {
-        double kept = std::max(vmin, l);
-        if (g <= 1 && kept < 1)
-            g = 1 / kept;
-        if (g >= 1 && kept > 1)
-            kept = 1 / g;
-        if (g <= 1)
-            g = 10.0;
-        l = kept < 1 ? kept : std::max(0.1, vmin);
     }
 };
 
@@ -716,7 +718,7 @@ TEST_F(thermodynamics_saturation_test, the_temperature_search_of_a_phase_may_fai
 
 // Counted passes
 
-/// One pass of the iteration as it is written down, and the guards.
+/// One pass of the iteration as it is written down, without the guards.
 struct phases {
     double v_g;
     double v_l;
@@ -733,16 +735,6 @@ struct phases {
         }
         return true;
     }
-    void keep_sides() {
-        double l = std::max(vmin, v_l);
-        if (v_g <= 1 && l < 1)
-            v_g = 1 / l;
-        if (v_g >= 1 && l > 1)
-            l = 1 / v_g;
-        if (v_g <= 1)
-            v_g = 10.0;
-        v_l = l < 1 ? l : std::max(0.1, vmin);
-    }
 };
 /// The pass that converges, 0 if none does; `at` becomes what the iteration ends with.
 int passes_at_T(double T, phases &at) {
@@ -753,7 +745,7 @@ int passes_at_T(double T, phases &at) {
         if (!at.step(F, {dmu__dT_dv(T, at.v_g)[1], pressure_slopes(T, at.v_g)[1]},
                      {dmu__dT_dv(T, at.v_l)[1], pressure_slopes(T, at.v_l)[1]}, false))
             return 0;
-        at.keep_sides();
+        keep_sides(at.v_g, at.v_l);
     }
     return 0;
 }
@@ -771,7 +763,7 @@ int passes_at_P(double P, phases &at) {
         };
         if (!at.step(F, slopes(T_g, at.v_g), slopes(T_l, at.v_l), true))
             return 0;
-        at.keep_sides();
+        keep_sides(at.v_g, at.v_l);
     }
     return 0;
 }

@@ -62,6 +62,11 @@ struct solver_1d {
     bool finds_T() const { return &bound == &Tmin; }
     double f_at(double x, double other) const { return finds_T() ? f(x, other) : f(other, x); }
     double slope_at(double x, double other) const { return finds_T() ? slope(x, other) : slope(other, x); }
+    /// What is asked of which a state is the answer, and the unknown there.
+    struct question {
+        double y, other, x;
+    };
+    question about(double T, double v) const { return {given(f(T, v)), finds_T() ? v : T, finds_T() ? T : v}; }
     /// For sound the target is the square of what is given.
     double target(double y) const { return f == square_of_sound ? y * y : y; }
     double given(double target_value) const { return f == square_of_sound ? std::sqrt(target_value) : target_value; }
@@ -398,10 +403,8 @@ TEST_F(thermodynamics_solvers_test, one_unknown_is_found_by_plain_Newton_steps) 
     int several_steps = 0;
     for_each_model_and_1d_solver([&](const solver_1d &with) {
         for (const place &at : places) {
-            const double T = at.T / gas.Z_ref, v = at.v;
             SCOPED_TRACE(testing::Message() << at.T << ", " << at.v);
-            const double x = with.finds_T() ? T : v, other = with.finds_T() ? v : T;
-            const double y = with.given(with.f(T, v));
+            const auto [y, other, x] = with.about(at.T / gas.Z_ref, at.v);
             for (const double start : {with.first(y, other), 1.02 * x, 0.97 * x}) {
                 const run expected = newton(with, y, other, start);
                 errmsg.reset();
@@ -446,9 +449,7 @@ TEST_F(thermodynamics_solvers_test, two_unknowns_are_found_by_plain_Newton_steps
 
 TEST_F(thermodynamics_solvers_test, a_given_first_value_within_the_tolerance_is_returned) {
     for_each_model_and_1d_solver([](const solver_1d &with) {
-        const double T = 1.2 / gas.Z_ref, v = 2.3;
-        const double x = with.finds_T() ? T : v, other = with.finds_T() ? v : T;
-        const double y = with.given(with.f(T, v));
+        const auto [y, other, x] = with.about(1.2 / gas.Z_ref, 2.3);
         const double step = 1e-9 / with.slope_at(x, other);
         EXPECT_EQ(with.solve(y, other, x + 0.9 * step), x + 0.9 * step);
         EXPECT_EQ(with.solve(y, other, x - 0.9 * step), x - 0.9 * step);
@@ -511,7 +512,7 @@ TEST_F(thermodynamics_solvers_test, a_first_value_below_the_bound_is_lifted) {
         const double T = 1.2 / gas.Z_ref, v = 2.3;
         Tmin = T;
         vmin = v;
-        const double y = with.given(with.f(T, v)), other = with.finds_T() ? v : T;
+        const auto [y, other, x] = with.about(T, v);
         for (const double below : {-5.0, 0.0, 0.5 * with.bound})
             EXPECT_EQ(with.solve(y, other, below), with.bound);
         EXPECT_EQ(support::shared_text(), "No errors");
@@ -701,8 +702,8 @@ TEST_F(thermodynamics_solvers_test, after_a_failed_inversion_every_solve_in_two_
 TEST_F(thermodynamics_solvers_test, a_failed_inversion_does_not_touch_solves_in_one_unknown) {
     make_an_inversion_fail();
     for_each_model_and_1d_solver([](const solver_1d &with) {
-        const double T = 1.2 / gas.Z_ref, v = 2.3, x = with.finds_T() ? T : v, other = with.finds_T() ? v : T;
-        EXPECT_NEAR(with.solve(with.given(with.f(T, v)), other, 1.01 * x), x, 1e-7);
+        const auto [y, other, x] = with.about(1.2 / gas.Z_ref, 2.3);
+        EXPECT_NEAR(with.solve(y, other, 1.01 * x), x, 1e-7);
         EXPECT_EQ(support::shared_text(), "No errors");
     });
 }
@@ -726,8 +727,8 @@ TEST_F(thermodynamics_solvers_test, composites_evaluate_at_the_solved_state) {
         for (const composite &of : composites) {
             SCOPED_TRACE(of.name);
             const solver_1d &with = solver(of.solved_by);
-            const double T = 1.1 / gas.Z_ref, v = 5.1, other = with.finds_T() ? v : T, x = with.finds_T() ? T : v;
-            const double y = with.given(with.f(T, v));
+            const double T = 1.1 / gas.Z_ref, v = 5.1;
+            const auto [y, other, x] = with.about(T, v);
             const auto direct = [&](double at) { return with.finds_T() ? of.direct(at, v) : of.direct(T, at); };
             const double step = 1e-9 / with.slope_at(x, other);
             EXPECT_EQ(of.evaluate(y, other, x + 0.7 * step), direct(x + 0.7 * step));
@@ -753,12 +754,12 @@ TEST_F(thermodynamics_solvers_test, composites_answer_zero_while_a_message_stand
         for (const composite &of : composites) {
             SCOPED_TRACE(of.name);
             const solver_1d &with = solver(of.solved_by);
-            const double T = 1.2 / gas.Z_ref, v = 2.3, other = with.finds_T() ? v : T, x = with.finds_T() ? T : v;
+            const auto [y, other, x] = with.about(1.2 / gas.Z_ref, 2.3);
             errmsg.report({"ERROR: in T__e_v"});
-            EXPECT_EQ(of.evaluate(with.given(with.f(T, v)), other, x), 0.0);
+            EXPECT_EQ(of.evaluate(y, other, x), 0.0);
             EXPECT_EQ(support::shared_text(), "ERROR: in T__e_v");
             errmsg.reset();
-            EXPECT_NE(of.evaluate(with.given(with.f(T, v)), other, x), 0.0);
+            EXPECT_NE(of.evaluate(y, other, x), 0.0);
         }
     });
 }
