@@ -398,7 +398,9 @@ answer index::find(std::string_view words) const {
     result = exact_answer(fluids, key);
     if (result.how != outcome::not_found)
         return result;
-    for (const std::size_t place : near_fluids(fluids, key))
+    const bool with_extension = words.ends_with(extension);
+    for (const std::size_t place :
+         near_fluids(fluids, with_extension ? key_of(words.substr(0, words.size() - extension.size())) : key))
         if (result.fluids.size() < nearest_shown)
             result.fluids.push_back(fluids[place]);
     return result;
