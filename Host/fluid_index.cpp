@@ -166,13 +166,17 @@ void for_each_key(const fluid &of, Function use) {
 }
 
 /// How well a key finds a fluid; less is better.
-enum rank { exact_name, exact_formula, beginning, part, near, none };
+enum rank { exact_name, exact_formula, exact_family, beginning, part, none };
 
 struct match {
     rank how = none;
     std::size_t length = 0; ///< of the name that was found
     bool operator<(const match &other) const { return how != other.how ? how < other.how : length < other.length; }
 };
+
+bool is_exact(rank how) {
+    return how < beginning;
+}
 
 match match_of(const fluid &candidate, std::string_view key) {
     match best;
@@ -185,8 +189,8 @@ match match_of(const fluid &candidate, std::string_view key) {
     });
     if (const std::string formula = key_of(candidate.formula); formula == key)
         best = std::min(best, {exact_formula, formula.size()});
-    if (best.how == none && key_of(candidate.family).find(key) != nowhere)
-        best = {part, nowhere};
+    if (const std::string family = key_of(candidate.family); family.find(key) != nowhere)
+        best = std::min(best, {family == key ? exact_family : part, nowhere});
     return best;
 }
 
@@ -209,14 +213,14 @@ std::vector<std::size_t> near_fluids(const std::vector<fluid> &fluids, std::stri
 /// The fluids with the best exact match of a key: by name, or if there is none by formula.
 answer exact_answer(const std::vector<fluid> &fluids, std::string_view key) {
     answer result;
-    rank best = beginning;
+    rank best = exact_formula;
     for (const fluid &candidate : fluids) {
         const rank how = match_of(candidate, key).how;
         if (how < best) {
             best = how;
             result.fluids.clear();
         }
-        if (how == best && how < beginning)
+        if (how == best)
             result.fluids.push_back(candidate);
     }
     if (!result.fluids.empty())
@@ -398,11 +402,12 @@ answer index::find(std::string_view words) const {
     result = exact_answer(fluids, key);
     if (result.how != outcome::not_found)
         return result;
-    const bool with_extension = words.ends_with(extension);
-    for (const std::size_t place :
-         near_fluids(fluids, with_extension ? key_of(words.substr(0, words.size() - extension.size())) : key))
+    const std::string_view bare = words.ends_with(extension) ? words.substr(0, words.size() - extension.size()) : words;
+    for (const std::size_t place : near_fluids(fluids, key_of(bare)))
         if (result.fluids.size() < nearest_shown)
             result.fluids.push_back(fluids[place]);
+    if (result.fluids.empty())
+        result.fluids = search(bare, nearest_shown);
     return result;
 }
 
@@ -422,10 +427,16 @@ std::vector<fluid> index::search(std::string_view words, std::size_t most) const
             if (how.how != none)
                 found.emplace_back(how, i);
         }
-    std::stable_sort(found.begin(), found.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    // A variant has no formula in the index, and comes behind its fluid.
+    std::stable_sort(found.begin(), found.end(), [&](const auto &a, const auto &b) {
+        const bool formula = !fluids[a.second].formula.empty();
+        if (a.first.how != b.first.how || formula == !fluids[b.second].formula.empty())
+            return a.first < b.first;
+        return formula;
+    });
     std::vector<std::size_t> order(found.size());
     std::transform(found.begin(), found.end(), order.begin(), [](const auto &one) { return one.second; });
-    if (!key.empty() && (found.empty() || found.front().first.how > exact_formula))
+    if (!key.empty() && (found.empty() || !is_exact(found.front().first.how)))
         for (const std::size_t place : near_fluids(fluids, key))
             if (std::find(order.begin(), order.end(), place) == order.end())
                 order.push_back(place);

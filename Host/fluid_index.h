@@ -40,12 +40,13 @@ enum class outcome {
     by_file,   ///< The words are the exact name of a file.
     by_name,   ///< The words are one of the names of one fluid, or the formula of one fluid only.
     ambiguous, ///< The words are names or the formula of several fluids.
-    not_found  ///< The words are no name; the fluids have names that are near in spelling.
+    not_found  ///< The words are no name.
 };
 
 struct answer {
     outcome how = outcome::not_found;
-    /// The fluid; or all that are meant; or at most three that may have been meant, the nearest first.
+    /// The fluid; or all that it could be; or at most three that may have been meant: those with names near in
+    /// spelling, the nearest first, or if there are none those whose names contain the words.
     std::vector<fluid> fluids{};
 };
 
@@ -57,9 +58,9 @@ public:
     /// The fluid that the words name.
     answer find(std::string_view words) const;
 
-    /// All fluids of the folder that the words find, at most `most`, the best first: those with this name or formula,
-    /// those with a name that begins with the words, those with a name that contains them or of a family that does.
-    /// Then follow names that are near in spelling, unless one is right. No words find all fluids.
+    /// All fluids of the folder that the words find, at most `most`, the best first: those with this name, formula or
+    /// family; those with a name that begins with the words; those with a name or a family that contains them. Unless
+    /// there is one of the first kind, names near in spelling follow. No words find all fluids.
     std::vector<fluid> search(std::string_view words, std::size_t most = std::string_view::npos) const;
 
     /// What the index says of a file; nothing but its name if the index does not have it.

@@ -121,6 +121,12 @@ TEST_F(fluid_index_test, an_unknown_name_gets_the_nearest) {
     EXPECT_THAT(find("something quite different"), ElementsAre("not_found"));
 }
 
+TEST_F(fluid_index_test, an_unknown_name_that_is_near_to_none_gets_those_that_contain_it) {
+    EXPECT_THAT(find("tetrafluoro"), ElementsAre("not_found", "r134a"));
+    EXPECT_THAT(find("meth"), ElementsAre("not_found", "isobutan"));
+    EXPECT_THAT(find("alkanes"), ElementsAre("not_found", "isobutan", "nbutane", "propane"));
+}
+
 TEST_F(fluid_index_test, fields_that_are_no_names_find_nothing) {
     for (const std::string_view words : {"200", "1000", "134.895", "alkenes", "n-alkanes", "refrigerants", "file", "1"})
         EXPECT_EQ(find(words).front(), "not_found") << words;
@@ -186,9 +192,18 @@ TEST_F(fluid_index_test, a_search_has_the_best_first) {
     EXPECT_THAT(files(there.search("", 2)), ElementsAre("ane", "b"));
     EXPECT_THAT(files(there.search("ane")), ElementsAre("ane", "b", "b4", "b2", "b3", "b5"));
     EXPECT_THAT(files(there.search("butanes")), ElementsAre("b", "b4"));
-    EXPECT_THAT(files(there.search("FUELS")), ElementsAre("ane", "b", "b3"));
+    EXPECT_THAT(files(there.search("FUELS")), ElementsAre("b", "b3", "ane"));
     EXPECT_THAT(files(there.search("12345")), ElementsAre("b4"));
     EXPECT_THAT(files(there.search("234")), IsEmpty());
+}
+
+TEST(fluid_index_files, a_variant_comes_behind_its_fluid) {
+    const folder place(std::string(heading) + "tolu,\"toluene, other\",,,,,f,,,\ntoluene,toluene,,,C7H8,,f,,,\n",
+                       {"tolu", "toluene"});
+    const index names(place.path());
+    EXPECT_THAT(files(names.search("tol")), ElementsAre("toluene", "tolu"));
+    EXPECT_THAT(files(names.search("F")), ElementsAre("toluene", "tolu"));
+    EXPECT_THAT(files(names.search("tolu")), ElementsAre("tolu", "toluene"));
 }
 
 TEST(fluid_index_files, without_an_index_everything_goes_by_file_names) {
