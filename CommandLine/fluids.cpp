@@ -3,7 +3,9 @@
 #include "CommandLine/command.h"
 #include "CommandLine/description.h"
 #include "CommandLine/loading.h"
+#include "CommandLine/naming.h"
 #include "CommandLine/report.h"
+#include "CommandLine/suggestions.h"
 #include "Thermodynamics/thermodynamics.h"
 
 #include <iostream>
@@ -46,17 +48,22 @@ std::vector<cell> row_of(const std::string &name) {
     return row;
 }
 
-void list(const report_form &form) {
+/// Lists the fluids that the words find; all fluids if there are none.
+void list(const std::string &words, const report_form &form) {
     const std::string folder = fluid_folder();
     report found = {
         .name = "fluids",
         .columns = {{"name"}, {"fluid"}, {"model"}, {"M", "kg/kmol"}, {"Tc", "K"}, {"pc", "Pa"}, {"remark"}},
         .heading = true,
         .asked = {{"folder", folder}}};
-    for (const std::string &name : fluid_names())
+    if (!words.empty())
+        found.asked.emplace_back("words", words);
+    for (const std::string &name : words.empty() ? fluid_names() : fluids_found(words))
         found.rows.push_back(row_of(name));
     if (found.rows.empty() && !form.csv && !form.json)
-        std::cout << "There are no parameter files (*.osd) in " << folder << '\n';
+        std::cout << (words.empty() ? "There are no parameter files (*.osd) in "
+                                    : "No name is like \"" + printable(words) + "\" in ")
+                  << folder << '\n';
     else
         write(found, form);
 }
@@ -64,11 +71,18 @@ void list(const report_form &form) {
 } // namespace
 
 void add_fluids(CLI::App &program) {
-    CLI::App *const command = program.add_subcommand("fluids", "List the fluids that are there");
+    CLI::App *const command =
+        program.add_subcommand("fluids", "List the fluids that are there, or those with some name");
+    const auto words = std::make_shared<std::vector<std::string>>();
+    command->add_option("WORDS", *words, "A name or a part of it, refrigerant number, formula, CAS number or family")
+        ->type_name("");
     const auto form = std::make_shared<report_form>();
     form->add_options(*command);
-    command->footer("Example:\n  ostrel fluids");
-    command->callback([form] { list(*form); });
+    command->footer(
+        "The fluids whose names are the words come first, then names that begin with them, that contain them, or\n"
+        "that are near in spelling. Case, blanks and punctuation do not count.\n\n"
+        "Examples:\n  ostrel fluids\n  ostrel fluids carbon dioxide\n  ostrel fluids R134 --csv");
+    command->callback([words, form] { list(joined(*words, " ", " "), *form); });
 }
 
 } // namespace command

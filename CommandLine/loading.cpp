@@ -2,8 +2,8 @@
 #include "CommandLine/loading.h"
 
 #include "CommandLine/command.h"
+#include "CommandLine/naming.h"
 #include "CommandLine/report.h"
-#include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
 #include "Thermodynamics/gas_properties.h"
 #include "fluid_loading.h"
@@ -34,10 +34,7 @@ std::vector<std::string> loading_advice(const std::string &fluid) {
     if (fluid.find('/') != std::string::npos)
         advice = {
             "A fluid is named by its file in the fluid folder, without \".osd\"; --fluids chooses another folder."};
-    constexpr std::string_view extension = ".osd";
-    const std::string_view name = fluid;
-    const std::string meant =
-        did_you_mean(name.ends_with(extension) ? name.substr(0, name.size() - extension.size()) : name, fluid_names());
+    const std::string meant = nearest_fluids(fluid);
     advice.push_back(!meant.empty() ? meant : "\"ostrel fluids\" lists the fluids that are there.");
     return advice;
 }

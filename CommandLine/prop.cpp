@@ -2,6 +2,7 @@
 // ostrel prop: computes properties of a fluid at one state.
 #include "CommandLine/command.h"
 #include "CommandLine/loading.h"
+#include "CommandLine/naming.h"
 #include "CommandLine/notes.h"
 #include "CommandLine/report.h"
 #include "CommandLine/suggestions.h"
@@ -139,7 +140,7 @@ void add_other_state(std::vector<std::string> &notes, const request &asked, doub
 }
 
 /// Adds notes on the state. Afterwards the library keeps another state.
-void add_state_notes(report &found, const request &asked) {
+void add_state_notes(report &found, const request &asked, const fluid_index::fluid &facts) {
     const double t = ask(asked, "t");
     const double v = ask(asked, "v");
     const double p = ask(asked, "p");
@@ -155,6 +156,8 @@ void add_state_notes(report &found, const request &asked) {
         found.notes.push_back("There is no such state: t = " + number(t) + " K, v = " + number(v) + " m3/kg.");
     else if (p < 0)
         found.notes.push_back("The equation's p is negative here, " + number(p) + " Pa: this is no stable state.");
+    if (t > 0)
+        add_temperature_notes(found.notes, facts, t);
     if (!not_finite.empty())
         found.notes.push_back("Not finite: " + joined(not_finite, " ", " "));
     if (has_quality(asked))
@@ -166,6 +169,8 @@ void serve(request asked) {
     asked.inputs = {number_of("VALUE1", asked.texts[0]), number_of("VALUE2", asked.texts[1])};
     if (records::trimmed(asked.fluid).empty())
         throw CLI::ValidationError("FLUID", "a name is wanted");
+    const named_fluid fluid = fluid_named(asked.fluid);
+    asked.fluid = fluid.facts.file;
     load_fluid(asked.fluid);
 
     report found = {
@@ -173,6 +178,7 @@ void serve(request asked) {
         .columns = {{"name"}, {"value"}, {"unit"}, {"meaning"}},
         .asked = {
             {"fluid", asked.fluid}, {"pair", asked.pair}, {"value1", asked.inputs[0]}, {"value2", asked.inputs[1]}}};
+    found.notes = fluid.notes;
     std::vector<std::string> wanted = asked.outputs;
     std::vector<std::string> left_out;
     if (wanted.empty())
@@ -197,7 +203,7 @@ void serve(request asked) {
         if (asked.inputs[1] == 0)
             found.notes.emplace_back("For the saturated liquid ask the pair tv with the t and v above.");
     }
-    add_state_notes(found, asked);
+    add_state_notes(found, asked, fluid.facts);
     write(found, asked.form);
 }
 
@@ -228,7 +234,7 @@ void add_prop(CLI::App &program) {
     const auto argument = [&](const char *name, auto &variable, const char *meaning) {
         return command->add_option(name, variable, meaning)->type_name("");
     };
-    argument("FLUID", asked->fluid, "Name of a fluid, as \"ostrel fluids\" lists it")->required();
+    argument("FLUID", asked->fluid, fluid_argument)->required();
     argument("PAIR", asked->pair, "Input pair, for example pt")->required();
     argument("VALUE1", asked->texts[0], "First value of the pair, in SI units")->required();
     argument("VALUE2", asked->texts[1], "Second value of the pair")->required();
@@ -240,6 +246,7 @@ smaller than the unit says, eta of the dilute gas 10 times larger; a note below 
 
 Examples:
   ostrel prop toluene pt 1e5 500
+  ostrel prop R-134a tq 300 1 p d
   ostrel prop toluene ps 1e5 -200 t d
   ostrel prop toluene tq 500 1 --json)");
     command->callback([asked] { serve(*asked); });

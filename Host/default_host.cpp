@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The default host: it knows the fluid directory, lists the fluid files and reads SQLite fluid databases.
 #include "Host/fluid_database.h"
+#include "Host/folder_listing.h"
 #include "Records/fixed_text.h"
 #include "host.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <dirent.h>
 #include <dlfcn.h>
 #include <filesystem>
-#include <fnmatch.h>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -60,17 +58,7 @@ void searchdirectory(const char *directory, const char *pattern, char *names, si
     const std::string place(records::trimmed({directory, directory_len}));
     const std::string_view wanted_field(pattern, pattern_len);
     const std::string wanted(wanted_field.substr(0, wanted_field.find('\0')));
-    std::vector<std::string> found;
-    // The standard library's iterator ends the process when memory is out.
-    const std::unique_ptr<DIR, int (*)(DIR *)> listing(opendir(place.c_str()), closedir);
-    while (const dirent *const entry = listing ? readdir(listing.get()) : nullptr) {
-        const std::string name = entry->d_name;
-        std::error_code failed;
-        if (fnmatch(wanted.c_str(), name.c_str(), FNM_PERIOD) == 0 &&
-            fs::is_regular_file(fs::path(place) / name, failed))
-            found.push_back(name);
-    }
-    std::sort(found.begin(), found.end());
+    std::vector<std::string> found = folder_listing::files(place, wanted);
     found.resize(std::min(found.size(), host::name_count));
     for (std::size_t i = 0; i < host::name_count; ++i)
         records::fill_text({names + i * name_len, name_len}, {i < found.size() ? std::string_view(found[i]) : ""});
