@@ -74,13 +74,14 @@ void examine(const std::string &path) {
 
 } // namespace
 
-void add_check(CLI::App &program) {
-    CLI::App *const command = program.add_subcommand("check", "Say in words what a parameter file means");
+definition check() {
     const auto path = std::make_shared<std::string>();
-    command->add_option("FILE", *path, "A parameter file, from anywhere")->required()->type_name("");
-    command->footer("A file that can be used may still get warnings; the exit code is then 0.\n\n"
-                    "Example:\n  ostrel check Fluids/toluene.osd");
-    command->callback([path] { examine(*path); });
+    return {.name = "check",
+            .meaning = "Say in words what a parameter file means",
+            .arguments = {{"FILE", path.get(), "A parameter file, from anywhere", true}},
+            .notes = "A file that can be used may still get warnings; the exit code is then 0.\n\n"
+                     "Example:\n  ostrel check Fluids/toluene.osd",
+            .run = [path] { examine(*path); }};
 }
 
 } // namespace command

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The functions that add the commands to the program, and the way in which commands fail.
+// The commands as the program offers them, and the way in which they fail. Only main.cpp knows the package that reads
+// the command line.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace command {
@@ -25,11 +27,35 @@ private:
     std::vector<std::string> advice_;
 };
 
-// Each function adds its command and the help of the command to the program.
-void add_fluids(CLI::App &program);
-void add_info(CLI::App &program);
-void add_prop(CLI::App &program);
-void add_check(CLI::App &program);
-void add_db(CLI::App &program);
+/// An argument that cannot be used. It ends the program as wrong usage.
+class wrong_argument : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A word behind a command: a value, or an option that is given or not.
+struct argument {
+    std::string name;
+    std::variant<std::string *, std::vector<std::string> *, bool *> value; ///< the variable that receives it
+    std::string meaning;
+    bool required = false;
+    std::string excludes{}; ///< an earlier option that may not be given together with this one
+};
+
+/// A command as the program offers it, with its help.
+struct definition {
+    std::string name;
+    std::string meaning;
+    std::vector<argument> arguments{};
+    std::string notes{};         ///< the end of its help
+    std::function<void()> run{}; ///< called when the arguments have their values
+    std::vector<definition> parts{};
+};
+
+definition fluids();
+definition info();
+definition prop();
+definition check();
+definition db();
 
 } // namespace command

@@ -118,30 +118,32 @@ void export_files(const std::string &database, const std::string &folder, const 
 
 } // namespace
 
-void add_db(CLI::App &program) {
-    CLI::App *const db = program.add_subcommand("db", "Fill a fluid database (SQLite), or take files out of one");
-    db->require_subcommand(1);
-    const auto database = std::make_shared<std::string>();
-    const auto texts = std::make_shared<std::vector<std::string>>();
-    const auto folder = std::make_shared<std::string>(".");
-    const auto force = std::make_shared<bool>(false);
-
-    CLI::App *const import = db->add_subcommand("import", "Put parameter files into a database");
-    import->add_option("DATABASE", *database, "Database file; it is made if there is none")->required()->type_name("");
-    import->add_option("FILES", *texts, "Parameter files; a fluid's name is its file's without .osd")
-        ->required()
-        ->type_name("");
-    import->footer("All files or, if one cannot be used, none.\n\nExample:\n  ostrel db import fluids.db Fluids/*.osd");
-    import->callback([=] { import_files(*database, *texts);
-});
-
-CLI::App *const take = db->add_subcommand("export", "Write a database's fluids to parameter files");
-take->add_option("DATABASE", *database, "Database file")->required()->type_name("");
-take->add_option("FOLDER", *folder, "Where the files go; the current folder if not named")->type_name("");
-take->add_option("NAMES", *texts, "Fluids; all if none is named")->type_name("");
-take->add_flag("--force", *force, "Overwrite files");
-take->footer("Example:\n  ostrel db export fluids.db . toluene");
-take->callback([=] { export_files(*database, *folder, *texts, *force); });
+definition db() {
+    struct arguments {
+        std::string database;
+        std::vector<std::string> texts;
+        std::string folder = ".";
+        bool force = false;
+    };
+    const auto given = std::make_shared<arguments>();
+    definition put = {
+        .name = "import",
+        .meaning = "Put parameter files into a database",
+        .arguments = {{"DATABASE", &given->database, "Database file; it is made if there is none", true},
+                      {"FILES", &given->texts, "Parameter files; a fluid's name is its file's without .osd", true}},
+        .notes = "All files or, if one cannot be used, none.\n\nExample:\n  ostrel db import fluids.db Fluids/*.osd",
+        .run = [given] { import_files(given->database, given->texts); }};
+    definition take = {.name = "export",
+                       .meaning = "Write a database's fluids to parameter files",
+                       .arguments = {{"DATABASE", &given->database, "Database file", true},
+                                     {"FOLDER", &given->folder, "Where the files go; the current folder if not named"},
+                                     {"NAMES", &given->texts, "Fluids; all if none is named"},
+                                     {"--force", &given->force, "Overwrite files"}},
+                       .notes = "Example:\n  ostrel db export fluids.db . toluene",
+                       .run = [given] { export_files(given->database, given->folder, given->texts, given->force); }};
+    return {.name = "db",
+            .meaning = "Fill a fluid database (SQLite), or take files out of one",
+            .parts = {std::move(put), std::move(take)}};
 }
 
 } // namespace command

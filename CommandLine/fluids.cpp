@@ -8,7 +8,9 @@
 #include "CommandLine/suggestions.h"
 #include "Thermodynamics/thermodynamics.h"
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <memory>
 
 namespace command {
@@ -70,19 +72,21 @@ void list(const std::string &words, const report_form &form) {
 
 } // namespace
 
-void add_fluids(CLI::App &program) {
-    CLI::App *const command =
-        program.add_subcommand("fluids", "List the fluids that are there, or those with some name");
+definition fluids() {
     const auto words = std::make_shared<std::vector<std::string>>();
-    command->add_option("WORDS", *words, "A name or a part of it, refrigerant number, formula, CAS number or family")
-        ->type_name("");
     const auto form = std::make_shared<report_form>();
-    form->add_options(*command);
-    command->footer(
-        "The fluids whose names are the words come first, then names that begin with them, that contain them, or\n"
-        "that are near in spelling. Case, blanks and punctuation do not count.\n\n"
-        "Examples:\n  ostrel fluids\n  ostrel fluids carbon dioxide\n  ostrel fluids R134 --csv");
-    command->callback([words, form] { list(joined(*words, " ", " "), *form); });
+    definition result = {
+        .name = "fluids",
+        .meaning = "List the fluids that are there, or those with some name",
+        .arguments = {{"WORDS", words.get(),
+                       "A name or a part of it, refrigerant number, formula, CAS number or family"}},
+        .notes =
+            "The fluids whose names are the words come first, then names that begin with them, that contain them, or\n"
+            "that are near in spelling. Case, blanks and punctuation do not count.\n\n"
+            "Examples:\n  ostrel fluids\n  ostrel fluids carbon dioxide\n  ostrel fluids R134 --csv",
+        .run = [words, form] { list(joined(*words, " ", " "), *form); }};
+    std::ranges::move(form->options(), std::back_inserter(result.arguments));
+    return result;
 }
 
 } // namespace command

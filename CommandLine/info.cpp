@@ -58,12 +58,13 @@ void tell(const std::string &words) {
 
 } // namespace
 
-void add_info(CLI::App &program) {
-    CLI::App *const command = program.add_subcommand("info", "Tell a fluid's constants and models");
+definition info() {
     const auto fluid = std::make_shared<std::string>();
-    command->add_option("FLUID", *fluid, fluid_argument)->required()->type_name("");
-    command->footer("Examples:\n  ostrel info toluene\n  ostrel info R-134a");
-    command->callback([fluid] { tell(*fluid); });
+    return {.name = "info",
+            .meaning = "Tell a fluid's constants and models",
+            .arguments = {{"FLUID", fluid.get(), fluid_argument, true}},
+            .notes = "Examples:\n  ostrel info toluene\n  ostrel info R-134a",
+            .run = [fluid] { tell(*fluid); }};
 }
 
 } // namespace command

@@ -4,6 +4,7 @@
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
@@ -46,6 +47,36 @@ bool unknown_command(const CLI::App &program) {
     return true;
 }
 
+/// Adds a command, with its help and its parts, to the program or to the command to which it belongs.
+void add(CLI::App &parent, const command::definition &what) {
+    CLI::App *const added = parent.add_subcommand(what.name, what.meaning);
+    for (const command::argument &argument : what.arguments) {
+        const auto add_option = [&]<class Value>(Value *value) {
+            if constexpr (std::is_same_v<Value, bool>)
+                return added->add_flag(argument.name, *value, argument.meaning);
+            else
+                return added->add_option(argument.name, *value, argument.meaning)->type_name("");
+        };
+        CLI::Option *const option = std::visit(add_option, argument.value);
+        option->required(argument.required);
+        if (!argument.excludes.empty())
+            option->excludes(added->get_option(argument.excludes));
+    }
+    added->footer(what.notes);
+    if (what.run)
+        added->callback([run = what.run] {
+            try {
+                run();
+            } catch (const command::wrong_argument &reason) {
+                throw CLI::ValidationError(reason.what());
+            }
+        });
+    if (!what.parts.empty())
+        added->require_subcommand(1);
+    for (const command::definition &part : what.parts)
+        add(*added, part);
+}
+
 int run(int argc, char **argv) {
     CLI::App program("Thermodynamic and transport properties of pure fluids from simple equations of state.", "ostrel");
     program.require_subcommand(1);
@@ -58,11 +89,8 @@ int run(int argc, char **argv) {
             "Folder of the parameter files, in place of $OSTREL_FLUIDS and of the installed one")
         ->type_name("FOLDER")
         ->trigger_on_parse();
-    command::add_fluids(program);
-    command::add_info(program);
-    command::add_prop(program);
-    command::add_check(program);
-    command::add_db(program);
+    for (const auto &each : {command::fluids, command::info, command::prop, command::check, command::db})
+        add(program, each());
     program.footer("Each command has a --help of its own, with examples.\n"
                    "Exit codes: 0 done, 1 the request failed (the reason is on standard error), 2 wrong usage.");
     try {

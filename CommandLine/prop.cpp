@@ -13,6 +13,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -110,7 +111,7 @@ double number_of(const std::string &name, std::string_view text) {
     double value = 0;
     const auto [end, status] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (status != std::errc{} || end != digits.data() + digits.size())
-        throw CLI::ValidationError(name, '"' + std::string(text) + "\" is not a number that this program can hold");
+        throw wrong_argument(name + ": \"" + std::string(text) + "\" is not a number that this program can hold");
     return value;
 }
 
@@ -168,7 +169,7 @@ void add_state_notes(report &found, const request &asked, const fluid_index::flu
 void serve(request asked) {
     asked.inputs = {number_of("VALUE1", asked.texts[0]), number_of("VALUE2", asked.texts[1])};
     if (records::trimmed(asked.fluid).empty())
-        throw CLI::ValidationError("FLUID", "a name is wanted");
+        throw wrong_argument("FLUID: a name is wanted");
     const named_fluid fluid = fluid_named(asked.fluid);
     asked.fluid = fluid.facts.file;
     load_fluid(asked.fluid);
@@ -228,19 +229,18 @@ std::string tables() {
 
 } // namespace
 
-void add_prop(CLI::App &program) {
-    CLI::App *const command = program.add_subcommand("prop", "Compute properties of a fluid at one state");
+definition prop() {
     const auto asked = std::make_shared<request>();
-    const auto argument = [&](const char *name, auto &variable, const char *meaning) {
-        return command->add_option(name, variable, meaning)->type_name("");
-    };
-    argument("FLUID", asked->fluid, fluid_argument)->required();
-    argument("PAIR", asked->pair, "Input pair, for example pt")->required();
-    argument("VALUE1", asked->texts[0], "First value of the pair, in SI units")->required();
-    argument("VALUE2", asked->texts[1], "Second value of the pair")->required();
-    argument("OUTPUT", asked->outputs, "Wanted properties; all if none is named");
-    asked->form.add_options(*command);
-    command->footer(tables() + R"(
+    std::vector<argument> arguments = {{"FLUID", &asked->fluid, fluid_argument, true},
+                                       {"PAIR", &asked->pair, "Input pair, for example pt", true},
+                                       {"VALUE1", &asked->texts[0], "First value of the pair, in SI units", true},
+                                       {"VALUE2", &asked->texts[1], "Second value of the pair", true},
+                                       {"OUTPUT", &asked->outputs, "Wanted properties; all if none is named"}};
+    std::ranges::move(asked->form.options(), std::back_inserter(arguments));
+    return {.name = "prop",
+            .meaning = "Compute properties of a fluid at one state",
+            .arguments = std::move(arguments),
+            .notes = tables() + R"(
 With a quality other than 1 only t, p, v and d are served. By Chung's models lambda comes out 17.506 times
 smaller than the unit says, eta of the dilute gas 10 times larger; a note below the numbers says when.
 
@@ -248,8 +248,8 @@ Examples:
   ostrel prop toluene pt 1e5 500
   ostrel prop R-134a tq 300 1 p d
   ostrel prop toluene ps 1e5 -200 t d
-  ostrel prop toluene tq 500 1 --json)");
-    command->callback([asked] { serve(*asked); });
+  ostrel prop toluene tq 500 1 --json)",
+            .run = [asked] { serve(*asked); }};
 }
 
 } // namespace command

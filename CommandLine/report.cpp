@@ -178,9 +178,9 @@ void write(const report &what, const report_form &form) {
         (form.csv ? std::cerr : std::cout) << note << '\n';
 }
 
-void report_form::add_options(CLI::App &command) {
-    CLI::Option *const as_csv = command.add_flag("--csv", csv, "Comma-separated values with all digits");
-    command.add_flag("--json", json, "JSON with all digits")->excludes(as_csv);
+std::vector<argument> report_form::options() {
+    return {{.name = "--csv", .value = &csv, .meaning = "Comma-separated values with all digits"},
+            {.name = "--json", .value = &json, .meaning = "JSON with all digits", .excludes = "--csv"}};
 }
 
 } // namespace command

@@ -2,7 +2,8 @@
 // Prints the results of commands as aligned columns, as CSV or as JSON.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "CommandLine/command.h"
+
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -33,7 +34,8 @@ struct report_form {
     bool csv = false;
     bool json = false;
 
-    void add_options(CLI::App &command);
+    /// The options that choose it.
+    std::vector<argument> options();
 };
 
 /// Prints a report to standard output. Numbers have 10 digits in aligned columns; in CSV and JSON they have as many as
