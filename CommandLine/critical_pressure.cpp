@@ -15,7 +15,7 @@ namespace {
 
 using equations::pascal_per_atm;
 
-constexpr int digits = 10;
+constexpr int significant_digits = 10;
 constexpr int furthest = 1000;
 
 /// A file that is removed when the object is destroyed.
@@ -77,7 +77,7 @@ std::optional<replacement> nearest_critical_pressure(const parameter_file &file)
         return result.unreadable.empty() && result.constants.Pc == wanted * pascal_per_atm &&
                result.not_initialised.find("v__P_T__") == std::string::npos;
     };
-    const double scale = std::pow(10.0, digits - 1 - std::floor(std::log10(Pc)));
+    const double scale = std::pow(10.0, significant_digits - 1 - std::floor(std::log10(Pc)));
     const double middle = std::round(Pc * scale);
     const double nearer = Pc * scale < middle ? -1 : 1;
     for (int step = 0; step <= furthest; ++step)
