@@ -45,7 +45,7 @@ QUANTITIES = (
           ("cp", "Isobaric heat capacity", ""),
           ("w", "Speed of sound", ""),
           ("eta", "Viscosity", ""),
-          ("lambda", "Thermal conductivity", "the library's values times 17.506, of ammonia as they are: a constant"))),
+          ("lambda", "Thermal conductivity", "the library's values times 17.506, of water and ammonia times 175.06"))),
 )
 REGIONS = {"vapour": "vapor", "gas_T_above_Tc": "gas", "supercritical": "dense"}
 
@@ -138,7 +138,7 @@ def measure(library_path):
             for model in MODELS:
                 Z = mean_Z(by_fluid[name][1], float(table[fluid]["MM"])) if model == "izg" else None
                 dense = choices[fluid]["transport"] == "dense"
-                factor = CONDUCTIVITY_FACTOR if dense else 1
+                factor = CONDUCTIVITY_FACTOR * (1 if dense else 10)  # viscosity 4 or 5 with conductivity 2
                 text = make.parameter_file(table[fluid], model, choices[fluid]["Pc_atm"], Z, choices[fluid]["Tb"], dense)
                 pathlib.Path(place, f"{fluid}.osd").write_text(text, encoding="utf-8")
                 for key, Tr, value in json.loads(

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Finds the choices that scripts/make_fluids makes for each fluid: digits of Pc with which every model loads, and a
-default model that answers every input pair (if the pair is a search, at nine of ten states or more). Both are tried
-with the built library itself."""
+"""Finds the choices that scripts/make_fluids makes for each fluid: digits of Pc with which every model loads, a default
+model that answers every input pair (if the pair is a search, at nine of ten states or more), and whether Chung's
+dense gas serves its viscosity and conductivity. All are tried with the built library itself."""
 import csv
 import importlib.machinery
 import importlib.util
@@ -10,6 +10,7 @@ import pathlib
 import tempfile
 
 from ostrel_library import Failed, Library, child
+from published_transport import Chung, R
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 EQUATIONS_OF_STATE = ("COOLPROP", "HEOS", "PYCHEMQT")  # sources of constants, Fluids/README.md
@@ -150,13 +151,55 @@ def boiling_point(row, make, library_path, file, model, Pc_atm):
     return Tb if abs(miss(Tb)) < 1e-3 else ""
 
 
-def stays_positive(row, file, library_path):
-    """'yes' if viscosity and conductivity of the gas are positive up to the critical density and far above Tc."""
-    library = Library(library_path, file.parent)
-    Tc = library.info(file.stem, "t_crit")
-    values = [library.prop(file.stem, "tv", T_r * Tc, v_r * library.vc(), output)
-              for T_r in (1, 1.3, 2, 5) for v_r in (1, 2, 3, 10) for output in ("eta", "lambda")]
-    return "yes" if min(values) > 0 else "no"
+TEMPERATURES = (0.6, 0.65, 0.7, 0.75, 0.8, 0.85, 0.9, 0.95, 0.98, 1, 1.02, 1.05, 1.1, 1.2, 1.35, 1.5, 1.75, 2, 2.5, 3)
+DENSITIES = 40  # that many steps from the dilute gas to the largest density
+ENTRY_POINTS_FACTOR = 418.4**2 / 1e4  # from the library's unit of conductivity to W/(m K)
+
+
+def dense_gas_serves(row, file, make, library_path):
+    """'yes' if Chung's dense gas is sensible from 0.6 to 3 Tc, both as the entry points have it and as it was
+    published; otherwise what is wrong. The states reach up to 2.5 critical densities of the fluid, as far as the model
+    goes (1.05 covolumes), and stand outside the model's dome."""
+    library, fluid = Library(library_path, file.parent), file.stem
+    Tc, Pc = library.info(fluid, "t_crit"), library.info(fluid, "p_crit")
+    specific = R / float(row["MM"])
+    vc = float(row["Zc"]) * specific * Tc / Pc
+    published = Chung(row, file_omega(row, file, Pc), lambda T: make.cv_over_R(row, T))
+    largest = min(2.5, vc / (1.05 * library.smallest_volume()))
+
+    def by_entry_points(T, v):
+        return library.prop(fluid, "tv", T, v, "eta"), library.prop(fluid, "tv", T, v, "lambda") * ENTRY_POINTS_FACTOR
+
+    for T_r in TEMPERATURES:
+        T = T_r * Tc
+        mu = published.dilute_viscosity(T)
+        forms = {"entry points": (by_entry_points, by_entry_points(T, 1e6 * vc), 0.6),
+                 "published": (lambda T, v: published.dense(T, vc / v), (mu, published.dilute_conductivity(T, mu)), 0.7)}
+        try:
+            liquid, vapor = (library.prop(fluid, "tq", T, q, "v") for q in (0, 1)) if T_r < 1 else (0, 0)
+        except Failed:
+            liquid, vapor = 0, 0
+        for name, (values, dilute, lowest) in forms.items():
+            where = f"{name}, {T_r:g} Tc"
+            if not dilute[1] >= 0.99 * 15 / 4 * specific * dilute[0] > 0:
+                return f"{where}: dilute conductivity below that of a monatomic gas"
+            if row["suth_mu"] and float(row["suth_Tmin"]) <= T <= float(row["suth_Tmax"]):
+                if not lowest <= dilute[0] / make.sutherland(row, T) <= 1.3:
+                    return f"{where}: dilute viscosity far from Sutherland's law"
+            for step in range(1, DENSITIES + 1):
+                v = vc / (largest * step / DENSITIES)
+                if liquid < v < vapor:
+                    continue
+                for value, thin, what in zip(values(T, v), dilute, ("viscosity", "conductivity")):
+                    if not value >= thin / 2:
+                        return f"{where}, {vc / v:.3g} critical densities: {what} {value / thin:.2g} of the dilute gas"
+    return "yes"
+
+
+def file_omega(row, file, Pc):
+    """The acentric factor that the library derives from the Tb of a parameter file."""
+    Tb, Tc = float(file.read_text(encoding="utf-8").splitlines()[9].split()[0]), float(row["Tc"])
+    return 3 / 7 * math.log10(Pc / 101325) * Tb / (Tc - Tb) - 1
 
 
 def choose(row, make, library_path, folder):
@@ -173,7 +216,7 @@ def choose(row, make, library_path, folder):
     for model in PREFERENCE:
         Tb = boiling_point(row, make, library_path, file, model, Pc_atm)
         file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb), encoding="utf-8")
-        dense = make.knows_chung(row) and child(stays_positive, row, file, library_path) == "yes"
+        dense = make.knows_chung(row) and child(dense_gas_serves, row, file, make, library_path) == "yes"
         file.write_text(make.parameter_file(row, model, Pc_atm, Tb=Tb, dense=dense), encoding="utf-8")
         answer = child(answers_every_pair, row, file, library_path) or "died"
         if answer.startswith("yes"):

@@ -55,6 +55,12 @@ class Library:
         """Critical volume of the model [m3/kg]."""
         return 1 / self._reduced(300, 1)[1]
 
+    def smallest_volume(self):
+        """Covolume of the model [m3/kg], which every volume exceeds."""
+        operation = self._library["_ZN14thermodynamics23minimum_specific_volumeEv"]
+        operation.restype = ctypes.c_double
+        return operation() * self.vc()
+
     def _reduced(self, T, d):
         state = ctypes.c_double(), ctypes.c_double()
         self._library.get_tv(b"td", ctypes.byref(ctypes.c_double(T)), ctypes.byref(ctypes.c_double(d)),

@@ -57,10 +57,6 @@ constexpr std::array<correlation, 7> conductivity_coefficients = {{
     {81.171, 114.158, -60.841, 466.775},
 }};
 
-double fourth_power(double x) {
-    return x * x * (x * x);
-}
-
 template <std::size_t count>
 void correlate(std::array<double, count> &result, const std::array<correlation, count> &table, const parameters &p) {
     for (std::size_t i = 0; i < count; ++i)
@@ -103,11 +99,11 @@ bool initialise(parameters &p, const equations::gas_constants &fluid, records::e
         p.mur = fluid.mur;
         p.kh = fluid.kh;
     }
-    p.area = std::pow(1000.0 * p.vc * p.m_mole, 2.0 / 3.0);
+    p.area = critical_area(p);
     p.mu_corr = 3.4e-7 * std::sqrt(p.m_mole) * std::pow(p.Pc / equations::pascal_per_atm, 2.0 / 3.0) /
                 std::pow(p.Tc, 1.0 / 6.0);
     if (p.viscosity_model == dilute_gas || p.viscosity_model == dense_gas)
-        p.fc = 1.0 - 0.2756 * p.omega + 0.059035 * fourth_power(p.mur) + p.kh;
+        p.fc = shape_and_polarity(p);
     if (p.viscosity_model == dense_gas)
         correlate(p.aa, viscosity_coefficients, p);
     if (p.thermal_cond_model == dilute_gas_conductivity || p.thermal_cond_model == dense_gas_conductivity)

@@ -4,15 +4,16 @@
 // Equation   viscosity: 1 a constant, 2 Chung's dilute gas, 3 Chung's dense gas, 4 corresponding states, 5 Sutherland's
 //            law, 6 linear in T; conductivity: 1 a constant, 2 and 3 as for viscosity, 4 a constant Prandtl number
 // Given      T [K] and v [m3/kg]
-// Returned   viscosity [Pa s] and conductivity [W/(m K)], but in other units by Chung's models:
+// Returned   viscosity [Pa s] and conductivity [W/(m K)] in the published form. In the form of the entry points Chung's
+//            models give other units:
 //              viscosity 2         the unit is 0.1 Pa s
 //              conductivity 2, 3   the unit is 17.506 W/(m K); 2 with a viscosity other than 2: 175.06 W/(m K)
 // Valid      Chung's models need critical data, and for the dense gas v > vc/6; at vc/6 they divide by zero.
-//            Conductivity 3 needs viscosity 3: without it the part of the dilute gas is missing.
-//            Hosts rely on these units, on the missing part and on the sine of collision_integral(): do not mend them
-// Accuracy   rounding, also as the density vanishes, but not at v = infinity. Chung's published forms: 4 % in viscosity
-//            and 6 % in conductivity with the fluid's own vc. A model with a larger Zc than the fluid lowers the dilute
-//            gas by (Zc of the fluid/Zc)^(2/3); the sine changes the collision integral by up to 0.2 %
+//            In the form of the entry points conductivity 3 needs viscosity 3: without it the part of the dilute gas is
+//            missing. Hosts rely on these units, on the missing part and on the sine of that form: do not mend them
+// Accuracy   rounding, also as the density vanishes, but not at v = infinity. The published form: 4 % in viscosity and
+//            6 % in conductivity. In the form of the entry points a model with a larger Zc than the fluid lowers the
+//            dilute gas by (Zc of the fluid/Zc)^(2/3); the sine changes the collision integral by up to 0.2 %
 // Reference  T.-H. Chung, M. Ajlan, L. L. Lee, K. E. Starling, Ind. Eng. Chem. Res. 27 (1988) 671; P. D. Neufeld,
 //            A. R. Janzen, R. A. Aziz, J. Chem. Phys. 57 (1972) 1100; L. I. Stiel, G. Thodos, AIChE J. 7 (1961) 611;
 //            W. Sutherland, Phil. Mag. 36 (1893) 507
@@ -82,18 +83,57 @@ struct parameters {
     double kk_ref = 0;           ///< reference conductivity [W/(m K)], or in the unit of Chung's model
 };
 
+/// Chung's formulas give cal/(cm s K), which is 418.4 W/(m K). The entry points multiply by 10^4/418.4 instead, so that
+/// the unit of their results is 17.506 W/(m K); hosts know this and scale them.
+inline constexpr double conductivity_unit = 23.900573613766728;
+
+/// Chung's formulas have two forms, which differ in these constants and in the critical volume, see published_form().
+struct constants_of_form {
+    double sine;               ///< factor in the sine of the collision integral
+    double viscosity;          ///< factor from the dilute gas's 0.1 Pa s to the form's unit of viscosity
+    double conductivity;       ///< factor from cal/(cm s K) to the form's unit of conductivity
+    bool conductivity_3_alone; ///< whether conductivity 3 has the part of the dilute gas under any viscosity
+};
+/// The form of the entry points, with the model's critical volume. In the sine stands a tenth of the published
+/// constant; parameter sets and hosts rely on it.
+inline constexpr constants_of_form entry_points = {1.80323, 1.0, conductivity_unit, false};
+/// The form of 1988 in Pa s and W/(m K), with the fluid's own critical volume.
+inline constexpr constants_of_form published = {18.0323, 0.1, 418.4, true};
+
+inline double fourth_power(double x) {
+    return x * x * (x * x);
+}
+
+inline double critical_area(const parameters &p) {
+    return std::pow(1000.0 * p.vc * p.m_mole, 2.0 / 3.0);
+}
+
+inline double shape_and_polarity(const parameters &p) {
+    return 1.0 - 0.2756 * p.omega + 0.059035 * fourth_power(p.mur) + p.kh;
+}
+
+/// The parameters for the published form, from completed ones with critical data. Zc is the fluid's own, as its file
+/// has it.
+inline parameters published_form(const parameters &completed, double Zc) {
+    parameters p = completed;
+    p.Zc = Zc;
+    p.vc = Zc * p.Rgas * p.Tc / p.Pc;
+    p.area = critical_area(p);
+    p.fc = shape_and_polarity(p);
+    return p;
+}
+
 // The algebra, with T in K and v in m3/kg.
 
-/// Reduced collision integral of the Lennard-Jones potential at T* = 1.2593 T/Tc. In the argument of the sine 1.80323
-/// is a tenth of the published constant; parameter sets and hosts rely on it.
-template <class Real>
+/// Reduced collision integral of the Lennard-Jones potential at T* = 1.2593 T/Tc.
+template <const constants_of_form &form = entry_points, class Real>
 Real collision_integral(Real T_star) {
     using std::exp;
     using std::pow;
     using std::sin;
     const Real rise = pow(T_star, Real(0.14874));
     return 1.16145 / rise + 0.52487 * exp(-0.7732 * T_star) + 2.16178 * exp(-2.43787 * T_star) -
-           0.0006435 * rise * sin(1.80323 * pow(T_star, Real(-0.7683)) - 7.27371);
+           0.0006435 * rise * sin(form.sine * pow(T_star, Real(-0.7683)) - 7.27371);
 }
 
 template <class Real>
@@ -102,11 +142,11 @@ Real reduced_temperature(const parameters &p, Real T) {
 }
 
 /// Viscosity of the dilute gas [0.1 Pa s].
-template <class Real>
+template <const constants_of_form &form = entry_points, class Real>
 Real dilute_viscosity(const parameters &p, Real T) {
     using std::sqrt;
     const Real T_star = 1.2593 * reduced_temperature(p, T);
-    return 4.0785e-5 * p.fc * sqrt(p.m_mole * T) / (p.area * collision_integral(T_star));
+    return 4.0785e-5 * p.fc * sqrt(p.m_mole * T) / (p.area * collision_integral<form>(T_star));
 }
 
 /// The functions of density in viscosity and conductivity of the dense gas, with the coefficients E of one of them.
@@ -155,10 +195,6 @@ Real linear_law_viscosity(const parameters &p, Real T) {
     return p.mu_ref_l * T / p.T_ref_l;
 }
 
-/// Chung's formulas give cal/(cm s K), which is 418.4 W/(m K). The library multiplies by 10^4/418.4 instead, so that
-/// the unit of its results is 17.506 W/(m K); hosts know this and scale them.
-inline constexpr double conductivity_unit = 23.900573613766728;
-
 /// Conductivity of the dilute gas [cal/(cm s K)], from the viscosity mu [0.1 Pa s] and cv of the ideal gas [J/(kg K)].
 template <class Real>
 Real dilute_conductivity(const parameters &p, Real T, Real mu, Real cv_oo) {
@@ -170,28 +206,28 @@ Real dilute_conductivity(const parameters &p, Real T, Real mu, Real cv_oo) {
     return 7.452 * mu * Psi / p.m_mole;
 }
 
-/// Conductivity of the dense gas [17.506 W/(m K)], from the conductivity of the dilute gas [cal/(cm s K)].
-template <class Real>
+/// Conductivity of the dense gas in the form's unit, from the conductivity of the dilute gas [cal/(cm s K)].
+template <const constants_of_form &form = entry_points, class Real>
 Real dense_conductivity(const parameters &p, Real T, Real v, Real dilute) {
     using std::sqrt;
     const std::array<double, 7> &B = p.bb;
     const auto [y, G2] = density_factors<Real>(p, B, v);
-    return conductivity_unit *
+    return form.conductivity *
            (dilute * (1.0 / G2 + B[5] * y) +
             0.0003039 * std::sqrt(p.Tc / p.m_mole) / p.area * B[6] * (y * y) * G2 * sqrt(reduced_temperature(p, T)));
 }
 
 /// Viscosity by the active model, or 0 if its code is unknown. Chung's dense gas sets mu0 to the viscosity of the
 /// dilute gas [0.1 Pa s]; the other models leave it unchanged.
-template <class Real>
+template <const constants_of_form &form = entry_points, class Real>
 Real viscosity(const parameters &p, Real T, Real v, Real &mu0) {
     switch (p.viscosity_model) {
     case constant_viscosity:
         return Real(p.mu_const);
     case dilute_gas:
-        return dilute_viscosity(p, T);
+        return dilute_viscosity<form>(p, T) * form.viscosity;
     case dense_gas:
-        mu0 = dilute_viscosity(p, T);
+        mu0 = dilute_viscosity<form>(p, T);
         return dense_viscosity(p, T, v, mu0);
     case corresponding_states:
         return corresponding_states_viscosity(p, T);
@@ -207,23 +243,25 @@ Real viscosity(const parameters &p, Real T, Real v, Real &mu0) {
 template <class Real>
 struct coefficients {
     Real mu; ///< viscosity [Pa s], or in the unit of Chung's model (see the head)
-    Real k;  ///< thermal conductivity [W/(m K)], or in the unit of Chung's model
+    Real k;  ///< thermal conductivity [W/(m K)], or in the unit of Chung's model (see the head)
 };
 
 /// Viscosity and conductivity by the active models. cv_oo() returns cv of the ideal gas [J/(kg K)] and cp() the
 /// isobaric heat capacity [R]; they are called only for a model that needs them.
-template <class Real, class IdealHeat, class IsobaricHeat>
+template <const constants_of_form &form = entry_points, class Real, class IdealHeat, class IsobaricHeat>
 coefficients<Real> evaluate(const parameters &p, Real T, Real v, IdealHeat cv_oo, IsobaricHeat cp) {
-    // Stays 0 with any viscosity model but the dense gas: conductivity 3 then lacks the part of the dilute gas.
+    // If it stays 0, conductivity 3 lacks the part of the dilute gas.
     Real mu0 = 0;
-    const Real mu = viscosity(p, T, v, mu0);
+    const Real mu = viscosity<form>(p, T, v, mu0);
     switch (p.thermal_cond_model) {
     case constant_conductivity:
         return {mu, Real(p.kk_const)};
     case dilute_gas_conductivity:
-        return {mu, dilute_conductivity(p, T, mu, cv_oo()) * conductivity_unit};
+        return {mu, dilute_conductivity(p, T, mu / form.viscosity, cv_oo()) * form.conductivity};
     case dense_gas_conductivity:
-        return {mu, dense_conductivity(p, T, v, dilute_conductivity(p, T, mu0, cv_oo()))};
+        if (form.conductivity_3_alone && p.viscosity_model != dense_gas)
+            mu0 = dilute_viscosity<form>(p, T);
+        return {mu, dense_conductivity<form>(p, T, v, dilute_conductivity(p, T, mu0, cv_oo()))};
     case constant_Prandtl:
         return {mu, mu * p.Rgas * cp() / p.Pr};
     default:

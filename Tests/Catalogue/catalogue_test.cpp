@@ -19,7 +19,7 @@ struct catalogue : support::frame_test, testing::WithParamInterface<std::size_t>
         const std::vector<std::string> fluids = support::shipped_fluids();
         for (std::size_t i = GetParam(); i < fluids.size(); i += shards) {
             SCOPED_TRACE(fluids[i]);
-            support::fresh_frame();
+            support::fresh_frame(support::shipped_folder);
             visit(fluids[i]);
         }
     }
@@ -74,7 +74,7 @@ TEST_P(catalogue, every_file_loads_under_every_model) {
         for (std::int32_t type = 1; type <= 8; ++type) {
             SCOPED_TRACE(type);
             support::fresh_fluid();
-            ostrel::read_init_fluiddatafile(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
+            ostrel::read_init_fluiddatafile(support::shipped_folder + ("/" + fluid) + ".osd");
             ASSERT_EQ(support::shared_text(), "No errors");
             thermodynamics::gas_type = type;
             ideal_Z_gas::active.Z_const = 0.9;

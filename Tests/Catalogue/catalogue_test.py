@@ -39,14 +39,23 @@ def pressure_at_Tb(fluid):
 
 class Catalogue(unittest.TestCase):
     def test_the_files_are_what_the_generator_writes(self):
-        with tempfile.TemporaryDirectory() as folder:
-            subprocess.run([sys.executable, ROOT / "scripts/make_fluids", "-o", folder], check=True, capture_output=True)
-            made = sorted(file.name for file in pathlib.Path(folder).iterdir())
-            shipped = {file.name for file in (ROOT / "Fluids").glob("*.osd")} | {"index.csv"}
-            self.assertEqual(made, sorted(shipped))
-            same, differing, failed = filecmp.cmpfiles(folder, ROOT / "Fluids", made, shallow=False)
-            self.assertEqual((differing, failed), ([], []))
-            self.assertGreaterEqual(len(same), 300)
+        for options, folder, count in ([], ROOT / "Fluids", 300), (["--variants"], ROOT / "Tests/Fluids", 9):
+            with self.subTest(folder=folder), tempfile.TemporaryDirectory() as other:
+                subprocess.run([sys.executable, ROOT / "scripts/make_fluids", *options, "-o", other], check=True,
+                               capture_output=True)
+                made = sorted(file.name for file in pathlib.Path(other).iterdir())
+                here = {file.name for file in folder.glob("*.osd") if not file.is_symlink()} | {"index.csv"}
+                self.assertEqual(made, sorted(here))
+                same, differing, failed = filecmp.cmpfiles(other, folder, made, shallow=False)
+                self.assertEqual((differing, failed), ([], []))
+                self.assertGreaterEqual(len(same), count)
+
+    def test_the_links_of_the_tests_lead_to_fluids_of_the_catalogue(self):
+        links = [file for file in (ROOT / "Tests/Fluids").glob("*.osd") if file.is_symlink()]
+        self.assertGreater(len(links), 0)
+        for file in links:
+            self.assertEqual(file.resolve(), (ROOT / "Fluids" / file.name).resolve())
+            self.assertTrue(file.is_file(), file)
 
     def test_every_fluid_of_the_table_is_there_or_left_out_for_a_reason(self):
         left_out = {row["fluid"]: row["reason"] for row in MAKE.read_table("left_out.csv")}
@@ -76,7 +85,7 @@ class Catalogue(unittest.TestCase):
 
     def test_wrong_arguments_are_refused_in_words(self):
         for arguments, words in ((["nosuch"], "no such fluid"), (["--model", "mh", "toluene"], "--output"),
-                                 (["--model", "izg", "-o", "/nowhere"], "izg=Z"), (["--model", "xyz"], "none of")):
+                                 (["--model", "izg", "-o", "/nowhere"], "izg=Z"), (["--model", "xyz"], "none of"), (["--variants", "toluene"], "fluids and models")):
             run = subprocess.run([sys.executable, ROOT / "scripts/make_fluids", *arguments], capture_output=True, text=True)
             self.assertEqual(run.returncode, 2)
             self.assertIn(words, run.stderr)

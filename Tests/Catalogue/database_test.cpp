@@ -38,7 +38,7 @@ TEST_F(catalogue_database, gives_the_numbers_of_the_files) {
     for (const std::string &fluid : fluids) {
         SCOPED_TRACE(fluid);
         support::fresh_frame();
-        ostrel::read_init_fluiddatafile(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
+        ostrel::read_init_fluiddatafile(support::shipped_folder + ("/" + fluid) + ".osd");
         initialise();
         const std::string name(gas_properties::gas.name.padded());
         const auto from_file = answers();

@@ -16,7 +16,8 @@ COMMAND is the program ostrel, FLUIDS a folder of parameter files. A transcript 
     ! ostrel: something is wrong           expected on standard error
     [1]                                    expected exit code, which ends the command
 
-Each transcript runs in a folder of its own, with base.osd, and with FLUIDS as the folder Fluids.
+Each transcript runs in a folder of its own, with base.osd, and with a folder Fluids that has the files of FLUIDS and
+those of Tests/Fluids, and the rows of both indices.
 
 Texts and whole numbers must be equal to the letter. Numbers with a point or an exponent may differ by 1e-9 of their
 value, since mathematical functions differ in the last digit. If that changes the length of a number, the numbers of a
@@ -116,7 +117,17 @@ class Folder:
         (here / "temporary").mkdir()
         self.place = here / "place"
         self.place.mkdir()
-        (self.place / "Fluids").symlink_to(os.path.abspath(fluids))
+        (self.place / "Fluids").mkdir()
+        rows = {}
+        for folder in pathlib.Path(fluids), pathlib.Path(__file__).parent.parent / "Fluids":
+            heading, *lines = (folder / "index.csv").read_text(encoding="utf-8").splitlines()
+            rows.update((line.split(",")[0], line) for line in lines)
+            for file in folder.glob("*.osd"):
+                place = self.place / "Fluids" / file.name
+                if not place.is_symlink():
+                    place.symlink_to(os.path.abspath(file))
+        index = "\n".join([heading, *(line for _, line in sorted(rows.items())), ""])
+        (self.place / "Fluids" / "index.csv").write_text(index, encoding="utf-8")
         shutil.copy(pathlib.Path(__file__).parent / "base.osd", self.place)
         self.environment = {
             **os.environ,

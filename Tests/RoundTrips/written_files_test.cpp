@@ -50,7 +50,7 @@ TEST_F(written_files, every_shipped_fluid_is_the_same_again) {
     for (const std::string &fluid : support::shipped_fluids()) {
         SCOPED_TRACE(fluid);
         support::fresh_library();
-        ostrel::read_init_fluiddatafile(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
+        ostrel::read_init_fluiddatafile(support::shipped_folder + ("/" + fluid) + ".osd");
         ASSERT_EQ(support::shared_text(), "No errors");
         const auto before = gas;
         const auto heat = ideal_specific_heat::active;

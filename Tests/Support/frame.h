@@ -9,14 +9,18 @@
 
 namespace support {
 
+/// The catalogue, and the folder of most tests: some fluids of the catalogue, some of them also under other models.
+inline constexpr char shipped_folder[] = OSTREL_TESTS "/../Fluids";
+inline constexpr char tests_folder[] = OSTREL_TESTS "/Fluids";
+
 /// Sets every variable of the library to the value that it has when the library is loaded.
-inline void fresh_frame() {
+inline void fresh_frame(const char *fluid_folder = tests_folder) {
     library_state::forget_everything();
     ostrel_use_host(nullptr);
-    setenv("OSTREL_FLUIDS", OSTREL_TESTS "/../Fluids", 1);
+    setenv("OSTREL_FLUIDS", fluid_folder, 1);
 }
 
-/// Every test starts with the library in its first state, with the shipped fluids and the default host.
+/// Every test starts with the library in its first state, with the default host and the tests' folder of fluids.
 class frame_test : public testing::Test {
 protected:
     frame_test() { fresh_frame(); }
@@ -108,7 +112,7 @@ static_assert(std::size(output_cases) == 16);
 /// The shipped fluids, from their directory.
 inline std::vector<std::string> shipped_fluids() {
     std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(OSTREL_TESTS "/../Fluids"))
+    for (const auto &entry : std::filesystem::directory_iterator(shipped_folder))
         if (entry.path().extension() == ".osd")
             names.push_back(entry.path().filename().string());
     // The order is that of the file names, in which the point counts.
@@ -118,7 +122,7 @@ inline std::vector<std::string> shipped_fluids() {
     return names;
 }
 
-/// Some fluids for tests that take long; they have every model, heat-capacity form and pair of transport models.
+/// Some fluids for tests that take long; they have every model, and the pairs of transport models that are shipped.
 inline const std::vector<std::string> sample_fluids = {
     "argon",    "argon-iz", "co2",   "co2-cii",  "co2-pr",  "mdm",     "mdm-cii", "n2-ig",
     "nitrogen", "aniline",  "r404a", "tolu-cii", "tolu-mh", "toluene", "water",   "water-ig"};

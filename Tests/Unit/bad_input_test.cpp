@@ -35,7 +35,7 @@ std::vector<std::size_t> lengths() {
 // Texts of every length.
 
 TEST_F(bad_input, names_of_every_length) {
-    const std::size_t room = 256 - (std::string(OSTREL_TESTS "/../Fluids/").size() + 4);
+    const std::size_t room = 256 - (std::string(support::tests_folder).size() + 5);
     for (const std::size_t length : lengths()) {
         SCOPED_TRACE(length);
         ASSERT_EQ(ask("toluene", "td", 500, 2.0, "t").text, "No errors");
@@ -291,6 +291,7 @@ TEST_F(bad_input, results_without_a_place_are_dropped) {
     get_tv("tv", nullptr, nullptr, &T_found, &v_found, 2);
     EXPECT_TRUE(std::isnan(T_found) && std::isnan(v_found));
 
+    support::fresh_frame(support::shipped_folder);
     ostrel_fluids(nullptr, nullptr, 256);
     std::int32_t count = -1;
     ostrel_fluids(&count, nullptr, 256);
@@ -344,7 +345,7 @@ struct loader {
 TEST_F(bad_input, fluids_cut_at_every_byte) {
     loader files;
     for (const std::string &fluid : support::sample_fluids) {
-        const std::string text = support::file_text(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
+        const std::string text = support::file_text(support::tests_folder + ("/" + fluid) + ".osd");
         ASSERT_TRUE(text.ends_with('\n')) << fluid;
         // The value of the last record is complete with its first digit: model numbers have one digit.
         const std::size_t last_record = text.rfind('\n', text.size() - 2) + 1;
@@ -362,7 +363,7 @@ TEST_F(bad_input, fluids_with_every_byte_replaced) {
     loader files;
     std::size_t turn = 0, failures = 0, loads = 0;
     for (const std::string &fluid : support::sample_fluids) {
-        const std::string text = support::file_text(OSTREL_TESTS "/../Fluids/" + fluid + ".osd");
+        const std::string text = support::file_text(support::tests_folder + ("/" + fluid) + ".osd");
         for (std::size_t sample = 0; sample < 3 * text.size(); ++sample) {
             const std::size_t i = sample / 3;
             const char byte = hostile[(turn += 7) % hostile.size()];

@@ -337,7 +337,7 @@ TEST_F(default_host, is_replaced_at_run_time_as_a_whole_or_in_part) {
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        support::fresh_frame();
+        support::fresh_frame(support::shipped_folder);
         {
             ostrel_host copied = c.table;
             ostrel_use_host(&copied);
