@@ -37,6 +37,17 @@ void *operator new(std::size_t size) {
 void *operator new[](std::size_t size) {
     return allocate(size);
 }
+// The temporary buffers of the standard algorithms come from these.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    try {
+        return allocate(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+    return operator new(size, std::nothrow);
+}
 void operator delete(void *place) noexcept {
     release(place);
 }
