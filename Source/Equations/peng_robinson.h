@@ -20,6 +20,11 @@ struct peng_robinson : cubic_attraction::soave_parameters {
     }
 };
 
+/// The coefficient of the temperature factor.
+inline double peng_robinson_fw(double omega) {
+    return 0.37464 + (1.54226 - 0.26992 * omega) * omega;
+}
+
 /// Derives b, c_a and fw; reports a fluid without critical data, or a critical volume that is not found.
 inline void initialise(peng_robinson &p, gas_constants &fluid, records::error_text &message) {
     if (lacks_critical_data(fluid, "Peng-Robinson model is not applicable. ", "In init_PRG, module peng_robinson_gas.",
@@ -30,7 +35,7 @@ inline void initialise(peng_robinson &p, gas_constants &fluid, records::error_te
     const double RTc = fluid.R * Tc;
     p.c_a = RTc * 0.45724 * RTc / Pc;
     p.b = Tc * 0.0778 * fluid.R / Pc;
-    p.fw = 0.37464 + (1.54226 - 0.26992 * fluid.omega) * fluid.omega;
+    p.fw = peng_robinson_fw(fluid.omega);
     p.reduce(fluid, cubic_attraction::peng_robinson_denominator, 1e-10, " ERROR:  v__P_T__PRG. STOP", message);
 }
 

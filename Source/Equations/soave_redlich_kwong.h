@@ -20,6 +20,11 @@ struct soave_redlich_kwong : cubic_attraction::soave_parameters {
     }
 };
 
+/// The coefficient of the temperature factor.
+inline double soave_fw(double omega) {
+    return 0.48 + (1.574 - 0.176 * omega) * omega;
+}
+
 /// Derives b, c_a and fw; reports a fluid without critical data, or a critical volume that is not found.
 inline void initialise(soave_redlich_kwong &p, gas_constants &fluid, records::error_text &message) {
     if (lacks_critical_data(fluid, "Soave-Redlich-Kwong model is not applicable. ",
@@ -30,7 +35,7 @@ inline void initialise(soave_redlich_kwong &p, gas_constants &fluid, records::er
     const double RTc = fluid.R * Tc;
     p.c_a = (RTc * RTc) * 0.4274802335403413 / Pc;
     p.b = Tc * 0.08664034996495773 * fluid.R / Pc;
-    p.fw = 0.48 + (1.574 - 0.176 * fluid.omega) * fluid.omega;
+    p.fw = soave_fw(fluid.omega);
     p.reduce(fluid, cubic_attraction::redlich_kwong_denominator, 1e-14, " ERROR:  v__P_T__SRKG. STOP", message);
 }
 

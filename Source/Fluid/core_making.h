@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+// Makes the core of one model from the parameters of a file.
+#pragma once
+
+#include "Fluid/evaluation.h"
+
+#include <string>
+
+namespace fluid {
+
+/// A state by which people set the zeros of enthalpy and entropy: the saturated liquid at a temperature or a pressure.
+struct zero_state {
+    double T;        ///< [K], or 0
+    double P;        ///< [Pa], or 0
+    double enthalpy; ///< [J/kg]
+    double entropy;  ///< [J/(kg K)]
+    const char *name;
+};
+inline zero_state state_of(zero_point wanted) {
+    switch (wanted) {
+    case zero_point::iir:
+        return {273.15, 0, 200e3, 1e3, "iir: the saturated liquid at 273.15 K"};
+    case zero_point::ashrae:
+        return {233.15, 0, 0, 0, "ashrae: the saturated liquid at 233.15 K"};
+    default:
+        return {0, equations::pascal_per_atm, 0, 0, "nbp: the saturated liquid at 101325 Pa"};
+    }
+}
+
+/// Rackett's volume of the saturated liquid at 0.7 Tc [R Tc/Pc]; H. G. Rackett, J. Chem. Eng. Data 15 (1970) 514.
+inline double rackett_volume(double Zc) {
+    return std::pow(Zc, 1.0 + std::pow(0.3, 2.0 / 7.0));
+}
+
+template <class Model>
+std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model model, const settings &wanted,
+                                      std::string &why) {
+    constexpr bool cubic_of_two = std::is_base_of_v<equations::redlich_kwong, Model> ||
+                                  std::is_base_of_v<cubic_attraction::soave_parameters, Model>;
+    const double Zc = fluid.constants.Zc;
+    records::error_text message;
+    const auto lowest = equations::complete(model, fluid.constants, fluid.heat, message);
+    if (lowest) {
+        const auto cp = [&](double t, double vr) {
+            return equations::equation_of(model, fluid.constants, fluid.heat).properties(t, vr, [](const auto &state) {
+                return state.cp();
+            });
+        };
+        transport::complete(fluid.transport, fluid.heat, fluid.constants, cp, message);
+    }
+    if (!message.clear()) {
+        why = message.trimmed();
+        return nullptr;
+    }
+    auto made = std::make_unique<core_of<Model>>(fluid, model, Zc, wanted);
+    if (wanted.translated_volume) {
+        if constexpr (cubic_of_two) {
+            const double T = 0.7 * made->states().T_c();
+            const double unit = made->gas_constants().Zc; // v_ref in R Tc/Pc
+            made->translate(made->states().V_of(made->states().surface().saturated(T).r_l) - rackett_volume(Zc) / unit);
+        } else {
+            why = "volume=translated is for the models rk, srk and pr";
+            return nullptr;
+        }
+    }
+    if (wanted.reference != zero_point::critical) {
+        const zero_state zero = state_of(wanted.reference);
+        const equations::gas_constants &g = made->gas_constants();
+        solved liquid;
+        if (zero.T > 0)
+            liquid = made->states().from_T_q(zero.T / g.T_ref, 0.0);
+        else
+            liquid = made->states().from_P_q(zero.P / g.P_ref, 0.0);
+        if (liquid.status != OSTREL_OK || !g.vapor) {
+            why = std::string("this fluid does not have the state of reference=") + zero.name;
+            return nullptr;
+        }
+        properties at = made->states().at(liquid.T, liquid.r);
+        at.P = liquid.P;
+        made->shift(zero.enthalpy / (g.P_ref * g.v_ref) - at.h(), zero.entropy / g.R - at.s);
+    }
+    made->complete_constants();
+    return made;
+}
+
+} // namespace fluid

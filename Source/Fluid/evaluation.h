@@ -1,0 +1,648 @@
+// SPDX-License-Identifier: MIT
+// The core of one model: states in SI units, and everything that can be asked of them.
+//
+// Equation   dX/dY|Z = [X, Z]/[Y, Z], where [A, B] = A_T B_V - A_V B_T; the brackets are reduced by dh = T ds + V dp
+// and
+//            du = T ds - p dV, so that they keep their digits in the dilute gas and in the cold liquid. A mixture has
+//            dp/dV = 0, dp/dT of the saturation line and the heat capacity of the equilibrium
+// Given      SI values
+// Returned   SI values
+// Reference  H. B. Callen, Thermodynamics (1985) ch. 7; P. A. Thompson, Phys. Fluids 14 (1971) 1843 (Gamma)
+#pragma once
+
+#include "Equations/complete.h"
+#include "Equations/transport.h"
+#include "Fluid/solver.h"
+
+#include <bit>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace fluid {
+
+inline constexpr double the_nan = std::bit_cast<double>(0x7ff8000000000000);
+
+enum phase_code : std::int32_t { liquid = 0, vapor = 1, two_phase = 2, supercritical = 3, gas = 4 };
+
+/// In `inputs` of an ostrel_state: the row of input_pairs, and whether the letters came in the other order.
+inline constexpr std::uint32_t swapped_order = 0x100;
+
+template <class Model>
+class core_of final : public core {
+public:
+    /// `fluid` is completed for this model; Zc is the fluid's own critical compressibility, as the file has it.
+    core_of(const equations::fluid_parameters &fluid, const Model &model, double Zc, const settings &wanted)
+        : gas_(fluid.constants), heat_(fluid.heat), wanted_(wanted),
+          solver_(model, separated_attraction::ideal_part{heat_, gas_.e_0, gas_.s_0}, critical_temperature(),
+                  1e-300 / gas_.P_ref, 0.0, wanted.states),
+          transport_(gas_.vapor ? transport::published_form(fluid.transport, Zc) : fluid.transport) {
+        energy_unit_ = gas_.P_ref * gas_.v_ref;
+        find_safe_temperatures();
+    }
+
+    /// Takes a constant from the volumes [v_ref]; adds to the energy [P_ref v_ref] and to the entropy [R].
+    void translate(double offset) { solver_.translate(offset); }
+    void shift(double energy, double entropy) { solver_.shift(energy, entropy); }
+    const solver<Model> &states() const { return solver_; }
+    const equations::gas_constants &gas_constants() const { return gas_; }
+
+    void complete_constants() {
+        const bool critical = gas_.vapor;
+        const double V_c = (1.0 - solver_.offset()) * gas_.v_ref;
+        constants_.t_crit = critical ? gas_.Tc : the_nan;
+        constants_.p_crit = critical ? gas_.Pc : the_nan;
+        constants_.v_crit = critical ? V_c : the_nan;
+        constants_.z_crit = critical ? gas_.Pc * V_c / (gas_.R * gas_.Tc) : the_nan;
+        constants_.t_ref = critical ? gas_.Tc : gas_.T_ref;
+        constants_.p_ref = critical ? gas_.Pc : gas_.P_ref;
+        constants_.v_ref = V_c;
+        constants_.v_min = std::max(solver_.model().covolume() - solver_.offset(), 0.0) * gas_.v_ref;
+        constants_.t_sat_min = solver_.line().exists() ? lowest_line_temperature() : the_nan;
+    }
+    const core_constants &constants() const override { return constants_; }
+
+    int solve(std::size_t pair, bool swapped, std::size_t count, const double *first, const double *second,
+              ostrel_state *states) const override {
+        int result = OSTREL_OK;
+        for (std::size_t i = 0; i < count; ++i) {
+            states[i] = one_state(pair, swapped, first[i], second[i]);
+            if (result == OSTREL_OK)
+                result = states[i].status;
+        }
+        return result;
+    }
+    int outputs(std::span<const output> wanted, std::size_t count, const ostrel_state *states, double *values,
+                int *status) const override {
+        const needs plan = needs_of(wanted);
+        int result = OSTREL_OK;
+        for (std::size_t i = 0; i < count; ++i)
+            note(one_output(plan, wanted, states[i], values + i * wanted.size()), i, status, result);
+        return result;
+    }
+    int evaluate(std::size_t pair, bool swapped, std::span<const output> wanted, std::size_t count, const double *first,
+                 const double *second, double *values, int *status) const override {
+        const needs plan = needs_of(wanted);
+        int result = OSTREL_OK;
+        for (std::size_t i = 0; i < count; ++i) {
+            const ostrel_state state = one_state(pair, swapped, first[i], second[i]);
+            note(one_output(plan, wanted, state, values + i * wanted.size()), i, status, result);
+        }
+        return result;
+    }
+    int saturation(bool at_pressure, std::span<const output> wanted, std::size_t count, const double *values_in,
+                   double *liquid_values, double *vapor_values, int *status) const override {
+        const needs plan = needs_of(wanted);
+        int result = OSTREL_OK;
+        const std::size_t pair = at_pressure ? row_of(letter::p, letter::q) : row_of(letter::t, letter::q);
+        for (std::size_t i = 0; i < count; ++i) {
+            ostrel_state state = one_state(pair, false, values_in[i], 0.0);
+            int of_state = OSTREL_OK;
+            if (liquid_values != nullptr)
+                of_state = one_output(plan, wanted, state, liquid_values + i * wanted.size());
+            if (vapor_values != nullptr) {
+                if (state.status == OSTREL_OK)
+                    state = saturated_vapor(state);
+                of_state = one_output(plan, wanted, state, vapor_values + i * wanted.size());
+            }
+            if (liquid_values == nullptr && vapor_values == nullptr)
+                of_state = state.status;
+            note(of_state, i, status, result);
+        }
+        return result;
+    }
+
+private:
+    static constexpr std::size_t row_of(letter a, letter b) {
+        std::size_t row = 0;
+        while (input_pairs[row].first != a || input_pairs[row].second != b)
+            ++row;
+        return row;
+    }
+    static void note(int of_state, std::size_t i, int *status, int &result) {
+        if (status != nullptr)
+            status[i] = of_state;
+        if (result == OSTREL_OK)
+            result = of_state;
+    }
+
+    double critical_temperature() const { return gas_.vapor ? gas_.Tc / gas_.T_ref : 1.0; }
+    double lowest_line_temperature() const {
+        double T = solver_.surface().T_line * gas_.T_ref;
+        while (T / gas_.T_ref < solver_.surface().T_line)
+            T = std::nextafter(T, infinite);
+        return T;
+    }
+
+    // Solving.
+
+    ostrel_state failed(int status, std::uint32_t inputs, double first, double second) const {
+        return {the_nan, the_nan, the_nan, the_nan, first, second, inputs, status, -1, 0};
+    }
+    static bool finite(double x) { return std::abs(x) < infinite; }
+    bool in_range(letter what, double x) const {
+        switch (what) {
+        case letter::t:
+        case letter::p:
+            return x > 0;
+        case letter::v:
+            return x > constants_.v_min;
+        case letter::d:
+            return x > 0 && 1.0 / x > constants_.v_min;
+        case letter::q:
+            return x >= 0 && x <= 1;
+        default:
+            return true;
+        }
+    }
+    double reduced(letter what, double x) const {
+        switch (what) {
+        case letter::t:
+            return x / gas_.T_ref;
+        case letter::p:
+            return x / gas_.P_ref;
+        case letter::v:
+            return x / gas_.v_ref;
+        case letter::d:
+            return 1.0 / x / gas_.v_ref;
+        case letter::h:
+        case letter::u:
+            return x / energy_unit_;
+        case letter::s:
+            return x / gas_.R;
+        default:
+            return x;
+        }
+    }
+
+    solved find(letter A, letter B, double a, double b) const {
+        const auto is = [&](letter first, letter second) { return A == first && B == second; };
+        const letter V = letter::v;
+        if (is(letter::t, V))
+            return solver_.from_T_V(a, b);
+        if (is(letter::p, letter::t))
+            return solver_.from_P_T(a, b);
+        if (is(letter::p, V))
+            return solver_.from_V_X(b, letter::p, a);
+        if (is(letter::p, letter::q))
+            return solver_.from_P_q(a, b);
+        if (is(letter::t, letter::q))
+            return solver_.from_T_q(a, b);
+        if (A == letter::p)
+            return solver_.from_P_X(a, B, b);
+        if (A == letter::t)
+            return solver_.from_T_X(a, B, b);
+        if (A == V)
+            return solver_.from_V_X(a, B, b);
+        if (A == letter::h)
+            return solver_.from_s_X(b, letter::h, a);
+        return solver_.from_s_X(a, letter::u, b);
+    }
+
+    ostrel_state one_state(std::size_t pair, bool swapped, double given_first, double given_second) const {
+        const std::uint32_t inputs = static_cast<std::uint32_t>(pair) | (swapped ? swapped_order : 0);
+        const letter A = input_pairs[pair].first;
+        const letter B = input_pairs[pair].second;
+        const double first = swapped ? given_second : given_first;
+        const double second = swapped ? given_first : given_second;
+        if (!finite(first) || !finite(second))
+            return failed(OSTREL_NOT_A_NUMBER, inputs, given_first, given_second);
+        if (!in_range(A, first) || !in_range(B, second))
+            return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
+        const auto plain = [](letter what) { return what == letter::d ? letter::v : what; };
+        const double a = reduced(A, first);
+        const double b = reduced(B, second);
+        if (!(finite(a) && finite(b)))
+            return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
+        solved found;
+        if (wanted_.states == allowed_states::surface && !(A == letter::t && (B == letter::v || B == letter::d)))
+            return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
+        if (is_critical(A, B, first, second))
+            found = critical(B == letter::q ? b : not_a_number);
+        else
+            found = find(plain(A), plain(B), a, b);
+        if (found.status == OSTREL_OK)
+            found.status = checked(found);
+        if (found.status != OSTREL_OK)
+            return failed(found.status, inputs, given_first, given_second);
+        ostrel_state state = {found.T * gas_.T_ref,
+                              found.P * gas_.P_ref,
+                              found.V * gas_.v_ref,
+                              found.q,
+                              given_first,
+                              given_second,
+                              inputs,
+                              OSTREL_OK,
+                              0,
+                              0};
+        for (const auto &[what, x] : {std::pair(A, first), std::pair(B, second)}) {
+            if (what == letter::t)
+                state.t = x;
+            else if (what == letter::p)
+                state.p = x;
+            else if (what == letter::v)
+                state.v = x;
+            else if (what == letter::d)
+                state.v = 1.0 / x;
+        }
+        if (!(finite(state.t) && finite(state.p) && finite(state.v)))
+            return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
+        state.phase = phase_of(state, found.r);
+        if (!(state.q >= 0))
+            state.q = the_nan;
+        return state;
+    }
+
+    bool is_critical(letter A, letter B, double first, double second) const {
+        if (!solver<Model>::surface_type::saturates || !gas_.vapor || wanted_.states == allowed_states::surface)
+            return false;
+        return (A == letter::p && B == letter::t && first == gas_.Pc && second == gas_.Tc) ||
+               (B == letter::q && solver_.line().exists() && first == (A == letter::t ? gas_.Tc : gas_.Pc));
+    }
+    solved critical(double q) const {
+        return {OSTREL_OK, critical_temperature(), 1.0, 1.0 - solver_.offset(), solver_.r_of(1.0 - solver_.offset()),
+                q};
+    }
+
+    /// Refuses states where the heat capacity has no value or is not positive.
+    int checked(const solved &found) const {
+        if (found.T >= safe_low_ && found.T <= safe_high_)
+            return OSTREL_OK;
+        if (heat_.function_type == ideal_gas_heat::piecewise && !heat_.T_k.empty() &&
+            found.T * gas_.T_ref <= heat_.T_k.front())
+            return OSTREL_OUT_OF_RANGE;
+        if (wanted_.states == allowed_states::surface)
+            return OSTREL_OK;
+        if (found.q > 0 && found.q < 1) {
+            const auto m = solver_.mix(found.T, solver_.surface().saturated(found.T));
+            return m.l.cv > 0 && m.g.cv > 0 ? OSTREL_OK : OSTREL_NO_STATE;
+        }
+        return solver_.at(found.T, found.r).cv > 0 ? OSTREL_OK : OSTREL_NO_STATE;
+    }
+    /// Finds the temperatures between which cv > 0 without a look: the attraction adds to cv, and the ideal gas's heat
+    /// capacity is far from 0.
+    void find_safe_temperatures() {
+        bool attraction_adds = !std::is_base_of_v<equations::martin_hou, Model>;
+        if constexpr (std::is_base_of_v<cubic_attraction::soave_parameters, Model>)
+            attraction_adds = solver_.model().fw >= 0;
+        safe_low_ = infinite;
+        safe_high_ = -infinite;
+        if (!attraction_adds)
+            return;
+        const double T_c = critical_temperature();
+        constexpr double step = 1.12;
+        const auto safe = [&](double T) { return ideal_gas_heat::cv(heat_, T * gas_.T_ref) > 0.3 * gas_.R; };
+        if (!safe(T_c))
+            return;
+        safe_low_ = safe_high_ = T_c;
+        while (safe_low_ > 0.1 * T_c && safe(safe_low_ / step))
+            safe_low_ /= step;
+        while (safe_high_ < 15.0 * T_c && safe(safe_high_ * step))
+            safe_high_ *= step;
+    }
+
+    std::int32_t phase_of(const ostrel_state &state, double r) const {
+        if (!gas_.vapor)
+            return gas;
+        if constexpr (!solver<Model>::surface_type::saturates)
+            return state.t < gas_.Tc ? vapor : gas;
+        if (state.q == 0)
+            return liquid;
+        if (state.q == 1)
+            return vapor;
+        if (state.q > 0 && state.q < 1)
+            return two_phase;
+        if (state.t >= gas_.Tc)
+            return state.p >= gas_.Pc ? supercritical : gas;
+        if (wanted_.states == allowed_states::metastable_liquid)
+            return liquid;
+        if (wanted_.states == allowed_states::metastable_vapor)
+            return vapor;
+        return r > solver_.r_of(1.0 - solver_.offset()) ? liquid : vapor;
+    }
+
+    /// The saturated vapor beside a saturated liquid, which may be the critical point.
+    ostrel_state saturated_vapor(ostrel_state state) const {
+        state.q = 1.0;
+        state.phase = vapor;
+        if (state.t == gas_.Tc || state.p == gas_.Pc)
+            return state;
+        phases line;
+        if ((state.inputs & 0xff) == row_of(letter::p, letter::q)) {
+            double T = 0;
+            solver_.saturation_at_P(state.p / gas_.P_ref, T, line);
+        } else {
+            solver_.saturation_at_T(state.t / gas_.T_ref, line);
+        }
+        state.v = solver_.V_of(line.r_g) * gas_.v_ref;
+        return state;
+    }
+
+    // Outputs.
+
+    /// What the outputs of a call need.
+    struct needs {
+        bool first = false;   ///< first derivatives of p
+        bool caloric = false; ///< u, s, cv
+        bool second = false;  ///< second derivatives of p and the slope of cv
+        bool transport = false;
+        bool line = false; ///< tsat or psat
+    };
+    static needs needs_of(std::span<const output> wanted) {
+        needs plan;
+        for (const output &one : wanted) {
+            switch (one.what) {
+            case property::t:
+            case property::p:
+            case property::v:
+            case property::d:
+            case property::q:
+            case property::z:
+            case property::phase:
+                break;
+            case property::tsat:
+            case property::psat:
+                plan.line = true;
+                break;
+            case property::dp_dt:
+            case property::dp_dv:
+            case property::kappa_t:
+            case property::beta_p:
+                plan.first = true;
+                break;
+            case property::d2p_dt2:
+            case property::d2p_dv2:
+            case property::d2p_dtdv:
+            case property::dcv_dt:
+            case property::fundamental:
+                plan.second = plan.caloric = plan.first = true;
+                break;
+            case property::eta:
+            case property::lambda:
+            case property::prandtl:
+                plan.transport = plan.caloric = plan.first = true;
+                break;
+            default:
+                plan.caloric = plan.first = true;
+            }
+        }
+        return plan;
+    }
+
+    struct second_derivatives {
+        double P_TT = 0;
+        double P_TV = 0;
+        double P_VV = 0;
+        double cv_T = 0;
+        double fundamental = 0;
+    };
+    second_derivatives second_at(double T, double r, double V) const {
+        using namespace separated_attraction;
+        const double v = solver_.model().covolume() + 1.0 / r;
+        const state_point<Model, double> point(solver_.model(), T, v);
+        const auto ideal = solver_.template caloric_at<heat | heat_slope>(T);
+        const auto [P_TT, P_vT, P_Tv, P_vv] = point.d2P();
+        const derived_properties::properties<state_point<Model, double>, ideal_part_at<heat | heat_slope>> all{point,
+                                                                                                               ideal};
+        return {P_TT, P_Tv, P_vv, point.dcv(ideal)[0], all.G() * (V / v)};
+    }
+
+    /// [A, B] in reduced units.
+    static double bracket(letter A, letter B, const properties &p) {
+        if (A == B)
+            return 0;
+        if (static_cast<int>(A) > static_cast<int>(B))
+            return -bracket(B, A, p);
+        if (B == letter::d)
+            return A == letter::v ? 0.0 : -bracket(A, letter::v, p) / (p.V * p.V);
+        if (A == letter::d)
+            return -bracket(letter::v, B, p) / (p.V * p.V);
+        const double p_s = p.P_T * p.P_T - p.P_V * p.cv / p.T;
+        switch (A) { // t p v d h s u
+        case letter::t:
+            return B == letter::p   ? p.P_V
+                   : B == letter::v ? 1.0
+                   : B == letter::h ? p.h_V
+                   : B == letter::s ? p.P_T
+                                    : p.u_V;
+        case letter::p:
+            return B == letter::v   ? p.P_T
+                   : B == letter::h ? p.T * p_s
+                   : B == letter::s ? p_s
+                                    : p.P_T * p.u_V - p.P_V * p.cv;
+        case letter::v:
+            return B == letter::h ? -p.h_T() : B == letter::s ? -p.cv / p.T : -p.cv;
+        case letter::h:
+            return B == letter::s ? p.V * p_s : p.h_T() * p.u_V - p.h_V * p.cv;
+        default: // s, u
+            return -p.P * p.cv / p.T;
+        }
+    }
+    double unit(letter what) const {
+        switch (what) {
+        case letter::t:
+            return gas_.T_ref;
+        case letter::p:
+            return gas_.P_ref;
+        case letter::v:
+            return gas_.v_ref;
+        case letter::d:
+            return 1.0 / gas_.v_ref;
+        case letter::s:
+            return gas_.R;
+        default:
+            return energy_unit_;
+        }
+    }
+    double derivative(const output &one, const properties &p, bool at_critical, bool &undefined) const {
+        const double above = bracket(one.X, one.Z, p);
+        const double below = bracket(one.Y, one.Z, p);
+        undefined = below == 0;
+        if (below == 0 && !(at_critical && above != 0))
+            return the_nan;
+        return above / below * (unit(one.X) / unit(one.Y));
+    }
+
+    double T_of_saturation(double p) const {
+        double T = 0;
+        phases line;
+        if (p == gas_.Pc && solver_.line().exists() && gas_.vapor)
+            return gas_.Tc;
+        return solver_.saturation_at_P(p / gas_.P_ref, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
+    }
+    double P_of_saturation(double t) const {
+        phases line;
+        return solver_.saturation_at_T(t / gas_.T_ref, line) == OSTREL_OK ? line.P * gas_.P_ref : the_nan;
+    }
+
+    struct conductors {
+        double eta = the_nan;
+        double lambda = the_nan;
+    };
+    conductors conductors_at(double t, double v, double T, double cp) const {
+        const auto [mu, k] = transport::evaluate<transport::published>(
+            transport_, t, v, [&] { return solver_.template caloric_at<heat>(T).phip(T) * gas_.R; },
+            [&] { return cp; });
+        return {mu, k};
+    }
+
+    int one_output(const needs &plan, std::span<const output> wanted, const ostrel_state &state, double *values) const {
+        if (state.status != OSTREL_OK) {
+            std::fill(values, values + wanted.size(), the_nan);
+            return state.status;
+        }
+        const double T = state.t / gas_.T_ref;
+        const double V = state.v / gas_.v_ref;
+        const double r = solver_.r_of(V);
+        const bool mixed = state.phase == two_phase;
+        const bool at_critical = gas_.vapor && state.t == gas_.Tc && state.p == gas_.Pc;
+        properties p{};
+        second_derivatives second;
+        conductors conducts;
+        if (mixed) {
+            if (plan.first) {
+                phases line;
+                if constexpr (solver<Model>::surface_type::saturates)
+                    line = solver_.surface().saturated(T);
+                const auto m = solver_.mix(T, line);
+                p = solver_.mixed(m, state.q, V);
+            }
+        } else {
+            if (plan.caloric)
+                p = solver_.at(T, r);
+            else if (plan.first)
+                p = solver_.mechanical(T, r);
+            if (plan.second)
+                second = second_at(T, r, V);
+            if (at_critical)
+                p.P_V = -0.0;
+        }
+        p.T = T;
+        p.V = V;
+        p.P = state.p / gas_.P_ref;
+        const double cp = p.cv - p.T * p.P_T * p.P_T / p.P_V;
+        if (plan.transport && !mixed)
+            conducts = conductors_at(state.t, state.v, T, cp);
+        int status = OSTREL_OK;
+        const letter A = input_pairs[state.inputs & 0xff].first;
+        const letter B = input_pairs[state.inputs & 0xff].second;
+        const bool swapped = (state.inputs & swapped_order) != 0;
+        for (std::size_t k = 0; k < wanted.size(); ++k) {
+            bool between = false;
+            double value = output_value(wanted[k], state, p, second, conducts, cp, mixed, at_critical, between);
+            if (between)
+                status = OSTREL_TWO_PHASE;
+            const property what = wanted[k].what;
+            if (what <= property::u) { // an input comes back with its own bits
+                const auto asked = static_cast<letter>(what);
+                if (asked == A)
+                    value = swapped ? state.second : state.first;
+                else if (asked == B)
+                    value = swapped ? state.first : state.second;
+            }
+            values[k] = value == value ? value : the_nan;
+        }
+        return status;
+    }
+
+    double output_value(const output &one, const ostrel_state &state, const properties &p,
+                        const second_derivatives &second, const conductors &conducts, double cp, bool mixed,
+                        bool at_critical, bool &between) const {
+        const equations::gas_constants &g = gas_;
+        switch (one.what) {
+        case property::t:
+            return state.t;
+        case property::p:
+            return state.p;
+        case property::v:
+            return state.v;
+        case property::d:
+            return 1.0 / state.v;
+        case property::h:
+            return p.h() * energy_unit_;
+        case property::s:
+            return p.s * g.R;
+        case property::u:
+            return p.u * energy_unit_;
+        case property::q:
+            return state.q;
+        case property::g:
+            return (p.h() - p.T * p.s) * energy_unit_;
+        case property::a:
+            return (p.u - p.T * p.s) * energy_unit_;
+        case property::phase:
+            return state.phase;
+        case property::tsat:
+            return T_of_saturation(state.p);
+        case property::psat:
+            return P_of_saturation(state.t);
+        case property::derivative: {
+            bool undefined = false;
+            const double value = derivative(one, p, at_critical, undefined);
+            between = mixed && (undefined || !finite(value));
+            return between ? the_nan : value;
+        }
+        default:
+            break;
+        }
+        if (mixed) {
+            between = true;
+            return the_nan;
+        }
+        const double c2 = p.V * p.V * (p.T * p.P_T * p.P_T / p.cv - p.P_V); // [P_ref v_ref]
+        switch (one.what) {
+        case property::cv:
+            return p.cv * g.R;
+        case property::dp_dt:
+            return p.P_T * g.P_ref / g.T_ref;
+        case property::dp_dv:
+            return p.P_V * g.P_ref / g.v_ref;
+        case property::d2p_dt2:
+            return second.P_TT * g.P_ref / (g.T_ref * g.T_ref);
+        case property::d2p_dv2:
+            return second.P_VV * g.P_ref / (g.v_ref * g.v_ref);
+        case property::d2p_dtdv:
+            return second.P_TV * g.P_ref / (g.T_ref * g.v_ref);
+        case property::dcv_dt:
+            return second.cv_T * g.R / g.T_ref;
+        case property::eta:
+            return conducts.eta;
+        case property::lambda:
+            return conducts.lambda;
+        case property::cp:
+            return cp * g.R;
+        case property::c:
+            return std::sqrt(c2) * g.c_ref;
+        case property::z:
+            return p.P * p.V / p.T;
+        case property::fundamental:
+            return second.fundamental;
+        case property::cp_cv:
+            return cp / p.cv;
+        case property::isentropic_exponent:
+            return c2 / (p.P * p.V);
+        case property::kappa_t:
+            return -1.0 / (p.V * p.P_V * g.P_ref);
+        case property::beta_p:
+            return -p.P_T / (p.V * p.P_V * g.T_ref);
+        case property::jt:
+            return p.h_V / (p.T * p.P_T * p.P_T - p.cv * p.P_V) * (g.T_ref / g.P_ref);
+        case property::prandtl:
+            return at_critical ? infinite : conducts.eta * cp * g.R / conducts.lambda;
+        default:
+            return the_nan;
+        }
+    }
+
+    equations::gas_constants gas_;
+    ideal_gas_heat::heat_capacity heat_;
+    settings wanted_;
+    solver<Model> solver_;
+    transport::parameters transport_;
+    core_constants constants_{};
+    double energy_unit_ = 0;
+    double safe_low_ = 0;
+    double safe_high_ = 0;
+};
+
+} // namespace fluid

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+// The saturation line of a surface with bounds for quick answers, and its inverse.
+//
+// Given      a surface (surface.h); reduced T [T_ref] and P [P_ref]
+// Returned   both phases at T, and the saturation temperature at P
+// Valid      T_line <= T < T_c, and the pressures there
+// Accuracy   that of the surface; the temperature within a unit in the last place of what rounding of P leaves
+#pragma once
+
+#include "Fluid/surface.h"
+
+#include <algorithm>
+
+namespace fluid {
+
+template <class Surface>
+class saturation_line {
+public:
+    explicit saturation_line(const Surface &of) : of_(of) {
+        if constexpr (Surface::saturates) {
+            // Below 0.3 T_c the nodes are few, since hardly anybody goes there.
+            const double low = std::max(of.T_line, std::min(0.3 * of.T_c, 0.5 * (of.T_line + of.T_c)));
+            step_ = (of.T_c - low) / cells;
+            inverse_step_ = 1.0 / step_;
+            begin_ = low;
+            for (int k = 0; k <= cells; ++k) {
+                const double T = k == cells ? of.T_c : low + step_ * k;
+                if (T >= of.T_c || !(of.T_line < of.T_c)) {
+                    nodes_[k] = {1.0, 0, 0, 0.0};
+                    continue;
+                }
+                const phases at = of.saturated(T);
+                nodes_[k] = {at.P, at.r_l, at.r_g, std::log(at.P)};
+            }
+            if (of.T_line < of.T_c)
+                lowest_ = of.saturated(of.T_line);
+        }
+    }
+
+    bool exists() const { return Surface::saturates && of_.T_line < of_.T_c; }
+    /// The phases where the line ends.
+    const phases &lowest() const { return lowest_; }
+
+    /// How P compares with the saturation pressure at T without computing it: -1 below, 1 above, 0 not known.
+    int side_of_pressure(double T, double P) const {
+        const int k = cell(T);
+        if (k < 0)
+            return 0;
+        return P < nodes_[k].P * below ? -1 : P > nodes_[k + 1].P * above ? 1 : 0;
+    }
+    /// Whether r is of a gas (-1), of a liquid (1) or of both phases (2) at T without computing the phases; 0 not
+    /// known.
+    int side_of_density(double T, double r) const {
+        const int k = cell(T);
+        if (k < 0 || k + 1 >= cells)
+            return 0;
+        if (r < nodes_[k].r_g * below)
+            return -1;
+        if (r > nodes_[k].r_l * above)
+            return 1;
+        return r > nodes_[k + 1].r_g * above && r < nodes_[k + 1].r_l * below ? 2 : 0;
+    }
+
+    /// The saturation temperature, with the phases there; lowest().P <= P < 1.
+    double temperature(double P, phases &at) const {
+        const double log_P = std::log(P);
+        double low = of_.T_line;
+        double high = of_.T_c;
+        double T = 0;
+        if (P >= nodes_[0].P) {
+            int k = 0;
+            for (int half = cells / 2; half > 0; half /= 2)
+                if (k + half <= cells && P >= nodes_[k + half].P)
+                    k += half;
+            k = std::min(k, cells - 1);
+            low = begin_ + step_ * k;
+            high = std::min(begin_ + step_ * (k + 1), of_.T_c);
+            const double part = (log_P - nodes_[k].log_P) / (nodes_[k + 1].log_P - nodes_[k].log_P);
+            T = 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
+        } else {
+            const double log_low = std::log(lowest_.P);
+            const double part = (log_P - log_low) / (nodes_[0].log_P - log_low);
+            high = begin_;
+            T = 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
+        }
+        low *= 1.0 - 1e-15;
+        double last = infinite;
+        for (int step = 0; step < 100; ++step) {
+            if (!(T > low))
+                T = low;
+            if (T >= of_.T_c)
+                T = of_.T_c * (1.0 - 1.2e-16);
+            at = of_.saturated(std::max(T, of_.T_line));
+            const double y = P > 0.5 ? (at.P - P) / P : std::log(at.P / P);
+            (y > 0 ? high : low) = T;
+            // ln P is nearly linear in 1/T.
+            double next = T / (1.0 + y / at.slope);
+            if (!(next >= low && next <= high))
+                next = 0.5 * (low + high);
+            const double change = std::abs(next - T);
+            if (change <= 1e-16 * T || change >= last)
+                return T;
+            last = change > 1e-13 * T ? infinite : change;
+            // The error of ln P at the next temperature is about the square of the one here.
+            if (std::abs(y) < 1e-8 && T < of_.T_c * (1.0 - 1e-4)) {
+                at = of_.saturated(next);
+                return next;
+            }
+            T = next;
+        }
+        return T;
+    }
+
+private:
+    static constexpr int cells = 32;
+    // Rounding of a temperature beside a node must not give a wrong answer.
+    static constexpr double below = 1.0 - 1e-13;
+    static constexpr double above = 1.0 + 1e-13;
+    struct node {
+        double P;
+        double r_l;
+        double r_g;
+        double log_P;
+    };
+
+    int cell(double T) const {
+        const double place = (T - begin_) * inverse_step_;
+        return place >= 0 && place < cells ? static_cast<int>(place) : -1;
+    }
+
+    Surface of_;
+    double begin_ = 0;
+    double step_ = 0;
+    double inverse_step_ = 0;
+    std::array<node, cells + 1> nodes_{};
+    phases lowest_;
+};
+
+} // namespace fluid
