@@ -84,8 +84,13 @@ definition check() {
     return {.name = "check",
             .meaning = "Say in words what a parameter file means",
             .arguments = {{"FILE", path.get(), "A parameter file, from anywhere", true}},
-            .notes = "A file that can be used may still get warnings; the exit code is then 0.\n\n"
-                     "Example:\n  ostrel check Fluids/toluene.osd",
+            .notes =
+                "It refuses a file that cannot be read or computed with. Labels behind the values, as the shipped\n"
+                "files have them, let it name a record that is missing. It warns of what is likely to be a\n"
+                "mistake: implausible constants, SI coefficients under coeff_adim = T, numbers behind a list that\n"
+                "are not read, decimal commas, models that do not go together. A file that can be used may still\n"
+                "get warnings; the exit code is then 0.\n\n"
+                "Example:\n  ostrel check Fluids/toluene.osd",
             .run = [path] { examine(*path); }};
 }
 

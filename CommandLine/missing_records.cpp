@@ -120,7 +120,7 @@ std::span<const std::string_view> stand_ins(const labelled_read &wanted) {
 }
 
 /// The file with some records put in.
-struct trial {
+struct repaired_file {
     numbered_records records;
     assessment seen;
     std::vector<std::string> fields; ///< of the records that were put in
@@ -129,7 +129,7 @@ struct trial {
 
 /// Tries all records for `count` READs from one on.
 void put_in(const numbered_records &records, const assessment &seen, std::size_t read, std::size_t count,
-            const std::vector<std::string> &fields, const std::function<void(trial &&)> &use) {
+            const std::vector<std::string> &fields, const std::function<void(repaired_file &&)> &use) {
     if (count == 0) {
         use({records, seen, fields, read});
         return;
@@ -147,16 +147,16 @@ void put_in(const numbered_records &records, const assessment &seen, std::size_t
 }
 
 /// The trials with the most agreeing labels, one for each choice of fields; none if no more labels agree than before.
-std::vector<trial> best_trials(const numbered_records &records, const assessment &seen, std::size_t count) {
-    std::vector<trial> best;
+std::vector<repaired_file> best_trials(const numbered_records &records, const assessment &seen, std::size_t count) {
+    std::vector<repaired_file> best;
     for (std::size_t read = 0; read < seen.reads.size(); ++read)
-        put_in(records, seen, read, count, {}, [&](trial &&tried) {
+        put_in(records, seen, read, count, {}, [&](repaired_file &&tried) {
             const auto rank = [](const assessment &one) { return std::pair(one.agreeing, one.complete); };
             if (tried.seen.agreeing <= seen.agreeing || (!best.empty() && rank(tried.seen) < rank(best[0].seen)))
                 return;
             if (!best.empty() && rank(tried.seen) > rank(best[0].seen))
                 best.clear();
-            const bool known = std::any_of(best.begin(), best.end(), [&](const trial &other) {
+            const bool known = std::any_of(best.begin(), best.end(), [&](const repaired_file &other) {
                 return other.fields == tried.fields && other.next == tried.next;
             });
             if (!known)
@@ -165,10 +165,10 @@ std::vector<trial> best_trials(const numbered_records &records, const assessment
     return best;
 }
 
-std::string sentence(const std::vector<trial> &found) {
+std::string sentence(const std::vector<repaired_file> &found) {
     std::vector<std::string> choices;
     choices.reserve(found.size());
-    for (const trial &one : found)
+    for (const repaired_file &one : found)
         choices.push_back(joined(one.fields, ", ", ", "));
     const bool several = found[0].fields.size() > 1;
     const std::string names = joined(choices, several ? " or " : ", ", several ? " or " : ", ");
@@ -208,7 +208,7 @@ std::vector<std::string> missing_records(std::string_view text) {
         return lines;
     std::vector<std::string> lines;
     for (int place = 0; place < most_places && !seen.complete; ++place) {
-        std::vector<trial> found;
+        std::vector<repaired_file> found;
         for (std::size_t count = 1; count <= most_neighbors && found.empty(); ++count)
             found = best_trials(records, seen, count);
         if (found.empty())

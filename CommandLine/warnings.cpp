@@ -140,11 +140,26 @@ double largest_heat_capacity(double MM) {
     return 9 * (MM - 2) / 14 + 3;
 }
 
+/// Warns of temperatures in K that are read as multiples of T_ref. The heat capacity is initialised.
+void check_units_of_temperatures(texts &found, std::string_view name, std::span<const double> temperatures) {
+    constexpr double highest = 10000; // The lowest Tv is above 5000 K for no known fluid.
+    if (temperatures.empty())
+        return;
+    const double lowest = *std::min_element(temperatures.begin(), temperatures.end());
+    if (lowest > highest)
+        found.push_back("the lowest " + std::string(name) + " is " + rounded(lowest) +
+                        " K: with coeff_adim = T it is in units of T_ref = " + rounded(gas.T_ref) + " K");
+}
+
 /// Warns of coefficients in SI units that are read as multiples of R: cv is then larger than in any molecule at all
 /// temperatures. The heat capacity is initialised.
 void check_units_of_heat(texts &found, const ideal_specific_heat::heat_capacity &h) {
     if (!h.coeff_adim)
         return;
+    if (h.function_type == ideal_gas_heat::einstein)
+        check_units_of_temperatures(found, "Tv", h.Tv);
+    if (h.function_type == ideal_gas_heat::piecewise)
+        check_units_of_temperatures(found, "T_k", std::span(h.T_k).first(h.cv_0_k.size()));
     const double reference = gas.vapor ? gas.Tc : gas.T_ref;
     double lowest = std::numeric_limits<double>::infinity();
     double T = 0;
