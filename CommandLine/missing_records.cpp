@@ -97,11 +97,19 @@ assessment assess(const numbered_records &records) {
                                 has_label ? label_of(read.rest) : std::string_view(),
                                 static_cast<std::size_t>(read.first - 1), static_cast<std::size_t>(read.last - 1)});
     }
+    const auto names_a_field = [&](std::string_view label) {
+        return !label.empty() && std::any_of(result.reads.begin(), result.reads.end(),
+                                             [&](const auto &read) { return read.name == label; });
+    };
     for (const labelled_read &read : result.reads) {
         result.agreeing += agrees(read) ? 1 : 0;
-        if (!read.label.empty() && !agrees(read))
-            result.contradicted |= std::any_of(result.reads.begin(), result.reads.end(),
-                                               [&](const auto &other) { return other.name == read.label; });
+        result.contradicted |= !agrees(read) && names_a_field(read.label);
+    }
+    // A record that is left over is not missing but stands elsewhere.
+    for (std::size_t i = result.reads.empty() ? 0 : result.reads.back().last + 1; i < texts.size(); ++i) {
+        std::string_view rest = texts[i];
+        take_value(rest);
+        result.contradicted |= names_a_field(label_of(rest));
     }
     return result;
 }
