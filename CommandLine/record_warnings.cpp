@@ -143,7 +143,7 @@ private:
 
 std::vector<std::string> record_warnings(std::string_view text) {
     // The file is read anew for each READ, and a file may have thousands.
-    constexpr std::size_t most = 1000;
+    constexpr std::size_t most = 300;
     const std::vector<std::string_view> records = records_of(text);
     const std::vector<record_trace> reads = trace(records).reads;
     std::vector<std::string> found;
