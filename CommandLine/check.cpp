@@ -3,7 +3,9 @@
 #include "CommandLine/command.h"
 #include "CommandLine/critical_pressure.h"
 #include "CommandLine/description.h"
+#include "CommandLine/missing_records.h"
 #include "CommandLine/report.h"
+#include "CommandLine/trace.h"
 #include "CommandLine/warnings.h"
 #include "Thermodynamics/thermodynamics.h"
 
@@ -13,20 +15,20 @@
 namespace command {
 namespace {
 
-/// Describes the place where reading stopped.
+/// Describes the place where reading stopped, and what may be missing before it.
 std::vector<std::string> stopped_at(const parameter_file &file) {
     if (file.last_record > 0 && file.text.empty())
         return {"The file is empty."};
     if (file.text.find('\0') != std::string::npos)
         return {"This is not a text file."};
-    std::string_view rest = file.text;
-    for (std::int64_t record = 1; !rest.empty(); ++record) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        if (record == file.last_record)
-            return {"Record " + std::to_string(record) + " is: " + printable(line.substr(0, 100))};
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-    }
-    return {};
+    std::vector<std::string> lines;
+    const std::vector<std::string_view> records = records_of(file.text);
+    if (file.last_record > 0 && static_cast<std::size_t>(file.last_record) <= records.size())
+        lines.push_back("Record " + std::to_string(file.last_record) +
+                        " is: " + printable(records[static_cast<std::size_t>(file.last_record) - 1].substr(0, 100)));
+    for (std::string &line : missing_records(file.text))
+        lines.push_back(std::move(line));
+    return lines;
 }
 
 /// Advice for a file that can be read but not initialised.
@@ -55,7 +57,10 @@ void examine(const std::string &path) {
     std::vector<std::string> warnings = suspicions(file);
     std::string unusable = file.not_initialised;
     std::vector<std::string> advice;
-    if (!unusable.empty()) {
+    if (const std::vector<std::string> refused = refusals(file); !refused.empty()) {
+        unusable = refused.front();
+        advice.assign(refused.begin() + 1, refused.end());
+    } else if (!unusable.empty()) {
         advice = remedy(file);
     } else if (model_name() == "unknown") {
         unusable = "gas_type " + std::to_string(thermodynamics::gas_type) + " is none of the models 1 to 8";
@@ -79,8 +84,13 @@ definition check() {
     return {.name = "check",
             .meaning = "Say in words what a parameter file means",
             .arguments = {{"FILE", path.get(), "A parameter file, from anywhere", true}},
-            .notes = "A file that can be used may still get warnings; the exit code is then 0.\n\n"
-                     "Example:\n  ostrel check Fluids/toluene.osd",
+            .notes =
+                "It refuses a file that cannot be read or computed with. Labels behind the values, as the shipped\n"
+                "files have them, let it name a record that is missing. It warns of what is likely to be a\n"
+                "mistake: implausible constants, SI coefficients under coeff_adim = T, numbers behind a list that\n"
+                "are not read, decimal commas, models that do not go together. A file that can be used may still\n"
+                "get warnings; the exit code is then 0.\n\n"
+                "Example:\n  ostrel check Fluids/toluene.osd",
             .run = [path] { examine(*path); }};
 }
 

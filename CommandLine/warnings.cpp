@@ -3,6 +3,7 @@
 
 #include "CommandLine/description.h"
 #include "CommandLine/notes.h"
+#include "CommandLine/record_warnings.h"
 #include "CommandLine/report.h"
 #include "Ostrel_Main.h"
 #include "Thermodynamics/model_choice.h"
@@ -12,6 +13,7 @@
 #include <charconv>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <span>
 #include <sstream>
 
@@ -23,62 +25,54 @@ using gas_properties::gas;
 using gas_properties::gas_constants;
 using texts = std::vector<std::string>;
 
-/// Bounds for a constant, in the unit of the file; no known fluid is outside them.
+void append(texts &found, const texts &more) {
+    found.insert(found.end(), more.begin(), more.end());
+}
+
+/// Bounds for a constant, in the unit of the file; no known fluid is outside them. A file is refused if a constant that
+/// must be positive is not.
 struct bounds {
     double gas_constants::*value;
     double low;
     double high;
+    bool positive = false;
 };
 constexpr bounds plausible[] = {
-    {&gas_constants::MM, 1, 5000},      {&gas_constants::T_ref, 1, 10000}, {&gas_constants::P_ref, 1e-6, 10000},
-    {&gas_constants::v_ref, 1e-5, 1e6}, {&gas_constants::Tc, 2, 10000},    {&gas_constants::Pc, 0.5, 5000},
-    {&gas_constants::Zc, 0.1, 0.5},     {&gas_constants::Tb, 1, 10000},    {&gas_constants::mur, 0, 5},
+    {&gas_constants::MM, 1, 5000, true},  {&gas_constants::T_ref, 1, 10000}, {&gas_constants::P_ref, 1e-6, 10000},
+    {&gas_constants::v_ref, 1e-5, 1e6},   {&gas_constants::Tc, 2, 10000},    {&gas_constants::Pc, 0.5, 5000},
+    {&gas_constants::Zc, 0.1, 0.5, true}, {&gas_constants::Tb, 1, 10000},    {&gas_constants::mur, 0, 5},
     {&gas_constants::kh, 0, 1},
 };
 
-void check_constants(texts &found, const gas_constants &fluid, std::span<const constant> constants) {
+/// The constants that are outside their bounds: the refused ones, or the others.
+texts implausible(const gas_constants &fluid, std::span<const constant> constants, bool refused) {
+    texts found;
     for (const constant &entry : constants) {
         if (!equations::applies(entry, fluid.vapor))
             continue;
         const auto *const range = std::find_if(std::begin(plausible), std::end(plausible),
                                                [&](const bounds &row) { return row.value == entry.value; });
         const double value = fluid.*entry.value / entry.read_factor;
-        if (range == std::end(plausible) || (value >= range->low && value <= range->high))
+        if (range == std::end(plausible) || (value >= range->low && value <= range->high) ||
+            (range->positive && !(value > 0)) != refused)
             continue;
         const std::string_view unit = entry.unit == "-" ? std::string_view() : entry.unit;
         std::ostringstream text;
-        text << entry.name << " = " << number(value) << (unit.empty() ? "" : " ") << unit << ": " << number(range->low)
-             << " to " << number(range->high) << " would be plausible"
-             << (entry.unit == "atm" && value > range->high ? "; pressures are in atm" : "");
+        text << entry.name << " = " << number(value) << (unit.empty() ? "" : " ") << unit
+             << (refused ? " is not above 0; " : ": ") << number(range->low) << " to " << number(range->high)
+             << " would be plausible" << (entry.unit == "atm" && value > range->high ? "; pressures are in atm" : "");
         found.push_back(text.str());
     }
+    return found;
 }
 
-/// A comma ends a value, so that 591,75 is read as 591. Each constant has a record of its own.
-void check_commas(texts &found, const parameter_file &file) {
-    std::vector<std::string_view> names = {equations::molar_mass.name, "vapor"};
-    for (const std::span<const constant> group : {std::span<const constant>(equations::reference_and_critical),
+texts implausible(const gas_constants &fluid, bool refused) {
+    texts found;
+    for (const std::span<const constant> group : {std::span<const constant>(&equations::molar_mass, 1),
+                                                  std::span<const constant>(equations::reference_and_critical),
                                                   std::span<const constant>(equations::of_transport)})
-        for (const constant &entry : group)
-            if (equations::applies(entry, file.constants.vapor))
-                names.push_back(entry.name);
-    constexpr std::int64_t headings = 4;
-    std::string_view rest = file.text;
-    auto name = names.begin();
-    for (std::int64_t record = 1; !rest.empty() && name != names.end(); ++record) {
-        std::string_view line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        line.remove_prefix(std::min(line.find_first_not_of(" \t\r"), line.size()));
-        if (record <= headings || line.empty())
-            continue;
-        const std::string_view text = line.substr(0, line.find_first_of(" \t\r"));
-        const std::size_t comma = text.find(',');
-        if (comma != std::string_view::npos && comma + 1 < text.size() && text[comma + 1] >= '0' &&
-            text[comma + 1] <= '9')
-            found.push_back("record " + std::to_string(record) + " has \"" + printable(text) +
-                            "\": " + std::string(*name) + " ends at the comma; a decimal sign is a point");
-        ++name;
-    }
+        append(found, implausible(fluid, group, refused));
+    return found;
 }
 
 void check_model(texts &found, const parameter_file &file) {
@@ -89,7 +83,7 @@ void check_model(texts &found, const parameter_file &file) {
     else if (fluid.vapor && !(fluid.omega >= -0.45 && fluid.omega <= 2))
         found.push_back("the acentric factor that follows from Tb, Tc and Pc is " + number(fluid.omega) +
                         ": look at Tb, Tc and Pc, which is in atm");
-    if (thermodynamics::gas_type == gas_types::clausius_II && fluid.vapor && fluid.Zc < 0.25)
+    if (thermodynamics::gas_type == gas_types::clausius_II && fluid.vapor && fluid.Zc > 0 && fluid.Zc < 0.25)
         found.push_back("Zc < 0.25 makes the co-volume of Clausius II negative: right in the gas only");
     if (thermodynamics::gas_type == gas_types::ideal_Z && !fluid.vapor)
         found.push_back("an ideal gas with constant Z wants critical data: pressures come out Z times and heat "
@@ -131,6 +125,62 @@ void check_heat_capacity(texts &found, const ideal_specific_heat::heat_capacity 
                         " is none of the forms 1 to 5: the heat capacity is 0, and so are the ideal gas's parts of "
                         "h, s and u");
     }
+}
+
+/// A number with three digits.
+std::string rounded(double value) {
+    const double scale = std::pow(10.0, 2 - std::floor(std::log10(std::abs(value))));
+    return number(std::round(value * scale) / scale);
+}
+
+/// No molecule has a larger cv [R] than one of N atoms with all its vibrations excited, 3 N - 3. No known molecule of
+/// hydrogen or of 16 kg/kmol and more has more atoms for its mass than an alkane CnH2n+2 has, (3 (MM - 2)/14 + 2), but
+/// for diborane, whose cv is far below.
+double largest_heat_capacity(double MM) {
+    return 9 * (MM - 2) / 14 + 3;
+}
+
+/// Warns of temperatures in K that are read as multiples of T_ref. The heat capacity is initialised.
+void check_units_of_temperatures(texts &found, std::string_view name, std::span<const double> temperatures) {
+    constexpr double highest = 10000; // The lowest Tv is above 5000 K for no known fluid.
+    if (temperatures.empty())
+        return;
+    const double lowest = *std::min_element(temperatures.begin(), temperatures.end());
+    if (lowest > highest)
+        found.push_back("the lowest " + std::string(name) + " is " + rounded(lowest) +
+                        " K: with coeff_adim = T it is in units of T_ref = " + rounded(gas.T_ref) + " K");
+}
+
+/// Warns of coefficients in SI units that are read as multiples of R: cv is then larger than in any molecule at all
+/// temperatures. The heat capacity is initialised.
+void check_units_of_heat(texts &found, const ideal_specific_heat::heat_capacity &h) {
+    if (!h.coeff_adim)
+        return;
+    if (h.function_type == ideal_gas_heat::einstein)
+        check_units_of_temperatures(found, "Tv", h.Tv);
+    if (h.function_type == ideal_gas_heat::piecewise)
+        check_units_of_temperatures(found, "T_k", std::span(h.T_k).first(h.cv_0_k.size()));
+    const double reference = gas.vapor ? gas.Tc : gas.T_ref;
+    double lowest = std::numeric_limits<double>::infinity();
+    double T = 0;
+    for (const double factor : {1.0, 1.25, 1.5}) {
+        const double cv = ideal_gas_heat::cv(h, factor * reference) / gas.R;
+        if (cv == 0 || cv >= lowest) // It is 0 outside the intervals of form 4.
+            continue;
+        lowest = cv;
+        T = factor * reference;
+    }
+    const double limit = largest_heat_capacity(gas.MM);
+    if (!(std::isfinite(lowest) && lowest > limit))
+        return;
+    constexpr double joule_per_mole = equations::universal_gas_constant / 1000;
+    found.push_back("cv is " + rounded(lowest) + " R at " + number(T) + " K, but no molecule of " + number(gas.MM) +
+                    " kg/kmol has more than " + rounded(limit) +
+                    " R. coeff_adim = T means that coefficients are in units of R. In which unit they are the file "
+                    "does not tell: if in J/(kg K), cv is about " +
+                    rounded(lowest / gas.R) +
+                    " R, and F is right (with T_k and Tv in K); if in J/(mol K), it is about " +
+                    rounded(lowest / joule_per_mole) + " R, and they are to be divided by " + number(joule_per_mole));
 }
 
 bool known(std::int32_t code, std::span<const transport::model> models) {
@@ -223,15 +273,19 @@ void try_saturation(texts &found) {
 
 } // namespace
 
+std::vector<std::string> refusals(const parameter_file &file) {
+    return implausible(file.constants, true);
+}
+
 std::vector<std::string> suspicions(const parameter_file &file) {
     texts found;
     check_name(found, file.path);
-    check_constants(found, file.constants, {&equations::molar_mass, 1});
-    check_constants(found, file.constants, equations::reference_and_critical);
-    check_constants(found, file.constants, equations::of_transport);
-    check_commas(found, file);
+    append(found, implausible(file.constants, false));
+    append(found, record_warnings(file.text));
     check_model(found, file);
     check_heat_capacity(found, file.heat_capacity);
+    if (file.not_initialised.empty() && refusals(file).empty())
+        check_units_of_heat(found, ideal_specific_heat::active);
     check_transport(found, file.constants);
     check_rest(found, file);
     return found;

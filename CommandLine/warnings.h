@@ -9,6 +9,9 @@
 
 namespace command {
 
+/// The constants that are not above 0, although nothing can be computed without them.
+std::vector<std::string> refusals(const parameter_file &file);
+
 /// The warnings that follow from the contents of the file.
 std::vector<std::string> suspicions(const parameter_file &file);
 
