@@ -73,14 +73,13 @@ def scope():
     """What the constants of the fluids come from."""
     (rows, points, curves), (compared, _, compared_curves) = source_counts()
     heat = sum(heat_capacity_from_equation(TABLE[fluid]) for fluid in FLUIDS.values())
-    others = other_critical_points()
+    others = ", ".join(f"{tag} ({count})" for tag, count in other_critical_points())
     return (f"These fluids are favourable cases: the critical points and the acentric factors of {compared_curves} of "
             f"the {compared} come from reference equations of state, and the heat capacities of {heat} are fitted to "
             f"them; nothing else is fitted to them. Of the {rows} rows of `Fluids/fluids.csv`, {points} have a "
             f"critical point from a reference equation, and {curves} an acentric factor from it, too. The other "
-            f"{rows - points} critical points come from " + ", ".join(f"{tag} ({count})" for tag, count in others) + "; "
-            "[Fluids/README.md](../Fluids/README.md) explains these tags. The errors of such constants add to those on "
-            "this page.")
+            f"{rows - points} critical points come from {others}; [Fluids/README.md](../Fluids/README.md) explains "
+            "these tags. The errors of such constants add to those on this page.")
 
 
 def mean_and_largest(comparison, key, fluid, model):
