@@ -51,6 +51,10 @@ class Library:
         v_ref = 1 / (d * self._reduced(T, d)[1])
         return self._derived("_ZN14thermodynamics6c__T_vEdd", T, d) * (self.info(self._fluid, "p_crit") * v_ref) ** 0.5
 
+    def fundamental_derivative(self, T, d):
+        """Fundamental derivative of gas dynamics."""
+        return self._derived("_ZN14thermodynamics6G__T_vEdd", T, d)
+
     def vc(self):
         """Critical volume of the model [m3/kg]."""
         return 1 / self._reduced(300, 1)[1]

@@ -15,8 +15,13 @@ def rounded(text):
 
 
 def path(text):
-    """Path data without the letters of lines: a pair of coordinates without a letter is the end of a line."""
-    return re.sub(r" ?([A-Za-z]) ?", r"\1", re.sub(r"\s+L?\s*", " ", rounded(text)).strip())
+    """Path data. A line has its first point and then the steps, in tenths of a point, without letters."""
+    if re.search("[^MLz0-9. \\n-]|M.*M", text, re.S):
+        return re.sub(r"\s*([A-Za-z])\s*", r"\1", rounded(text)).strip()
+    tenths = [round(10 * float(number)) for number in re.findall(r"[-0-9.]+", text)]
+    steps = tenths[:2] + [after - before for before, after in zip(tenths, tenths[2:])]
+    written = " ".join(re.sub(r"^(-?)0\.", r"\1.", f"{step / 10:g}") for step in steps)
+    return f"m{written.replace(' -', '-')}{'z' if 'z' in text else ''}"
 
 
 def style_of(element):
@@ -43,7 +48,7 @@ def slim(text):
     elements = list(drawn(old, definitions))
     names = {entry.attrib.pop("id"): f"d{number}" for number, entry in enumerate(definitions)}
     referred = dict(zip(names, map(style_of, definitions)))
-    classes = {}
+    classes, families = {}, {}
 
     def tidy(element, style):
         element.attrib.pop("id", None)
@@ -55,6 +60,10 @@ def slim(text):
             name = element.attrib.pop(HREF)[1:]
             element.set("href", f"#{names[name]}")
             style = dict(style.items() - referred[name].items())
+        if "font" in style:  # all texts have the same family
+            weight, size, family = re.fullmatch(r"(?:(\w+) )?([\d.]+px) (.*)", style.pop("font")).groups()
+            families.setdefault(family)
+            style |= {"font-size": size} | ({"font-weight": weight} if weight else {})
         if style:
             text = ";".join(f"{key}:{value}" for key, value in sorted(style.items()))
             element.set("class", classes.setdefault(text, f"c{len(classes)}"))
@@ -71,6 +80,7 @@ def slim(text):
     new = ElementTree.Element(old.tag, {key: old.get(key) for key in ("width", "height", "viewBox")})
     style = ElementTree.SubElement(new, f"{{{SVG}}}style")
     style.text = "".join(entry.text for entry in old.iter(style.tag))
+    style.text += "".join(f"\ntext{{font-family:{family}}}" for family in families)
     style.text += "".join(f"\n.{name}{{{text}}}" for text, name in classes.items())
     ElementTree.SubElement(new, f"{{{SVG}}}defs").extend(definitions)
     for clip, group in itertools.groupby(elements, lambda element: element.attrib.pop("clip-path", "")):
