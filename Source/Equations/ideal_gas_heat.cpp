@@ -125,6 +125,19 @@ void join_intervals(heat_capacity &h) {
 
 } // namespace
 
+void count_equal_terms(heat_capacity &h) {
+    std::vector<double> different;
+    h.counts.clear();
+    for (const double Tv : h.Tv) {
+        if (different.empty() || different.back() != Tv) {
+            different.push_back(Tv);
+            h.counts.push_back(0);
+        }
+        ++h.counts.back();
+    }
+    h.Tv = different;
+}
+
 void read(records::record_reader &in, heat_capacity &h) {
     in.read({{"coeff_adim", h.coeff_adim}});
     if (!in.read({{"function_type", h.function_type}}))

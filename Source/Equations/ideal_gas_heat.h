@@ -58,6 +58,7 @@ struct heat_capacity {
     std::vector<double> phi0_k;     ///< form 4, constants that make phi continuous [J/kg]
     std::vector<double> psi0_k;     ///< form 4, constants that make psi continuous [J/(kg K)]
     std::vector<double> Tv;         ///< form 5, characteristic temperatures [K]
+    std::vector<double> counts;     ///< form 5, how often each of Tv counts; empty if each counts once, as in files
     double Rgas = 0;                ///< specific gas constant [J/(kg K)]
     double T_ref = 0;               ///< [K]
     double P_ref = 0;               ///< [Pa]
@@ -156,10 +157,14 @@ OSTREL_INLINE caloric<Real> einstein_terms(const heat_capacity &h, Real T) {
     for (std::size_t i = 0; i < h.Tv.size();) {
         const double Tv = h.Tv[i];
         double count = 0;
-        do {
-            ++count;
-            ++i;
-        } while (i < h.Tv.size() && h.Tv[i] == Tv);
+        if (h.counts.empty()) {
+            do {
+                ++count;
+                ++i;
+            } while (i < h.Tv.size() && h.Tv[i] == Tv);
+        } else {
+            count = h.counts[i++];
+        }
         const Real signed_x = Tv / T;
         const bool below_zero = real_part(signed_x) < 0;
         const Real x = below_zero ? -signed_x : signed_x;
@@ -261,6 +266,10 @@ Real psi_reduced(const heat_capacity &h, Real t) {
 /// Makes the coefficients dimensional, and sets the interval constants of form 4 and the fluid's reference heat
 /// capacities; call it once after each reading. For form 2 without critical data it reports, and sets none of them.
 void initialise(heat_capacity &h, equations::gas_constants &fluid, records::error_text &message);
+
+/// Counts characteristic temperatures that are equal and follow each other, so that they are no longer compared at each
+/// evaluation. The results keep their bits; write() must not follow.
+void count_equal_terms(heat_capacity &h);
 
 /// Reads the section of a parameter file.
 void read(records::record_reader &in, heat_capacity &h);

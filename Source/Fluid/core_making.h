@@ -52,6 +52,7 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
         why = message.trimmed();
         return nullptr;
     }
+    ideal_gas_heat::count_equal_terms(fluid.heat);
     auto made = std::make_unique<core_of<Model>>(fluid, model, Zc, wanted);
     if (wanted.translated_volume) {
         if constexpr (cubic_of_two) {

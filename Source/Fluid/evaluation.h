@@ -38,6 +38,11 @@ public:
                   1e-300 / gas_.P_ref, 0.0, wanted.states),
           transport_(gas_.vapor ? transport::published_form(fluid.transport, Zc) : fluid.transport) {
         energy_unit_ = gas_.P_ref * gas_.v_ref;
+        per_T_ = 1.0 / gas_.T_ref;
+        per_P_ = 1.0 / gas_.P_ref;
+        per_v_ = 1.0 / gas_.v_ref;
+        per_energy_ = 1.0 / energy_unit_;
+        per_R_ = 1.0 / gas_.R;
         find_safe_temperatures();
     }
 
@@ -48,6 +53,7 @@ public:
     const equations::gas_constants &gas_constants() const { return gas_; }
 
     void complete_constants() {
+        r_c_ = solver_.r_of(1.0 - solver_.offset());
         const bool critical = gas_.vapor;
         const double V_c = (1.0 - solver_.offset()) * gas_.v_ref;
         constants_.t_crit = critical ? gas_.Tc : the_nan;
@@ -65,11 +71,13 @@ public:
     int solve(std::size_t pair, bool swapped, std::size_t count, const double *first, const double *second,
               ostrel_state *states) const override {
         int result = OSTREL_OK;
-        for (std::size_t i = 0; i < count; ++i) {
-            states[i] = one_state(pair, swapped, first[i], second[i]);
-            if (result == OSTREL_OK)
-                result = states[i].status;
-        }
+        with_pair(pair, [&](auto row) {
+            for (std::size_t i = 0; i < count; ++i) {
+                states[i] = one_state<row.value>(swapped, first[i], second[i]);
+                if (result == OSTREL_OK)
+                    result = states[i].status;
+            }
+        });
         return result;
     }
     int outputs(std::span<const output> wanted, std::size_t count, const ostrel_state *states, double *values,
@@ -84,29 +92,30 @@ public:
                  const double *second, double *values, int *status) const override {
         const needs plan = needs_of(wanted);
         int result = OSTREL_OK;
-        for (std::size_t i = 0; i < count; ++i) {
-            const ostrel_state state = one_state(pair, swapped, first[i], second[i]);
-            note(one_output(plan, wanted, state, values + i * wanted.size()), i, status, result);
-        }
+        with_pair(pair, [&](auto row) {
+            for (std::size_t i = 0; i < count; ++i) {
+                const ostrel_state state = one_state<row.value>(swapped, first[i], second[i]);
+                note(one_output(plan, wanted, state, values + i * wanted.size()), i, status, result);
+            }
+        });
         return result;
     }
     int saturation(bool at_pressure, std::span<const output> wanted, std::size_t count, const double *values_in,
                    double *liquid_values, double *vapor_values, int *status) const override {
         const needs plan = needs_of(wanted);
         int result = OSTREL_OK;
-        const std::size_t pair = at_pressure ? row_of(letter::p, letter::q) : row_of(letter::t, letter::q);
         for (std::size_t i = 0; i < count; ++i) {
-            ostrel_state state = one_state(pair, false, values_in[i], 0.0);
-            int of_state = OSTREL_OK;
+            ostrel_state of_liquid;
+            ostrel_state of_vapor;
+            if (at_pressure)
+                saturated_states<row_of(letter::p, letter::q)>(values_in[i], of_liquid, of_vapor);
+            else
+                saturated_states<row_of(letter::t, letter::q)>(values_in[i], of_liquid, of_vapor);
+            int of_state = of_liquid.status;
             if (liquid_values != nullptr)
-                of_state = one_output(plan, wanted, state, liquid_values + i * wanted.size());
-            if (vapor_values != nullptr) {
-                if (state.status == OSTREL_OK)
-                    state = saturated_vapor(state);
-                of_state = one_output(plan, wanted, state, vapor_values + i * wanted.size());
-            }
-            if (liquid_values == nullptr && vapor_values == nullptr)
-                of_state = state.status;
+                of_state = one_output(plan, wanted, of_liquid, liquid_values + i * wanted.size());
+            if (vapor_values != nullptr)
+                of_state = std::max(of_state, one_output(plan, wanted, of_vapor, vapor_values + i * wanted.size()));
             note(of_state, i, status, result);
         }
         return result;
@@ -126,10 +135,10 @@ private:
             result = of_state;
     }
 
-    double critical_temperature() const { return gas_.vapor ? gas_.Tc / gas_.T_ref : 1.0; }
+    double critical_temperature() const { return gas_.vapor ? gas_.Tc * (1.0 / gas_.T_ref) : 1.0; }
     double lowest_line_temperature() const {
         double T = solver_.surface().T_line * gas_.T_ref;
-        while (T / gas_.T_ref < solver_.surface().T_line)
+        while (T * per_T_ < solver_.surface().T_line)
             T = std::nextafter(T, infinite);
         return T;
     }
@@ -155,102 +164,113 @@ private:
             return true;
         }
     }
-    double reduced(letter what, double x) const {
-        switch (what) {
-        case letter::t:
-            return x / gas_.T_ref;
-        case letter::p:
-            return x / gas_.P_ref;
-        case letter::v:
-            return x / gas_.v_ref;
-        case letter::d:
-            return 1.0 / x / gas_.v_ref;
-        case letter::h:
-        case letter::u:
-            return x / energy_unit_;
-        case letter::s:
-            return x / gas_.R;
-        default:
+    template <letter what>
+    OSTREL_INLINE double reduced(double x) const {
+        if constexpr (what == letter::t)
+            return x * per_T_;
+        else if constexpr (what == letter::p)
+            return x * per_P_;
+        else if constexpr (what == letter::v)
+            return x * per_v_;
+        else if constexpr (what == letter::d)
+            return 1.0 / x * per_v_;
+        else if constexpr (what == letter::h || what == letter::u)
+            return x * per_energy_;
+        else if constexpr (what == letter::s)
+            return x * per_R_;
+        else
             return x;
+    }
+
+    template <letter A, letter B>
+    OSTREL_INLINE solved find(double a, double b) const {
+        constexpr letter Y = B == letter::d ? letter::v : B;
+        if constexpr (A == letter::t && Y == letter::v)
+            return solver_.from_T_V(a, b);
+        else if constexpr (A == letter::t && Y == letter::q)
+            return solver_.from_T_q(a, b);
+        else if constexpr (A == letter::t)
+            return solver_.template from_T_X<Y>(a, b);
+        else if constexpr (A == letter::p && Y == letter::t)
+            return solver_.from_P_T(a, b);
+        else if constexpr (A == letter::p && Y == letter::q)
+            return solver_.from_P_q(a, b);
+        else if constexpr (A == letter::p && Y == letter::v)
+            return solver_.template from_V_X<letter::p>(b, a);
+        else if constexpr (A == letter::p)
+            return solver_.template from_P_X<Y>(a, b);
+        else if constexpr (A == letter::v || A == letter::d)
+            return solver_.template from_V_X<Y>(a, b);
+        else if constexpr (A == letter::h)
+            return solver_.template from_s_X<letter::h>(b, a);
+        else
+            return solver_.template from_s_X<letter::u>(a, b);
+    }
+
+    /// Calls use with the pair of a row as a constant.
+    template <std::size_t row = 0, class Use>
+    static void with_pair(std::size_t pair, Use use) {
+        if constexpr (row < std::size(input_pairs)) {
+            if (pair == row)
+                use(std::integral_constant<std::size_t, row>{});
+            else
+                with_pair<row + 1>(pair, use);
         }
     }
 
-    solved find(letter A, letter B, double a, double b) const {
-        const auto is = [&](letter first, letter second) { return A == first && B == second; };
-        const letter V = letter::v;
-        if (is(letter::t, V))
-            return solver_.from_T_V(a, b);
-        if (is(letter::p, letter::t))
-            return solver_.from_P_T(a, b);
-        if (is(letter::p, V))
-            return solver_.from_V_X(b, letter::p, a);
-        if (is(letter::p, letter::q))
-            return solver_.from_P_q(a, b);
-        if (is(letter::t, letter::q))
-            return solver_.from_T_q(a, b);
-        if (A == letter::p)
-            return solver_.from_P_X(a, B, b);
-        if (A == letter::t)
-            return solver_.from_T_X(a, B, b);
-        if (A == V)
-            return solver_.from_V_X(a, B, b);
-        if (A == letter::h)
-            return solver_.from_s_X(b, letter::h, a);
-        return solver_.from_s_X(a, letter::u, b);
-    }
-
-    ostrel_state one_state(std::size_t pair, bool swapped, double given_first, double given_second) const {
-        const std::uint32_t inputs = static_cast<std::uint32_t>(pair) | (swapped ? swapped_order : 0);
-        const letter A = input_pairs[pair].first;
-        const letter B = input_pairs[pair].second;
+    template <std::size_t row>
+    OSTREL_INLINE ostrel_state one_state(bool swapped, double given_first, double given_second) const {
+        constexpr letter A = input_pairs[row].first;
+        constexpr letter B = input_pairs[row].second;
+        const std::uint32_t inputs = static_cast<std::uint32_t>(row) | (swapped ? swapped_order : 0);
         const double first = swapped ? given_second : given_first;
         const double second = swapped ? given_first : given_second;
-        if (!finite(first) || !finite(second))
+        if (!(finite(first) && finite(second)))
             return failed(OSTREL_NOT_A_NUMBER, inputs, given_first, given_second);
         if (!in_range(A, first) || !in_range(B, second))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
-        const auto plain = [](letter what) { return what == letter::d ? letter::v : what; };
-        const double a = reduced(A, first);
-        const double b = reduced(B, second);
+        const double a = reduced<A>(first);
+        const double b = reduced<B>(second);
         if (!(finite(a) && finite(b)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
-        solved found;
-        if (wanted_.states == allowed_states::surface && !(A == letter::t && (B == letter::v || B == letter::d)))
+        constexpr bool of_surface = A == letter::t && (B == letter::v || B == letter::d);
+        if (!of_surface && wanted_.states == allowed_states::surface)
             return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
-        if (is_critical(A, B, first, second))
-            found = critical(B == letter::q ? b : not_a_number);
-        else
-            found = find(plain(A), plain(B), a, b);
-        if (found.status == OSTREL_OK)
+        return kept<row>(
+            is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number) : find<A, B>(a, b), inputs,
+            first, second, given_first, given_second);
+    }
+    /// A solved state in SI units, with the inputs' own bits.
+    template <std::size_t row>
+    OSTREL_INLINE ostrel_state kept(solved found, std::uint32_t inputs, double first, double second, double given_first,
+                                    double given_second) const {
+        constexpr letter A = input_pairs[row].first;
+        constexpr letter B = input_pairs[row].second;
+        if (found.status == OSTREL_OK && !(found.T >= safe_low_ && found.T <= safe_high_))
             found.status = checked(found);
         if (found.status != OSTREL_OK)
             return failed(found.status, inputs, given_first, given_second);
-        ostrel_state state = {found.T * gas_.T_ref,
-                              found.P * gas_.P_ref,
-                              found.V * gas_.v_ref,
-                              found.q,
-                              given_first,
-                              given_second,
-                              inputs,
-                              OSTREL_OK,
-                              0,
-                              0};
-        for (const auto &[what, x] : {std::pair(A, first), std::pair(B, second)}) {
-            if (what == letter::t)
-                state.t = x;
-            else if (what == letter::p)
-                state.p = x;
-            else if (what == letter::v)
-                state.v = x;
-            else if (what == letter::d)
-                state.v = 1.0 / x;
-        }
+        ostrel_state state = {found.T * gas_.T_ref, found.P * gas_.P_ref,  found.V * gas_.v_ref, found.q, given_first,
+                              given_second,         inputs,                OSTREL_OK,            0,       0};
+        keep_input<A>(state, first);
+        keep_input<B>(state, second);
         if (!(finite(state.t) && finite(state.p) && finite(state.v)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
         state.phase = phase_of(state, found.r);
         if (!(state.q >= 0))
             state.q = the_nan;
         return state;
+    }
+    template <letter what>
+    static void keep_input(ostrel_state &state, double x) {
+        if constexpr (what == letter::t)
+            state.t = x;
+        else if constexpr (what == letter::p)
+            state.p = x;
+        else if constexpr (what == letter::v)
+            state.v = x;
+        else if constexpr (what == letter::d)
+            state.v = 1.0 / x;
     }
 
     bool is_critical(letter A, letter B, double first, double second) const {
@@ -266,8 +286,6 @@ private:
 
     /// Refuses states where the heat capacity has no value or is not positive.
     int checked(const solved &found) const {
-        if (found.T >= safe_low_ && found.T <= safe_high_)
-            return OSTREL_OK;
         if (heat_.function_type == ideal_gas_heat::piecewise && !heat_.T_k.empty() &&
             found.T * gas_.T_ref <= heat_.T_k.front())
             return OSTREL_OUT_OF_RANGE;
@@ -318,24 +336,39 @@ private:
             return liquid;
         if (wanted_.states == allowed_states::metastable_vapor)
             return vapor;
-        return r > solver_.r_of(1.0 - solver_.offset()) ? liquid : vapor;
+        return r > r_c_ ? liquid : vapor;
     }
 
-    /// The saturated vapor beside a saturated liquid, which may be the critical point.
-    ostrel_state saturated_vapor(ostrel_state state) const {
-        state.q = 1.0;
-        state.phase = vapor;
-        if (state.t == gas_.Tc || state.p == gas_.Pc)
-            return state;
-        phases line;
-        if ((state.inputs & 0xff) == row_of(letter::p, letter::q)) {
-            double T = 0;
-            solver_.saturation_at_P(state.p / gas_.P_ref, T, line);
-        } else {
-            solver_.saturation_at_T(state.t / gas_.T_ref, line);
+    /// Both saturated phases from one solve, with the bits that one_state gives for the qualities 0 and 1.
+    template <std::size_t row>
+    void saturated_states(double given, ostrel_state &of_liquid, ostrel_state &of_vapor) const {
+        constexpr letter A = input_pairs[row].first;
+        const double a = reduced<A>(given);
+        of_liquid = of_vapor = failed(OSTREL_OK, row, given, 0.0);
+        of_vapor.second = 1.0;
+        if (!finite(given))
+            of_liquid.status = OSTREL_NOT_A_NUMBER;
+        else if (!in_range(A, given) || !finite(a))
+            of_liquid.status = OSTREL_OUT_OF_RANGE;
+        else if (wanted_.states == allowed_states::surface)
+            of_liquid.status = OSTREL_BAD_ARGUMENT;
+        solved l;
+        solved g;
+        if (of_liquid.status == OSTREL_OK) {
+            if (is_critical(A, letter::q, given, 0.0)) {
+                l = critical(0.0);
+                g = critical(1.0);
+            } else if constexpr (A == letter::t) {
+                solver_.both_from_T(a, l, g);
+            } else {
+                solver_.both_from_P(a, l, g);
+            }
+            of_liquid = kept<row>(l, row, given, 0.0, given, 0.0);
+            of_vapor = kept<row>(g, row, given, 1.0, given, 1.0);
         }
-        state.v = solver_.V_of(line.r_g) * gas_.v_ref;
-        return state;
+        if (of_liquid.status == OSTREL_OK)
+            of_liquid.status = of_vapor.status;
+        of_vapor.status = of_liquid.status;
     }
 
     // Outputs.
@@ -438,7 +471,7 @@ private:
             return -p.P * p.cv / p.T;
         }
     }
-    double unit(letter what) const {
+    double unit_of(letter what) const {
         switch (what) {
         case letter::t:
             return gas_.T_ref;
@@ -460,7 +493,7 @@ private:
         undefined = below == 0;
         if (below == 0 && !(at_critical && above != 0))
             return the_nan;
-        return above / below * (unit(one.X) / unit(one.Y));
+        return above / below * (unit_of(one.X) / unit_of(one.Y));
     }
 
     double T_of_saturation(double p) const {
@@ -468,11 +501,11 @@ private:
         phases line;
         if (p == gas_.Pc && solver_.line().exists() && gas_.vapor)
             return gas_.Tc;
-        return solver_.saturation_at_P(p / gas_.P_ref, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
+        return solver_.saturation_at_P(p * per_P_, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
     }
     double P_of_saturation(double t) const {
         phases line;
-        return solver_.saturation_at_T(t / gas_.T_ref, line) == OSTREL_OK ? line.P * gas_.P_ref : the_nan;
+        return solver_.saturation_at_T(t * per_T_, line) == OSTREL_OK ? line.P * gas_.P_ref : the_nan;
     }
 
     struct conductors {
@@ -491,8 +524,8 @@ private:
             std::fill(values, values + wanted.size(), the_nan);
             return state.status;
         }
-        const double T = state.t / gas_.T_ref;
-        const double V = state.v / gas_.v_ref;
+        const double T = state.t * per_T_;
+        const double V = state.v * per_v_;
         const double r = solver_.r_of(V);
         const bool mixed = state.phase == two_phase;
         const bool at_critical = gas_.vapor && state.t == gas_.Tc && state.p == gas_.Pc;
@@ -519,7 +552,7 @@ private:
         }
         p.T = T;
         p.V = V;
-        p.P = state.p / gas_.P_ref;
+        p.P = state.p * per_P_;
         const double cp = p.cv - p.T * p.P_T * p.P_T / p.P_V;
         if (plan.transport && !mixed)
             conducts = conductors_at(state.t, state.v, T, cp);
@@ -641,6 +674,12 @@ private:
     transport::parameters transport_;
     core_constants constants_{};
     double energy_unit_ = 0;
+    double per_T_ = 0; ///< 1/T_ref, and so on
+    double per_P_ = 0;
+    double per_v_ = 0;
+    double per_energy_ = 0;
+    double per_R_ = 0;
+    double r_c_ = 0; ///< r at the critical point
     double safe_low_ = 0;
     double safe_high_ = 0;
 };

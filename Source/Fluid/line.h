@@ -23,14 +23,10 @@ public:
             step_ = (of.T_c - low) / cells;
             inverse_step_ = 1.0 / step_;
             begin_ = low;
-            for (int k = 0; k <= cells; ++k) {
+            for (int k = 0; k <= cells && of.T_line < of.T_c; ++k) {
                 const double T = k == cells ? of.T_c : low + step_ * k;
-                if (T >= of.T_c || !(of.T_line < of.T_c)) {
-                    nodes_[k] = {1.0, 0, 0, 0.0};
-                    continue;
-                }
                 const phases at = of.saturated(T);
-                nodes_[k] = {at.P, at.r_l, at.r_g, std::log(at.P)};
+                nodes_[k] = {at.P, at.r_l, at.r_g, std::log(at.P), 1.0 / T, -1.0 / (at.slope * T)};
             }
             if (of.T_line < of.T_c)
                 lowest_ = of.saturated(of.T_line);
@@ -63,35 +59,14 @@ public:
 
     /// The saturation temperature, with the phases there; lowest().P <= P < 1.
     double temperature(double P, phases &at) const {
-        const double log_P = std::log(P);
         double low = of_.T_line;
         double high = of_.T_c;
-        double T = 0;
-        if (P >= nodes_[0].P) {
-            int k = 0;
-            for (int half = cells / 2; half > 0; half /= 2)
-                if (k + half <= cells && P >= nodes_[k + half].P)
-                    k += half;
-            k = std::min(k, cells - 1);
-            low = begin_ + step_ * k;
-            high = std::min(begin_ + step_ * (k + 1), of_.T_c);
-            const double part = (log_P - nodes_[k].log_P) / (nodes_[k + 1].log_P - nodes_[k].log_P);
-            T = 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
-        } else {
-            const double log_low = std::log(lowest_.P);
-            const double part = (log_P - log_low) / (nodes_[0].log_P - log_low);
-            high = begin_;
-            T = 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
-        }
-        low *= 1.0 - 1e-15;
+        double T = start(P, low, high);
         double last = infinite;
         for (int step = 0; step < 100; ++step) {
-            if (!(T > low))
-                T = low;
-            if (T >= of_.T_c)
-                T = of_.T_c * (1.0 - 1.2e-16);
-            at = of_.saturated(std::max(T, of_.T_line));
-            const double y = P > 0.5 ? (at.P - P) / P : std::log(at.P / P);
+            T = std::clamp(T, of_.T_line, of_.T_c * (1.0 - 1.2e-16));
+            at = of_.saturated(T);
+            const double y = P > 0.5 ? std::log1p((at.P - P) / P) : std::log(at.P / P);
             (y > 0 ? high : low) = T;
             // ln P is nearly linear in 1/T.
             double next = T / (1.0 + y / at.slope);
@@ -111,8 +86,25 @@ public:
         return T;
     }
 
-private:
     static constexpr int cells = 32;
+    double T_of_node(int k) const { return k == cells ? of_.T_c : begin_ + step_ * k; }
+    phases at_node(int k) const {
+        const node &n = nodes_[k];
+        return {n.P, -n.inverse_T / n.slope, n.r_l, n.r_g};
+    }
+    /// An estimate of the saturation temperature, by which cell it is in; -1 below the cells.
+    struct estimate {
+        int cell;
+        double T;
+    };
+    estimate near(double P) const {
+        if (P < nodes_[0].P)
+            return {-1, 0.0};
+        const int k = cell_of_pressure(P);
+        return {k, cubic(k, P)};
+    }
+
+private:
     // Rounding of a temperature beside a node must not give a wrong answer.
     static constexpr double below = 1.0 - 1e-13;
     static constexpr double above = 1.0 + 1e-13;
@@ -121,7 +113,39 @@ private:
         double r_l;
         double r_g;
         double log_P;
+        double inverse_T;
+        double slope; ///< of 1/T in ln P
     };
+
+    /// A temperature near the one at P, and bounds around it. Between two nodes 1/T is a cubic in ln P.
+    double start(double P, double &low, double &high) const {
+        if (P < nodes_[0].P) {
+            const double log_low = std::log(lowest_.P);
+            const double part = (std::log(P) - log_low) / (nodes_[0].log_P - log_low);
+            high = begin_;
+            low *= 1.0 - 1e-15;
+            return 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
+        }
+        const int k = cell_of_pressure(P);
+        low = 1.0 / nodes_[k].inverse_T * (1.0 - 1e-15);
+        high = std::min(1.0 / nodes_[k + 1].inverse_T * (1.0 + 1e-15), of_.T_c);
+        return cubic(k, P);
+    }
+    int cell_of_pressure(double P) const {
+        int k = 0;
+        for (int half = cells / 2; half > 0; half /= 2)
+            k += P >= nodes_[k + half].P ? half : 0;
+        return k;
+    }
+    double cubic(int k, double P) const {
+        const node &a = nodes_[k];
+        const node &b = nodes_[k + 1];
+        const double width = b.log_P - a.log_P;
+        const double x = (std::log(P) - a.log_P) / width;
+        const double y = 1.0 - x;
+        return 1.0 / (y * y * ((1.0 + 2.0 * x) * a.inverse_T + x * width * a.slope) +
+                      x * x * ((1.0 + 2.0 * y) * b.inverse_T - y * width * b.slope));
+    }
 
     int cell(double T) const {
         const double place = (T - begin_) * inverse_step_;

@@ -47,9 +47,13 @@ phases martin_hou_surface::saturated(double T) const {
     const auto k = static_cast<std::size_t>(place);
     const double rest = place - static_cast<double>(k);
     const martin_hou_isotherm at(model_, T, T_c);
-    const auto found = at.saturation(std::exp(starts_[k] + (starts_[k + 1] - starts_[k]) * rest));
-    if (!found.found)
-        return {};
+    auto found = at.saturation(std::exp(starts_[k] + (starts_[k + 1] - starts_[k]) * rest));
+    if (!found.found) {
+        if (T < T_c * (1.0 - 1e-12))
+            return {};
+        const double r_c = 1.0 / (1.0 - model_.b);
+        found = {true, 1.0, r_c, r_c};
+    }
     // dP/dT is the difference of the entropies over that of the volumes. Both are divided by r_l - r_g, so that nothing
     // cancels near the critical point.
     const auto q = model_.q<double>(T);

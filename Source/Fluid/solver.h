@@ -51,22 +51,20 @@ struct quantity_at {
     double by_T;
     double by_V;
 };
-inline quantity_at value_of(letter what, const properties &at) {
-    switch (what) {
-    case letter::p:
+template <letter what>
+OSTREL_INLINE quantity_at value_of(const properties &at) {
+    if constexpr (what == letter::p)
         return {at.P, at.P_T, at.P_V};
-    case letter::h:
+    else if constexpr (what == letter::h)
         return {at.h(), at.h_T(), at.h_V};
-    case letter::s:
+    else if constexpr (what == letter::s)
         return {at.s, at.cv / at.T, at.P_T};
-    case letter::u:
+    else
         return {at.u, at.cv, at.u_V};
-    case letter::t:
-        return {at.T, 1.0, 0.0};
-    default:
-        return {at.V, 0.0, 1.0};
-    }
 }
+/// The functions of the ideal gas that a quantity and its derivatives have.
+template <letter what>
+inline constexpr unsigned caloric_of = what == letter::p ? 0 : what == letter::s ? entropy | heat : energy | heat;
 
 /// One equation of state with everything that solving needs; immutable.
 template <class Model>
@@ -79,16 +77,18 @@ public:
            double offset, allowed_states states)
         : model_(model), ideal_(ideal), surface_(model, T_c, P_lowest), line_(surface_), offset_(offset),
           states_(states) {
-        if constexpr (Model::terms > 0)
-            critical_ = at(surface_.T_c, r_of(1.0 - offset_));
+        prepare();
     }
 
     // Only while the fluid is made: the constant that is taken from the volumes, and the zeros of energy and entropy.
-    void translate(double offset) { offset_ = offset; }
+    void translate(double offset) {
+        offset_ = offset;
+        prepare();
+    }
     void shift(double energy_zero, double entropy_zero) {
         ideal_.e_0 += energy_zero;
         ideal_.s_0 += entropy_zero;
-        critical_.s += entropy_zero;
+        prepare();
     }
 
     const surface_type &surface() const { return surface_; }
@@ -112,17 +112,32 @@ public:
     }
 
     /// The state of the surface at T and r.
-    properties at(double T, double r) const { return at(T, r, caloric_at<energy | entropy | heat>(T)); }
-    template <class Caloric>
-    OSTREL_INLINE properties at(double T, double r, const Caloric &caloric) const {
-        const double b = model_.covolume();
-        const double w = 1.0 / r;
-        const double v = b + w;
-        const double V = v - offset_;
+    properties at(double T, double r) const { return at<energy | entropy | heat>(T, r); }
+    /// Only those parts of it that the functions `these` of the ideal gas belong to; the others are 0.
+    template <unsigned these>
+    OSTREL_INLINE properties at(double T, double r) const {
+        return at<these>(T, sides_of(r), caloric_at<these>(T));
+    }
+
+    /// The half of a state that depends on the volume.
+    struct volume_half {
+        double r, v, V;
+        decltype(std::declval<Model>().f(1.0)) f;
+        double log_w;
+    };
+    OSTREL_INLINE volume_half sides_of(double r) const {
+        const double v = model_.covolume() + 1.0 / r;
+        return {r, v, v - offset_, model_.f(v), -std::log(r)};
+    }
+    template <unsigned these>
+    OSTREL_INLINE properties at(double T, const volume_half &half,
+                                const separated_attraction::ideal_part_at<these> &caloric) const {
         const auto q = model_.q(T);
-        const auto f = model_.f(v);
+        const auto &f = half.f;
+        const double r = half.r;
+        const double V = half.V;
         const double R = model_.repulsion();
-        properties p;
+        properties p{};
         p.T = T;
         p.V = V;
         double PV_T = 0;
@@ -146,23 +161,28 @@ public:
         p.P = P + R * T * r;
         p.P_T = P_T + R * r;
         p.P_V = P_V - R * T * r * r;
-        p.h_V = PV_T - R * T * (b - offset_) * r * r;
+        p.h_V = PV_T - R * T * (model_.covolume() - offset_) * r * r;
         p.u_V = u_V;
-        p.u = ideal_.e_0 + caloric.phi(T) + u;
-        p.s = ideal_.s_0 + caloric.psi(T) + s + R * std::log(w);
-        p.cv = caloric.phip(T) + cv;
+        if constexpr ((these & energy) != 0)
+            p.u = ideal_.e_0 + caloric.phi(T) + u;
+        if constexpr ((these & entropy) != 0)
+            p.s = ideal_.s_0 + caloric.psi(T) + s + R * half.log_w;
+        if constexpr ((these & heat) != 0)
+            p.cv = caloric.phip(T) + cv;
         return p;
     }
-
-    /// Of the properties only the derivatives of P.
-    properties mechanical(double T, double r) const {
-        struct nothing {
-            static double phi(double) { return 0; }
-            static double psi(double) { return 0; }
-            static double phip(double) { return 0; }
-        };
-        return at(T, r, nothing{});
+    /// P of the surface at T and v = V + offset.
+    OSTREL_INLINE double pressure_at(double T, double v) const {
+        if constexpr (surface_type::saturates) {
+            if (std::abs(T - surface_.T_c) < 0.05 * surface_.T_c && std::abs(v - 1.0) < 0.5)
+                return surface_.at(T).P(1.0 / (v - model_.covolume()));
+        }
+        return separated_attraction::state_point<Model, double>(model_, T, v).P();
     }
+    double pressure(double T, double r) const { return pressure_at(T, model_.covolume() + 1.0 / r); }
+
+    /// Of the properties only P and its derivatives.
+    OSTREL_INLINE properties mechanical(double T, double r) const { return at<0>(T, r); }
 
     /// Both phases of a mixture, and what follows from them.
     struct mixture {
@@ -172,7 +192,8 @@ public:
     };
     mixture mix(double T, const phases &line) const {
         const auto caloric = caloric_at<energy | entropy | heat>(T);
-        mixture m = {line, at(T, line.r_l, caloric), at(T, line.r_g, caloric), line.slope * line.P / T};
+        mixture m = {line, at(T, sides_of(line.r_l), caloric), at(T, sides_of(line.r_g), caloric),
+                     line.slope * line.P / T};
         m.l.P = m.g.P = line.P;
         return m;
     }
@@ -260,7 +281,7 @@ public:
             result.q = (V - V_of(line.r_l)) / (V_of(line.r_g) - V_of(line.r_l));
             return result;
         default:
-            result.P = surface_.at(T).P(r);
+            result.P = pressure_at(T, V + offset_);
             return result;
         }
     }
@@ -325,28 +346,53 @@ public:
     }
 
     solved from_T_q(double T, double q) const {
-        solved result = {OSTREL_OK, T, 0, 0, 0, q};
         phases p;
-        result.status = saturation_at_T(T, p);
-        return result.status == OSTREL_OK ? of_quality(result, p) : result;
+        const int status = saturation_at_T(T, p);
+        return status == OSTREL_OK ? of_quality(T, p, q) : none({}, status);
     }
     solved from_P_q(double P, double q) const {
-        solved result = {OSTREL_OK, 0, P, 0, 0, q};
+        double T = 0;
         phases p;
-        result.status = saturation_at_P(P, result.T, p);
-        return result.status == OSTREL_OK ? of_quality(result, p) : result;
+        const int status = saturation_at_P(P, T, p);
+        return status == OSTREL_OK ? of_quality(T, p, q) : none({}, status);
+    }
+    /// The saturated liquid and the saturated vapor.
+    void both_from_T(double T, solved &l, solved &g) const {
+        phases p;
+        const int status = saturation_at_T(T, p);
+        l = status == OSTREL_OK ? of_quality(T, p, 0.0) : none({}, status);
+        g = status == OSTREL_OK ? of_quality(T, p, 1.0) : l;
+    }
+    void both_from_P(double P, solved &l, solved &g) const {
+        double T = 0;
+        phases p;
+        const int status = saturation_at_P(P, T, p);
+        l = status == OSTREL_OK ? of_quality(T, p, 0.0) : none({}, status);
+        g = status == OSTREL_OK ? of_quality(T, p, 1.0) : l;
     }
 
     /// T and a caloric value are given.
-    solved from_T_X(double T, letter X, double x) const;
-    /// P and a caloric value, or P and V (X is v), are given.
-    solved from_P_X(double P, letter X, double x) const;
+    template <letter X>
+    solved from_T_X(double T, double x) const;
+    /// P and a caloric value are given.
+    template <letter X>
+    solved from_P_X(double P, double x) const;
     /// V and another value are given: P or a caloric one.
-    solved from_V_X(double V, letter X, double x) const;
+    template <letter X>
+    solved from_V_X(double V, double x) const;
     /// The entropy and another caloric value are given.
-    solved from_s_X(double s, letter X, double x) const;
+    template <letter X>
+    solved from_s_X(double s, double x) const;
 
 private:
+    void prepare() {
+        make_caloric_nodes();
+        if constexpr (surface_type::saturates) {
+            critical_ = at(surface_.T_c, r_of(1.0 - offset_));
+            if (line_.exists())
+                make_nodes();
+        }
+    }
     static solved none(solved result, int status = OSTREL_NO_STATE) {
         result.status = status;
         return result;
@@ -362,20 +408,18 @@ private:
     }
     /// Whether P is that of the densest state, but for rounding.
     static bool P_reaches(double P, const isotherm &i) { return P <= i.P(i.top()) * (1.0 + 1e-14); }
-    solved of_quality(solved result, const phases &p) const {
-        result.P = result.P > 0 ? result.P : p.P;
+    solved of_quality(double T, const phases &p, double q) const {
         const double V_l = V_of(p.r_l);
         const double V_g = V_of(p.r_g);
-        result.V = result.q == 0 ? V_l : result.q == 1 ? V_g : V_l + result.q * (V_g - V_l);
-        result.r = result.q == 0 ? p.r_l : result.q == 1 ? p.r_g : r_of(result.V);
-        return result;
+        const double V = q == 0 ? V_l : q == 1 ? V_g : V_l + q * (V_g - V_l);
+        return {OSTREL_OK, T, p.P, V, q == 0 ? p.r_l : q == 1 ? p.r_g : r_of(V), q};
     }
     solved of_mixture(double T, const mixture &m, double q) const {
         solved result = {OSTREL_OK, T, m.line.P, m.l.V + q * (m.g.V - m.l.V), 0, q};
         result.r = r_of(result.V);
         return result;
     }
-    solved of_single(const properties &p, double r) const { return {OSTREL_OK, p.T, p.P, p.V, r, not_a_number}; }
+    solved of_single(double T, double P, double r) const { return {OSTREL_OK, T, P, V_of(r), r, not_a_number}; }
 
     struct point {
         double T;
@@ -383,62 +427,42 @@ private:
         bool converged;
     };
     /// Newton's method in T and ln r for two quantities of one phase.
-    template <unsigned these>
-    point newton(letter X, double x, letter Y, double y, double T, double r, int steps = 30) const {
+    template <letter X, letter Y>
+    point newton(double x, double y, double T, double r, int steps = 30) const {
         double last = infinite;
         for (int step = 0; step < steps; ++step) {
-            const properties p = at_with<these>(T, r);
-            const quantity_at a = value_of(X, p);
-            const quantity_at b = value_of(Y, p);
-            const double det = a.by_T * b.by_V - a.by_V * b.by_T;
+            const properties p = at<caloric_of<X> | caloric_of<Y>>(T, r);
+            const quantity_at a = value_of<X>(p);
+            const quantity_at b = value_of<Y>(p);
+            const double inverse = 1.0 / (a.by_T * b.by_V - a.by_V * b.by_T);
             const double da = x - a.value;
             const double db = y - b.value;
-            double dT = (da * b.by_V - a.by_V * db) / det;
-            double dV = (a.by_T * db - b.by_T * da) / det;
-            double dlog = -dV * r; // d ln r = -r dV
+            const double dT = (da * b.by_V - a.by_V * db) * inverse;
+            const double dlog = -(a.by_T * db - b.by_T * da) * inverse * r; // d ln r = -r dV
             if (!(std::abs(dT) < infinite) || !(std::abs(dlog) < infinite))
                 return {T, r, false};
-            // The step of P at constant T is nearly linear in ln r for a gas and in r for a liquid.
             const double size = std::max(std::abs(dT) / T, std::abs(dlog));
-            double fraction = 1.0;
-            if (dT < -0.5 * T)
-                fraction = -0.5 * T / dT;
-            if (dT > T)
-                fraction = T / dT;
-            if (std::abs(dlog) > 1.0)
-                fraction = std::min(fraction, 1.0 / std::abs(dlog));
-            T += fraction * dT;
-            r *= std::abs(dlog) < 0.2 ? 1.0 / (1.0 - fraction * dlog) : std::exp(fraction * dlog);
-            if (size <= 2e-16 || (size < 1e-9 && size >= 0.25 * last))
-                return {T, r, true};
-            if (fraction == 1.0 && size < 1e-6 && last < 1e-2 && size < last * 1e-2 && size * size < 1e-17)
-                return {T, r, true};
+            if (size < 0.2) {
+                T += dT;
+                r /= 1.0 - dlog; // V, in which a gas and a liquid are simple, changes by its own step
+                if (size < 3e-9 || (size < 1e-6 && size >= 0.25 * last))
+                    // The next step would be the square of this one, or is only rounding.
+                    if (size < 1e-12 || last < 1e-3 || size >= 0.25 * last)
+                        return {T, r, true};
+            } else {
+                double fraction = 1.0;
+                if (dT < -0.5 * T)
+                    fraction = -0.5 * T / dT;
+                if (dT > T)
+                    fraction = T / dT;
+                if (std::abs(dlog) > 1.0)
+                    fraction = std::min(fraction, 1.0 / std::abs(dlog));
+                T += fraction * dT;
+                r *= std::exp(fraction * dlog);
+            }
             last = size;
         }
         return {T, r, last < 1e-10};
-    }
-    template <unsigned these>
-    properties at_with(double T, double r) const {
-        return at(T, r, wanted_caloric<these>{caloric_at<these | heat>(T)});
-    }
-    /// An ideal part that answers 0 for the functions that nobody wants.
-    template <unsigned these>
-    struct wanted_caloric {
-        separated_attraction::ideal_part_at<these | heat> of;
-        double phi(double T) const {
-            if constexpr ((these & energy) != 0)
-                return of.phi(T);
-            return 0;
-        }
-        double psi(double T) const {
-            if constexpr ((these & entropy) != 0)
-                return of.psi(T);
-            return 0;
-        }
-        double phip(double T) const { return of.phip(T); }
-    };
-    point newton_for(letter X, double x, letter Y, double y, double T, double r, int steps = 30) const {
-        return newton<energy | entropy>(X, x, Y, y, T, r, steps);
     }
 
     /// A root of f within a bracket at whose ends it has different signs; f(x) is {value, slope}.
@@ -459,6 +483,9 @@ private:
             }
             if (next == x || next <= low || next >= high || std::abs(next - x) <= tolerance * std::abs(x))
                 return next;
+            // Where Newton's method converges, the error after a step is about its square.
+            if (change < 3e-9 * std::abs(x) && change < 1e-2 * last && last < infinite)
+                return next;
             last = change;
             x = next;
         }
@@ -470,17 +497,21 @@ private:
         double slope;
     };
 
-    /// r at P on the branch that this search is about.
-    enum class branch { gas, liquid, any };
-    double r_at(const isotherm &i, double P, branch on) const {
-        return on == branch::gas ? i.gas(P) : on == branch::liquid ? i.liquid(P) : i.single(P);
-    }
-    solved along_isobar(double P, letter X, double x, branch below_critical, double T_low, double T_high,
-                        double start) const;
-    solved on_isotherm(double T, letter X, double x, double r_low, double r_high, bool first_of_several) const;
-    solved finish(letter X, double x, letter Y, double y, const solved &rough) const;
+    enum class branch { gas, liquid };
+    template <letter X>
+    solved along_isobar(double P, double x, branch below_critical, double T_low, double T_high, double start) const;
+    template <letter X>
+    solved isobar_search(double P, double x, branch below_critical, double T_low, double T_high, double start) const;
+    template <letter X>
+    solved on_isotherm(double T, double x, double r_low, double r_high, bool first_of_several) const;
+    template <letter X, letter Y>
+    solved finish(double x, double y, const solved &rough) const;
     bool is_state(double T, double r) const {
-        return T > 0 && r > 0 && r < infinite && where(T, r) == place::single && surface_.at(T).slope(r) > 0;
+        return T > 0 && r > 0 && r < infinite && where(T, r) == place::single && mechanical(T, r).P_V < 0;
+    }
+    /// Whether a gas below the end of a saturation line, which only counts if there is no other state.
+    bool behind_line(double T) const {
+        return states_ == allowed_states::stable && surface_.line_ends && T < surface_.T_line;
     }
     /// The equilibrium along an isochore: X and its slope in T. Nothing outside the surface.
     struct on_isochore {
@@ -489,11 +520,139 @@ private:
         double value = 0;
         double slope = 0;
         double q = 0;
-        phases line;
         mixture m;
     };
-    on_isochore equilibrium(letter X, double T, double V, double r) const;
-    solved isochore_search(double V, letter X, double x, double T_low, double T_high) const;
+    template <letter X>
+    on_isochore equilibrium(double T, double V, double r) const;
+    template <letter X>
+    solved isochore_search(double V, double x, double T_low, double T_high, double start) const;
+
+    /// The saturated phases at the nodes of the line, for starts.
+    struct saturated_node {
+        double T, P, V_l, V_g, u_l, u_g, s_l, s_g;
+
+        template <letter X>
+        double liquid() const {
+            return X == letter::p ? P : X == letter::s ? s_l : X == letter::u ? u_l : u_l + P * V_l;
+        }
+        template <letter X>
+        double vapor() const {
+            return X == letter::p ? P : X == letter::s ? s_g : X == letter::u ? u_g : u_g + P * V_g;
+        }
+        template <letter X>
+        double mixture(double q) const {
+            return liquid<X>() + q * (vapor<X>() - liquid<X>());
+        }
+    };
+    static constexpr int cells = saturation_line<surface_type>::cells;
+    void make_nodes() {
+        for (int k = 0; k <= cells; ++k) {
+            const phases line = line_.at_node(k);
+            const double T = line_.T_of_node(k);
+            const mixture m = mix(T, line);
+            nodes_[static_cast<std::size_t>(k)] = {T, line.P, m.l.V, m.g.V, m.l.u, m.g.u, m.l.s, m.g.s};
+        }
+    }
+    const saturated_node &node(int k) const { return nodes_[static_cast<std::size_t>(k)]; }
+    /// The last node whose dome holds V; -1 if there is none.
+    int last_node_around(double V) const {
+        if (!line_.exists() || !(node(0).V_l < V && V < node(0).V_g))
+            return -1;
+        int k = 0;
+        for (int half = cells / 2; half > 0; half /= 2)
+            k += node(k + half).V_l < V && V < node(k + half).V_g ? half : 0;
+        return k;
+    }
+
+    /// The temperature at which the liquid has about a value, by the saturated liquid at the nodes.
+    template <letter X>
+    double liquid_start(int cell, double x) const {
+        while (cell > 0 && x < node(cell).template liquid<X>())
+            --cell;
+        const saturated_node &a = node(cell);
+        const saturated_node &b = node(cell + 1);
+        const double slope = (b.T - a.T) / (b.template liquid<X>() - a.template liquid<X>());
+        return std::max(a.T + (x - a.template liquid<X>()) * slope, 0.5 * a.T);
+    }
+    /// The temperature at which the gas has about the given excess over the saturated vapor: half of the vapor's
+    /// departure from the ideal gas is taken to be gone.
+    template <letter X>
+    double gas_start(const saturated_node &vapor, double T, double excess) const {
+        const auto caloric = caloric_at<caloric_of<X>>(T);
+        if constexpr (X == letter::s) {
+            // along an isobar s of the ideal gas is psi + ln T, which the nodes do not have; one step with its slope
+            const double cp = caloric.phip(T) + 1.0;
+            return T * std::exp(std::min(excess / cp, 2.0));
+        } else if constexpr (X == letter::h) {
+            const double departure = vapor.u_g + vapor.P * vapor.V_g - ideal_.e_0 - caloric.phi(vapor.T) - vapor.T;
+            return ideal_temperature<letter::h>(caloric.phi(T) + T + excess + 0.5 * std::min(departure, 0.0));
+        } else {
+            return ideal_temperature<letter::u>(caloric.phi(T) + excess);
+        }
+    }
+
+    /// The temperature on an isochore at which X has about the value x: from the ideal gas's part, while the attraction's
+    /// part is taken at the temperature found before.
+    template <letter X>
+    double isochore_start(const volume_half &half, double x) const {
+        double T = surface_.T_c;
+        for (int step = 0; step < 2; ++step) {
+            const auto q = model_.q(T);
+            double sum = 0;
+            separated_attraction::for_each_index<Model::terms>([&](std::size_t i) {
+                if constexpr (X == letter::s)
+                    sum += q[i][1] * half.f[i][0];
+                else
+                    sum += (T * q[i][1] - q[i][0]) * half.f[i][0];
+                if constexpr (X == letter::h)
+                    sum += half.V * q[i][0] * half.f[i][1];
+            });
+            if constexpr (X == letter::s)
+                sum += ideal_.s_0 + model_.repulsion() * half.log_w;
+            else
+                sum += ideal_.e_0;
+            if constexpr (X == letter::h)
+                sum += model_.repulsion() * T * (half.V * half.r - 1.0); // the table has phi + T
+            T = ideal_temperature<X>(x - sum);
+        }
+        return T;
+    }
+
+    /// The inverse of the ideal gas's energy and entropy, for starts.
+    static constexpr int temperatures = 24;
+    struct caloric_node {
+        double T, phi, psi, cv;
+    };
+    void make_caloric_nodes() {
+        for (int k = 0; k <= temperatures; ++k) {
+            const double T = surface_.T_c * 0.25 * std::exp2(k * (4.5 / temperatures));
+            const auto caloric = caloric_at<energy | entropy | heat>(T);
+            caloric_nodes_[static_cast<std::size_t>(k)] = {T, caloric.phi(T), caloric.psi(T), caloric.phip(T)};
+        }
+    }
+    /// T at which phi + factor T (a constant P V of a gas), or psi, has a value: cubic between nodes.
+    template <letter X>
+    double ideal_temperature(double value) const {
+        const auto y = [](const caloric_node &n) {
+            return X == letter::s ? n.psi : X == letter::u ? n.phi : n.phi + n.T;
+        };
+        std::size_t k = 0;
+        for (std::size_t half = 16; half > 0; half /= 2)
+            if (k + half < temperatures && value >= y(caloric_nodes_[k + half]))
+                k += half;
+        const caloric_node &a = caloric_nodes_[k];
+        const caloric_node &b = caloric_nodes_[k + 1];
+        const double width = y(b) - y(a);
+        const double x = std::clamp((value - y(a)) / width, -1.0, 2.0);
+        // dT/dy, for the entropy times 1/T of the exponential below
+        const auto slope = [&](const caloric_node &n) {
+            return X == letter::s ? n.T / n.cv : X == letter::u ? 1.0 / n.cv : 1.0 / (n.cv + 1.0);
+        };
+        const double z = 1.0 - x;
+        const double T = z * z * ((1.0 + 2.0 * x) * a.T + x * width * slope(a)) +
+                         x * x * ((1.0 + 2.0 * z) * b.T - z * width * slope(b));
+        return T > 0.5 * a.T && T < 2.0 * b.T ? T : a.T;
+    }
 
     Model model_;
     separated_attraction::ideal_part ideal_;
@@ -502,6 +661,8 @@ private:
     double offset_;
     allowed_states states_;
     properties critical_{};
+    std::array<saturated_node, cells + 1> nodes_{};
+    std::array<caloric_node, temperatures + 1> caloric_nodes_{};
 };
 
 } // namespace fluid

@@ -8,33 +8,31 @@ namespace fluid {
 
 /// The last digits of a single phase that was found roughly. The rough state stays where Newton's method leaves it.
 template <class Model>
-solved solver<Model>::finish(letter X, double x, letter Y, double y, const solved &rough) const {
-    const point end = newton_for(X, x, Y, y, rough.T, rough.r, 8);
+template <letter X, letter Y>
+solved solver<Model>::finish(double x, double y, const solved &rough) const {
+    const point end = newton<X, Y>(x, y, rough.T, rough.r, 8);
     const bool near = std::abs(end.T - rough.T) < 1e-3 * rough.T && std::abs(end.r - rough.r) < 1e-2 * rough.r;
     if (!near || !is_state(end.T, end.r))
         return rough;
-    solved result = of_single(at(end.T, end.r), end.r);
-    return result;
+    return of_single(end.T, pressure(end.T, end.r), end.r);
 }
 
 // Given T.
 
 template <class Model>
-solved solver<Model>::on_isotherm(double T, letter X, double x, double r_low, double r_high,
-                                  bool first_of_several) const {
-    const auto caloric = caloric_at<energy | entropy | heat>(T);
+template <letter X>
+solved solver<Model>::on_isotherm(double T, double x, double r_low, double r_high, bool first_of_several) const {
+    const auto caloric = caloric_at<caloric_of<X>>(T);
     const auto f = [&](double log_r) {
         const double r = std::exp(log_r);
-        const quantity_at a = value_of(X, at(T, r, caloric));
+        const quantity_at a = value_of<X>(at(T, sides_of(r), caloric));
         return value_and_slope{a.value - x, -a.by_V / r};
     };
     const double low = r_low > 0 ? std::log(r_low) : -690.0;
     const double high = std::log(std::min(r_high, 1e8));
     const auto result = [&](double log_r) {
         const double r = std::exp(log_r);
-        solved found = of_single(at(T, r, caloric), r);
-        found.P = surface_.at(T).P(r);
-        return found;
+        return of_single(T, pressure(T, r), r);
     };
     const auto close = [&](double place) { // at an end, which rounding may have moved
         const auto [value, slope] = f(place);
@@ -43,6 +41,7 @@ solved solver<Model>::on_isotherm(double T, letter X, double x, double r_low, do
     const auto search = [&](double a, double b, double start) {
         return bracketed(a, b, start, f(b).value > 0, f, 2e-16);
     };
+    constexpr double dilute = -37.0; // so dilute that nothing distinguishes the gas from the ideal gas
     if (!first_of_several) {
         const double f_low = f(low).value;
         const double f_high = f(high).value;
@@ -58,12 +57,12 @@ solved solver<Model>::on_isotherm(double T, letter X, double x, double r_low, do
             return result(high);
         if (r_low > 0 && close(low))
             return result(low);
-        if (X == letter::u && close(-37.0)) // a gas so dilute that nothing distinguishes it from the ideal gas
-            return result(-37.0);
+        if (X == letter::u && close(dilute))
+            return result(dilute);
         return none({OSTREL_NO_STATE, T});
     }
     constexpr int intervals = 96;
-    const double begin = r_low > 0 ? low : std::min(high - 1.0, -37.0);
+    const double begin = r_low > 0 ? low : std::min(high - 1.0, dilute);
     double a = begin;
     value_and_slope at_a = f(a);
     if (r_low == 0 && at_a.value == 0)
@@ -93,50 +92,82 @@ solved solver<Model>::on_isotherm(double T, letter X, double x, double r_low, do
     }
     if (close(high))
         return result(high);
-    if (close(begin)) // also a gas so dilute that nothing distinguishes it from the ideal gas
+    if (close(begin))
         return result(begin);
     return none({OSTREL_NO_STATE, T});
 }
 
 template <class Model>
-solved solver<Model>::from_T_X(double T, letter X, double x) const {
+template <letter X>
+solved solver<Model>::from_T_X(double T, double x) const {
     if constexpr (!surface_type::saturates) {
         if (X != letter::s)
             return none({OSTREL_NO_STATE, T});
-        return on_isotherm(T, X, x, 0.0, infinite, false);
+        return on_isotherm<X>(T, x, 0.0, infinite, false);
     } else {
         const isotherm i = surface_.at(T);
         const bool several = X == letter::h || T > 3.0 * surface_.T_c;
         if (T >= surface_.T_c || states_ == allowed_states::surface)
-            return on_isotherm(T, X, x, 0.0, i.top(), several);
+            return on_isotherm<X>(T, x, 0.0, i.top(), several);
         if (states_ == allowed_states::metastable_vapor)
-            return on_isotherm(T, X, x, 0.0, i.gas_end(), false);
+            return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
         if (states_ == allowed_states::metastable_liquid)
-            return on_isotherm(T, X, x, i.liquid_end(), i.top(), X == letter::h);
+            return on_isotherm<X>(T, x, i.liquid_end(), i.top(), X == letter::h);
         if (T < surface_.T_line || !line_.exists()) {
             if (surface_.line_ends || !line_.exists())
-                return on_isotherm(T, X, x, 0.0, i.gas_end(), false);
-            return on_isotherm(T, X, x, i.liquid(0.0), i.top(), X == letter::h);
+                return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
+            return on_isotherm<X>(T, x, i.liquid(0.0), i.top(), X == letter::h);
         }
         const mixture m = mix(T, surface_.saturated(T));
-        const double X_l = value_of(X, m.l).value;
-        const double X_g = value_of(X, m.g).value;
+        const double X_l = value_of<X>(m.l).value;
+        const double X_g = value_of<X>(m.g).value;
         if (x >= X_l && x <= X_g)
             return of_mixture(T, m, (x - X_l) / (X_g - X_l));
         if (x > X_g) {
-            const solved gas = on_isotherm(T, X, x, 0.0, m.line.r_g, false);
-            if (gas.status == OSTREL_OK || X != letter::h)
-                return gas;
+            const solved found = on_isotherm<X>(T, x, 0.0, m.line.r_g, false);
+            if (found.status == OSTREL_OK || X != letter::h)
+                return found;
         }
-        return on_isotherm(T, X, x, m.line.r_l, i.top(), X == letter::h);
+        return on_isotherm<X>(T, x, m.line.r_l, i.top(), X == letter::h);
     }
 }
 
 // Given P.
 
+/// A single phase by Newton's method from `start`, and if that is not the wanted branch by a search.
 template <class Model>
-solved solver<Model>::along_isobar(double P, letter X, double x, branch below_critical, double T_low, double T_high,
+template <letter X>
+solved solver<Model>::along_isobar(double P, double x, branch below_critical, double T_low, double T_high,
                                    double start) const {
+    const double T_c = surface_.T_c;
+    const isotherm i = surface_.at(start);
+    const double r = !surface_type::saturates || start >= T_c ? i.single(P)
+                     : below_critical == branch::gas          ? i.gas(P)
+                                                              : i.liquid(P);
+    if (r > 0 && r < i.top()) {
+        const point end = newton<letter::p, X>(P, x, start, r);
+        if (end.converged && end.T >= T_low * (1.0 - 1e-13) && end.T <= T_high * (1.0 + 1e-13)) {
+            bool wanted = true;
+            if constexpr (surface_type::saturates) {
+                if (end.T < T_c) {
+                    const isotherm there = surface_.at(end.T);
+                    wanted = there.beside_gas(end.r) == (below_critical == branch::gas) && there.slope(end.r) > 0 &&
+                             end.r < there.top();
+                } else {
+                    wanted = end.r < surface_.at(end.T).top();
+                }
+            }
+            if (wanted)
+                return of_single(end.T, P, end.r);
+        }
+    }
+    return isobar_search<X>(P, x, below_critical, T_low, T_high, start);
+}
+
+template <class Model>
+template <letter X>
+solved solver<Model>::isobar_search(double P, double x, branch below_critical, double T_low, double T_high,
+                                    double start) const {
     const double T_c = surface_.T_c;
     // r at T on the branch; 0 if the branch does not reach this temperature, -1 if it ends at lower pressures.
     const auto r_there = [&](double T) {
@@ -150,31 +181,18 @@ solved solver<Model>::along_isobar(double P, letter X, double x, branch below_cr
             r = P >= i.P(i.liquid_end()) ? i.liquid(P) : 0.0;
         return r < i.top() ? r : -1.0;
     };
-    const auto acceptable = [&](double T, double r) {
-        if (!(T >= T_low * (1.0 - 1e-13)) || !(T <= T_high * (1.0 + 1e-13)) || !is_state(T, r))
-            return false;
-        return T >= T_c || surface_.at(T).beside_gas(r) == (below_critical == branch::gas);
-    };
-    double r = r_there(start);
-    if (r > 0) {
-        const point end = newton_for(letter::p, P, X, x, start, r);
-        if (end.converged && acceptable(end.T, end.r)) {
-            solved result = of_single(at(end.T, end.r), end.r);
-            result.P = P;
-            return result;
-        }
-    }
-    // The search in T. Where a branch is not there, T is too low for a gas and too high for a liquid; where the liquid
-    // would be too dense, T is too low.
+    // Where a branch is not there, T is too low for a gas and too high for a liquid; where the liquid would be too
+    // dense, T is too low.
     const bool too_low_if_missing = below_critical == branch::gas || !surface_type::saturates;
     const auto f = [&](double T) {
-        const double r_T = r_there(T);
-        if (!(r_T > 0))
-            return value_and_slope{too_low_if_missing || r_T < 0 ? -infinite : infinite, 1.0};
-        const properties p = at(T, r_T);
-        const quantity_at a = value_of(X, p);
+        const double r = r_there(T);
+        if (!(r > 0))
+            return value_and_slope{too_low_if_missing || r < 0 ? -infinite : infinite, 1.0};
+        const properties p = at(T, r);
+        const quantity_at a = value_of<X>(p);
         return value_and_slope{a.value - x, a.by_T - a.by_V * p.P_T / p.P_V};
     };
+    const solved failure = {OSTREL_NO_STATE, 0, P};
     double low = T_low;
     double high = T_high;
     if (high == infinite) {
@@ -183,7 +201,7 @@ solved solver<Model>::along_isobar(double P, letter X, double x, branch below_cr
             low = high;
             high *= 1.6;
             if (!(high < 1e7 * T_c))
-                return none({OSTREL_NO_STATE, 0, P});
+                return failure;
         }
     }
     if (low == 0) {
@@ -192,77 +210,110 @@ solved solver<Model>::along_isobar(double P, letter X, double x, branch below_cr
             high = std::min(high, low);
             low *= 0.7;
             if (!(low > 1e-6 * T_c))
-                return none({OSTREL_NO_STATE, 0, P});
+                return failure;
         }
     }
     const double T = bracketed(low, high, start, true, f);
-    r = r_there(T);
+    const double r = r_there(T);
     if (!(r > 0))
-        return none({OSTREL_NO_STATE, 0, P});
-    const properties p = at(T, r);
+        return failure;
     const auto [value, slope] = f(T);
     if (!(std::abs(value) <= 1e-6 * (std::abs(slope) * T + std::abs(x))))
-        return none({OSTREL_NO_STATE, 0, P});
-    solved result = finish(letter::p, P, X, x, of_single(p, r));
+        return failure;
+    solved result = finish<letter::p, X>(P, x, of_single(T, P, r));
     result.P = P;
     return result;
 }
 
 template <class Model>
-solved solver<Model>::from_P_X(double P, letter X, double x) const {
+template <letter X>
+solved solver<Model>::from_P_X(double P, double x) const {
     const double T_c = surface_.T_c;
-    if (!surface_type::saturates)
-        return along_isobar(P, X, x, branch::gas, 0.0, infinite, T_c);
-    const auto from_critical = [&] { // a step along the isobar from a temperature near the critical one
-        const double T = 1.02 * T_c;
-        const isotherm i = surface_.at(T);
-        const double r = i.single(P);
-        if (!(r < i.top()))
-            return T_c;
-        const properties p = at(T, r);
-        const quantity_at a = value_of(X, p);
-        const double slope = a.by_T - a.by_V * p.P_T / p.P_V;
-        return std::clamp(T + (x - a.value) / slope, 0.4 * T_c, 6.0 * T_c);
-    };
-    if (states_ == allowed_states::metastable_vapor)
-        return along_isobar(P, X, x, branch::gas, 0.0, infinite, from_critical());
-    if (states_ == allowed_states::metastable_liquid) {
+    if constexpr (!surface_type::saturates)
+        return along_isobar<X>(P, x, branch::gas, 0.0, infinite, T_c);
+    else {
+        // A step along the isobar from a temperature.
+        const auto step_from = [&](double T, branch on) {
+            const isotherm i = surface_.at(T);
+            const double r = T >= T_c ? i.single(P) : on == branch::gas ? i.gas(P) : i.liquid(P);
+            if (!(r < i.top()))
+                return T;
+            const properties p = at<caloric_of<X>>(T, r);
+            const quantity_at a = value_of<X>(p);
+            return T + (x - a.value) / (a.by_T - a.by_V * p.P_T / p.P_V);
+        };
+        const auto from_critical = [&] { return std::clamp(step_from(1.02 * T_c, branch::gas), 0.4 * T_c, 6.0 * T_c); };
+        if (states_ == allowed_states::metastable_vapor)
+            return along_isobar<X>(P, x, branch::gas, 0.0, infinite, from_critical());
+        if (states_ == allowed_states::metastable_liquid) {
+            if (P >= 1.0)
+                return along_isobar<X>(P, x, branch::liquid, 0.0, infinite, from_critical());
+            const solved found = along_isobar<X>(P, x, branch::liquid, 0.0, T_c * (1.0 - 1e-15), 0.8 * T_c);
+            return found.status == OSTREL_OK ? found
+                                             : along_isobar<X>(P, x, branch::gas, T_c, infinite, 1.2 * T_c);
+        }
+        const double lowest = surface_.line_ends ? surface_.T_line : 0.0;
         if (P >= 1.0)
-            return along_isobar(P, X, x, branch::liquid, 0.0, infinite, from_critical());
-        const solved liquid = along_isobar(P, X, x, branch::liquid, 0.0, T_c * (1.0 - 1e-15), 0.8 * T_c);
-        return liquid.status == OSTREL_OK ? liquid : along_isobar(P, X, x, branch::gas, T_c, infinite, 1.2 * T_c);
+            return along_isobar<X>(P, x, branch::liquid, lowest, infinite, from_critical());
+        if (!line_.exists() || P < line_.lowest().P)
+            return along_isobar<X>(P, x, branch::gas, 0.0, infinite, T_c);
+        // A look at the nodes of the line, between which the saturated phases at P are about a straight line.
+        const auto [cell, T_near] = line_.near(P);
+        if (cell >= 0 && cell + 1 < cells) {
+            const saturated_node &a = node(cell);
+            const saturated_node &b = node(cell + 1);
+            const double part = (T_near - a.T) / (b.T - a.T);
+            const double X_l = a.template liquid<X>() + part * (b.template liquid<X>() - a.template liquid<X>());
+            const double X_g = a.template vapor<X>() + part * (b.template vapor<X>() - a.template vapor<X>());
+            const double margin = 0.02 * (X_g - X_l);
+            const bool is_gas = x > X_g + margin;
+            if (is_gas || x < X_l - margin) {
+                double start = 0;
+                if (is_gas) {
+                    start = std::max(T_near * (1.0 + 1e-3), gas_start<X>(a, T_near, x - X_g));
+                } else {
+                    start = std::min(T_near * (1.0 - 1e-3), liquid_start<X>(cell, x));
+                }
+                const isotherm i = surface_.at(start);
+                const double r = start >= T_c ? i.single(P) : is_gas ? i.gas(P) : i.liquid(P);
+                if (r > 0 && r < i.top()) {
+                    const point end = newton<letter::p, X>(P, x, start, r, 12);
+                    // A stable state with these values is the only one.
+                    if (end.converged && end.T > 0 && (is_gas ? end.T > b.T : end.T < a.T && end.T >= lowest)) {
+                        if (end.T >= T_c)
+                            return of_single(end.T, P, end.r);
+                        const isotherm there = surface_.at(end.T);
+                        if (there.beside_gas(end.r) == is_gas && there.slope(end.r) > 0 && end.r < there.top())
+                            return of_single(end.T, P, end.r);
+                    }
+                }
+            }
+        }
+        phases line;
+        const double T_s = line_.temperature(P, line);
+        line.P = P;
+        const mixture m = mix(T_s, line);
+        const quantity_at l = value_of<X>(m.l);
+        const quantity_at g = value_of<X>(m.g);
+        if (x >= l.value && x <= g.value) {
+            solved result = of_mixture(T_s, m, (x - l.value) / (g.value - l.value));
+            result.P = P;
+            return result;
+        }
+        const auto step = [&](const properties &phase, const quantity_at &a) {
+            return T_s + (x - a.value) / (a.by_T - a.by_V * phase.P_T / phase.P_V);
+        };
+        if (x > g.value)
+            return along_isobar<X>(P, x, branch::gas, T_s, infinite, std::min(step(m.g, g), 3.0 * T_c));
+        return along_isobar<X>(P, x, branch::liquid, lowest, T_s, std::max({step(m.l, l), lowest, 0.3 * T_s}));
     }
-    if (P >= 1.0)
-        return along_isobar(P, X, x, branch::liquid, surface_.line_ends ? surface_.T_line : 0.0, infinite,
-                            from_critical());
-    if (!line_.exists() || P < line_.lowest().P)
-        return along_isobar(P, X, x, branch::gas, 0.0, infinite, T_c);
-    phases line;
-    const double T_s = line_.temperature(P, line);
-    line.P = P;
-    const mixture m = mix(T_s, line);
-    const double X_l = value_of(X, m.l).value;
-    const double X_g = value_of(X, m.g).value;
-    if (x >= X_l && x <= X_g) {
-        solved result = of_mixture(T_s, m, (x - X_l) / (X_g - X_l));
-        result.P = P;
-        return result;
-    }
-    // One step from the saturated phase.
-    const auto step_from = [&](const properties &phase, double X_phase) {
-        const quantity_at a = value_of(X, phase);
-        return T_s + (x - X_phase) / (a.by_T - a.by_V * phase.P_T / phase.P_V);
-    };
-    if (x > X_g)
-        return along_isobar(P, X, x, branch::gas, T_s, infinite, std::min(step_from(m.g, X_g), 3.0 * T_c));
-    const double lowest = surface_.line_ends ? surface_.T_line : 0.0;
-    return along_isobar(P, X, x, branch::liquid, lowest, T_s, std::max({step_from(m.l, X_l), lowest, 0.3 * T_s}));
 }
 
 // Given V.
 
 template <class Model>
-typename solver<Model>::on_isochore solver<Model>::equilibrium(letter X, double T, double V, double r) const {
+template <letter X>
+typename solver<Model>::on_isochore solver<Model>::equilibrium(double T, double V, double r) const {
     on_isochore result;
     phases line;
     switch (where(T, r, &line)) {
@@ -273,13 +324,13 @@ typename solver<Model>::on_isochore solver<Model>::equilibrium(letter X, double 
         result.m = mix(T, line);
         result.mixed = true;
         result.q = quality(result.m, V);
-        const quantity_at a = value_of(X, mixed(result.m, result.q, V));
+        const quantity_at a = value_of<X>(mixed(result.m, result.q, V));
         result.value = a.value;
         result.slope = a.by_T;
         break;
     }
     default: {
-        const quantity_at a = value_of(X, at(T, r));
+        const quantity_at a = value_of<X>(at(T, r));
         result.value = a.value;
         result.slope = a.by_T;
     }
@@ -289,10 +340,11 @@ typename solver<Model>::on_isochore solver<Model>::equilibrium(letter X, double 
 }
 
 template <class Model>
-solved solver<Model>::isochore_search(double V, letter X, double x, double T_low, double T_high) const {
+template <letter X>
+solved solver<Model>::isochore_search(double V, double x, double T_low, double T_high, double start) const {
     const double r = r_of(V);
     const auto f = [&](double T) {
-        const on_isochore e = equilibrium(X, T, V, r);
+        const on_isochore e = equilibrium<X>(T, V, r);
         return e.there ? value_and_slope{e.value - x, e.slope} : value_and_slope{-infinite, 1.0};
     };
     double low = T_low;
@@ -318,8 +370,8 @@ solved solver<Model>::isochore_search(double V, letter X, double x, double T_low
                 return failure;
         }
     }
-    const double T = bracketed(low, high, 0.0, true, f);
-    const on_isochore e = equilibrium(X, T, V, r);
+    const double T = bracketed(low, high, start, true, f);
+    const on_isochore e = equilibrium<X>(T, V, r);
     if (!e.there || !(std::abs(e.value - x) <= 1e-9 * (std::abs(e.slope) * T + std::abs(x))))
         return failure;
     solved result = {OSTREL_OK, T, 0, V, r, not_a_number};
@@ -327,31 +379,80 @@ solved solver<Model>::isochore_search(double V, letter X, double x, double T_low
         result.q = e.q;
         result.P = e.m.line.P;
     } else {
-        result.P = X == letter::p ? x : surface_.at(T).P(r);
+        result.P = X == letter::p ? x : pressure(T, r);
     }
     return result;
 }
 
 template <class Model>
-solved solver<Model>::from_V_X(double V, letter X, double x) const {
+template <letter X>
+solved solver<Model>::from_V_X(double V, double x) const {
     const double r = r_of(V);
     const double T_c = surface_.T_c;
-    const solved failure = {OSTREL_NO_STATE, 0, 0, V, r, not_a_number};
-    const double T_turn = X == letter::p ? surface_.turn(model_.covolume() + 1.0 / r) : infinite;
-    // Below the end of a saturation line only the gas is left, and a state there counts only if there is no other one.
-    const auto regular = [&](double T) {
-        return states_ != allowed_states::stable || !surface_.line_ends || T >= surface_.T_line;
-    };
-    // A single phase by Newton's method.
+    double T_turn = infinite;
     double T = T_c;
-    if (X == letter::p && surface_type::saturates)
-        T = std::min(T_c, 0.5 * T_turn);
+    const volume_half half = sides_of(r);
+    if constexpr (X == letter::p)
+        T_turn = surface_.turn(half.v);
+    if constexpr (surface_type::saturates) {
+        // Inside the dome at a node of the line, and below the mixture's value there: it is a mixture.
+        const int k = states_ == allowed_states::stable ? last_node_around(V) : -1;
+        if (k >= 0) {
+            const auto mixture_at = [&](int n) {
+                const saturated_node &at_node = node(n);
+                return at_node.template mixture<X>((V - at_node.V_l) / (at_node.V_g - at_node.V_l));
+            };
+            if (x < mixture_at(k)) {
+                int low = 0;
+                int high = k;
+                if (x >= mixture_at(0)) {
+                    while (high - low > 1) {
+                        const int middle = (low + high) / 2;
+                        (x < mixture_at(middle) ? high : low) = middle;
+                    }
+                    const double X_low = mixture_at(low);
+                    const double X_high = mixture_at(high);
+                    double start = node(low).T + (node(high).T - node(low).T) * (x - X_low) / (X_high - X_low);
+                    if (X == letter::p)
+                        start = line_.near(x).T;
+                    else if (high + 1 <= k) { // a parabola through three nodes
+                        const double X_next = mixture_at(high + 1);
+                        const double T0 = node(low).T, T1 = node(high).T, T2 = node(high + 1).T;
+                        start = T0 * (x - X_high) * (x - X_next) / ((X_low - X_high) * (X_low - X_next)) +
+                                T1 * (x - X_low) * (x - X_next) / ((X_high - X_low) * (X_high - X_next)) +
+                                T2 * (x - X_low) * (x - X_high) / ((X_next - X_low) * (X_next - X_high));
+                    }
+                    if (X == letter::p) {
+                        phases line;
+                        const double T_s = line_.temperature(x, line);
+                        const double V_l = V_of(line.r_l);
+                        const double V_g = V_of(line.r_g);
+                        if (V > V_l && V < V_g)
+                            return {OSTREL_OK, T_s, x, V, r, (V - V_l) / (V_g - V_l)};
+                    } else {
+                        const solved found =
+                            isochore_search<X>(V, x, node(low).T * (1.0 - 1e-13), node(high).T * (1.0 + 1e-13), start);
+                        if (found.status == OSTREL_OK)
+                            return found;
+                    }
+                }
+            }
+        }
+    }
+    // A single phase by Newton's method. The attraction's part changes slowly with T.
+    if constexpr (X == letter::p) {
+        if (surface_type::saturates)
+            T = std::min(T_c, 0.5 * T_turn);
+    } else {
+        T = isochore_start<X>(half, x);
+    }
     double last = infinite;
     for (int step = 0; step < 24; ++step) {
-        const quantity_at a = value_of(X, at(T, r));
+        const quantity_at a = value_of<X>(at<caloric_of<X>>(T, half, caloric_at<caloric_of<X>>(T)));
         // s is nearly linear in ln T, the others are in T.
-        double next = X == letter::s ? T * std::exp(std::clamp((x - a.value) / (a.by_T * T), -1.0, 1.0))
-                                     : T + (x - a.value) / a.by_T;
+        double next = T + (x - a.value) / a.by_T;
+        if (X == letter::s && std::abs(next - T) > 0.05 * T)
+            next = T * std::exp(std::clamp((x - a.value) / (a.by_T * T), -1.0, 1.0));
         if (!(next > 0.3 * T))
             next = 0.3 * T;
         if (next > 4.0 * T)
@@ -360,116 +461,149 @@ solved solver<Model>::from_V_X(double V, letter X, double x) const {
         T = next;
         if (!(change < infinite) || T < 1e-3 * T_c)
             break;
-        if (change <= 2e-16 || (change < 1e-9 && change >= 0.25 * last) ||
-            (change < 1e-6 && change < 1e-2 * last && change * change < 1e-17)) {
-            if (T < T_turn && regular(T) && where(T, r) == place::single && surface_.at(T).slope(r) > 0) {
+        if (change < 3e-9 || (change < 1e-6 && change >= 0.25 * last)) {
+            if (change > 1e-12 && last > 1e-3) {
+                last = change;
+                continue;
+            }
+            if (T < T_turn && !behind_line(T) && where(T, r) == place::single && mechanical(T, r).P_V < 0) {
                 if (T_turn < infinite) {
                     // Of two temperatures with the same pressure the one nearer to the ideal gas's is meant.
                     const double ideal = x * V / model_.repulsion();
                     const double other = bracketed(T_turn, 1e3 * T_turn, 2.0 * T_turn - T, false, [&](double at_T) {
-                        const properties p = at(at_T, r);
+                        const properties p = mechanical(at_T, r);
                         return value_and_slope{p.P - x, p.P_T};
                     });
                     if (std::abs(other - ideal) < std::abs(T - ideal))
                         T = other;
                 }
-                return {OSTREL_OK, T, X == letter::p ? x : surface_.at(T).P(r), V, r, not_a_number};
+                return {OSTREL_OK, T, X == letter::p ? x : pressure_at(T, half.v), V, r, not_a_number};
             }
             break;
         }
         last = change;
     }
-    if constexpr (!surface_type::saturates)
-        return isochore_search(V, X, x, 0.0, infinite);
-    const double ceiling = T_turn;
     if (states_ != allowed_states::stable || !surface_.line_ends)
-        return isochore_search(V, X, x, 0.0, ceiling);
-    const solved above = isochore_search(V, X, x, surface_.T_line, ceiling);
-    return above.status == OSTREL_OK ? above : isochore_search(V, X, x, 0.0, std::min(surface_.T_line, ceiling));
-    return failure;
+        return isochore_search<X>(V, x, 0.0, T_turn, 0.0);
+    const solved above = isochore_search<X>(V, x, surface_.T_line, T_turn, 0.0);
+    return above.status == OSTREL_OK ? above
+                                     : isochore_search<X>(V, x, 0.0, std::min(surface_.T_line, T_turn), 0.0);
 }
 
 // Given s and another caloric value.
 
 template <class Model>
-solved solver<Model>::from_s_X(double s, letter X, double x) const {
+template <letter X>
+solved solver<Model>::from_s_X(double s, double x) const {
     const double T_c = surface_.T_c;
     const solved failure = {OSTREL_NO_STATE};
     bool below_line = false; // whether a gas below the end of the saturation line counts
     const auto fits = [&](const point &end) {
-        if (!end.converged || !is_state(end.T, end.r))
+        if (!end.converged || !is_state(end.T, end.r) || (behind_line(end.T) && !below_line))
             return false;
-        if (states_ == allowed_states::stable && surface_.line_ends && end.T < surface_.T_line && !below_line)
-            return false;
-        return X == letter::h || surface_.at(end.T).P(end.r) > 0;
+        return X == letter::h || pressure(end.T, end.r) > 0;
     };
-    const auto single_phase = [&](const point &end) {
-        solved result = of_single(at(end.T, end.r), end.r);
-        result.P = surface_.at(end.T).P(end.r);
-        return result;
-    };
+    const auto single_phase = [&](const point &end) { return of_single(end.T, pressure(end.T, end.r), end.r); };
     if constexpr (surface_type::saturates) {
+        const bool dome = states_ == allowed_states::stable && line_.exists();
+        // Inside the dome X at given s rises with T: h = h_l + T (s - s_l), and u is that less P v.
+        const auto in_dome = [&](double T) {
+            const phases line = surface_.saturated(T);
+            const double P_T = line.slope * line.P / T;
+            properties l = at(T, line.r_l);
+            l.P = line.P;
+            const double V = l.V + (s - l.s) / P_T;
+            const double h = l.h() + T * (s - l.s);
+            if (X == letter::h)
+                return value_and_slope{h - x, (s - l.s) + l.V * P_T};
+            const mixture m = mix(T, line);
+            const properties p = mixed(m, quality(m, V), V);
+            const quantity_at a = value_of<X>(p);
+            const quantity_at b = value_of<letter::s>(p);
+            return value_and_slope{h - line.P * V - x, a.by_T - a.by_V * b.by_T / b.by_V};
+        };
+        const auto dome_state = [&](double low, double high, double start) {
+            const double T = bracketed(low, high, start, true, in_dome);
+            const mixture m = mix(T, surface_.saturated(T));
+            const double q = (s - m.l.s) / (m.g.s - m.l.s);
+            solved result = of_mixture(T, m, q);
+            result.status = q >= 0 && q <= 1 ? OSTREL_OK : OSTREL_NO_STATE;
+            return result;
+        };
+        const auto quality_of = [&](const saturated_node &n) { return (s - n.s_l) / (n.s_g - n.s_l); };
+        bool tried = false;
+        if (dome) {
+            // The nodes that the isentrope passes inside the dome, and near it.
+            int high = cells - 1;
+            while (high > 0 && s < node(high).s_l)
+                --high;
+            int low = 0;
+            const auto above = [&](int k) { return node(k).template mixture<X>(quality_of(node(k))) > x; };
+            if (!above(0) && above(high)) {
+                while (high - low > 1) {
+                    const int middle = (low + high) / 2;
+                    (above(middle) ? high : low) = middle;
+                }
+                const double q_low = quality_of(node(low));
+                const double q_high = quality_of(node(high));
+                if (std::min(q_low, q_high) >= -0.02 && std::max(q_low, q_high) <= 1.02) {
+                    const double X_low = node(low).template mixture<X>(q_low);
+                    const double X_high = node(high).template mixture<X>(q_high);
+                    const double start =
+                        node(low).T + (node(high).T - node(low).T) * (x - X_low) / (X_high - X_low);
+                    tried = true;
+                    const solved found =
+                        dome_state(node(low).T * (1.0 - 1e-13), node(high).T * (1.0 + 1e-13), start);
+                    if (found.status == OSTREL_OK)
+                        return found;
+                }
+            }
+        }
         const bool gas_first = s > critical_.s;
         const double r_c = r_of(1.0 - offset_);
         for (const bool gas : {gas_first, !gas_first}) {
-            const point end = gas ? newton_for(letter::s, s, X, x, 1.2 * T_c, 0.3 * r_c, 25)
-                                  : newton_for(letter::s, s, X, x, 0.9 * T_c, 3.0 * r_c, 25);
+            const point end = gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, 25)
+                                  : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, 25);
             if (fits(end))
                 return single_phase(end);
         }
-        if (states_ == allowed_states::stable && line_.exists()) {
-            // Inside the dome: h = h_l + T (s - s_l) and v = v_l + (s - s_l)/P_T rise and fall with T at given s.
-            const auto f = [&](double T) {
-                const mixture m = mix(T, surface_.saturated(T));
-                const double V = m.l.V + (s - m.l.s) / m.P_T;
-                const properties p = mixed(m, quality(m, V), V);
-                const double h = m.l.h() + T * (s - m.l.s);
-                const double value = X == letter::h ? h : h - m.line.P * V;
-                const quantity_at a = value_of(X, p);
-                const quantity_at b = value_of(letter::s, p);
-                return value_and_slope{value - x, a.by_T - a.by_V * b.by_T / b.by_V};
-            };
+        if (dome && !tried) {
             const double low = surface_.T_line;
             double high = T_c * (1.0 - 1e-12);
             if (s < critical_.s) { // up to where the liquid has this entropy
-                const auto liquid = [&](double T) {
+                const auto of_liquid = [&](double T) {
                     const phases line = surface_.saturated(T);
                     const properties p = at(T, line.r_l);
-                    const double dr = (line.slope * line.P / T - p.P_T) / p.P_V;
-                    return value_and_slope{p.s - s, p.cv / T + p.P_T * dr};
+                    const double dV = (line.slope * line.P / T - p.P_T) / p.P_V;
+                    return value_and_slope{p.s - s, p.cv / T + p.P_T * dV};
                 };
-                high = liquid(low).value < 0 ? bracketed(low, high, 0.8 * T_c, true, liquid) : low;
+                high = of_liquid(low).value < 0 ? bracketed(low, high, 0.8 * T_c, true, of_liquid) : low;
             }
-            if (f(low).value <= 0 && f(high).value >= 0) {
-                const double T = bracketed(low, high, 0.8 * T_c, true, f);
-                const mixture m = mix(T, surface_.saturated(T));
-                const double q = (s - m.l.s) / (m.g.s - m.l.s);
-                if (q >= 0 && q <= 1)
-                    return of_mixture(T, m, q);
+            if (in_dome(low).value <= 0 && in_dome(high).value >= 0) {
+                const solved found = dome_state(low, high, 0.8 * T_c);
+                if (found.status == OSTREL_OK)
+                    return found;
             }
         }
     } else {
-        const point end = newton_for(letter::s, s, X, x, T_c, 1.0, 60);
+        const point end = newton<letter::s, X>(s, x, T_c, 1.0, 60);
         if (fits(end))
             return single_phase(end);
     }
     // Along the isentrope X falls as the volume grows. Where the isentrope is not, the volume is too small.
     solved best = failure;
     const auto above = [&](double log_r) {
-        const solved here = from_V_X(V_of(std::exp(log_r)), letter::s, s);
-        if (surface_.line_ends && here.status == OSTREL_OK && here.T < surface_.T_line &&
-            states_ == allowed_states::stable)
-            return false;             // expanded so far that only the gas is left
+        const solved here = from_V_X<letter::s>(V_of(std::exp(log_r)), s);
+        if (here.status == OSTREL_OK && behind_line(here.T))
+            return false; // expanded so far that only the gas is left
         if (here.status != OSTREL_OK) // behind the end of the saturation line, or too dense
             return !surface_.line_ends || std::exp(log_r) > 1.0 / (1.0 - model_.covolume());
         best = here;
         double value = 0;
-        if (here.q >= 0) {
-            const mixture m = mix(here.T, surface_.saturated(here.T));
-            value = value_of(X, mixed(m, here.q, here.V)).value;
-        } else {
-            value = value_of(X, at(here.T, here.r)).value;
-        }
+        if (here.q >= 0)
+            value = value_of<X>(mixed(mix(here.T, surface_.saturated(here.T)), here.q, here.V)).value;
+        else
+            value = value_of<X>(at(here.T, here.r)).value;
         return value > x || (X != letter::h && here.P <= 0);
     };
     double low = -60.0;
@@ -482,12 +616,12 @@ solved solver<Model>::from_s_X(double s, letter X, double x) const {
     }
     best = failure;
     above(low);
-    if (best.status != OSTREL_OK || (surface_.line_ends && best.T < surface_.T_line))
+    if (best.status != OSTREL_OK || behind_line(best.T))
         above(high);
     const auto last_resort = [&] { // the gas below the end of the saturation line
         below_line = surface_.line_ends;
         for (const double log_r : {-1.0, -4.0, -16.0}) {
-            const point end = newton_for(letter::s, s, X, x, 0.9 * surface_.T_line, std::exp(log_r), 60);
+            const point end = newton<letter::s, X>(s, x, 0.9 * surface_.T_line, std::exp(log_r), 60);
             if (below_line && fits(end))
                 return single_phase(end);
         }
@@ -496,13 +630,12 @@ solved solver<Model>::from_s_X(double s, letter X, double x) const {
     if (best.status != OSTREL_OK)
         return last_resort();
     if (best.q >= 0) {
-        const mixture m = mix(best.T, surface_.saturated(best.T));
-        const double value = value_of(X, mixed(m, best.q, best.V)).value;
+        const double value = value_of<X>(mixed(mix(best.T, surface_.saturated(best.T)), best.q, best.V)).value;
         return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : last_resort();
     }
-    const solved result = finish(letter::s, s, X, x, best);
-    const quantity_at a = value_of(X, at(result.T, result.r));
-    return std::abs(a.value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : last_resort();
+    const solved result = finish<letter::s, X>(s, x, best);
+    const double value = value_of<X>(at(result.T, result.r)).value;
+    return std::abs(value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : last_resort();
 }
 
 } // namespace fluid
