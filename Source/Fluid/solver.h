@@ -421,6 +421,11 @@ private:
     }
     solved of_single(double T, double P, double r) const { return {OSTREL_OK, T, P, V_of(r), r, not_a_number}; }
 
+    /// Whether the step after `step` would be only rounding, as the convergence from the step before shows.
+    static bool settled(double step, double before) {
+        return step <= 1e-15 || (step < 1e-6 && before < 1.0 && step * step * step <= 3e-17 * before * before);
+    }
+
     struct point {
         double T;
         double r;
@@ -445,10 +450,8 @@ private:
             if (size < 0.2) {
                 T += dT;
                 r /= 1.0 - dlog; // V, in which a gas and a liquid are simple, changes by its own step
-                if (size < 3e-9 || (size < 1e-6 && size >= 0.25 * last))
-                    // The next step would be the square of this one, or is only rounding.
-                    if (size < 1e-12 || last < 1e-3 || size >= 0.25 * last)
-                        return {T, r, true};
+                if (settled(size, last) || (size < 1e-6 && size >= 0.25 * last))
+                    return {T, r, true};
             } else {
                 double fraction = 1.0;
                 if (dT < -0.5 * T)
@@ -483,8 +486,7 @@ private:
             }
             if (next == x || next <= low || next >= high || std::abs(next - x) <= tolerance * std::abs(x))
                 return next;
-            // Where Newton's method converges, the error after a step is about its square.
-            if (change < 3e-9 * std::abs(x) && change < 1e-2 * last && last < infinite)
+            if (settled(change / std::abs(x), last / std::abs(x)))
                 return next;
             last = change;
             x = next;

@@ -461,11 +461,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
         T = next;
         if (!(change < infinite) || T < 1e-3 * T_c)
             break;
-        if (change < 3e-9 || (change < 1e-6 && change >= 0.25 * last)) {
-            if (change > 1e-12 && last > 1e-3) {
-                last = change;
-                continue;
-            }
+        if (settled(change, last) || (change < 1e-6 && change >= 0.25 * last)) {
             if (T < T_turn && !behind_line(T) && where(T, r) == place::single && mechanical(T, r).P_V < 0) {
                 if (T_turn < infinite) {
                     // Of two temperatures with the same pressure the one nearer to the ideal gas's is meant.
