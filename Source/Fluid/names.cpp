@@ -215,6 +215,14 @@ constexpr auto pair_rows = [] {
     return rows;
 }();
 
+/// A unit in a fraction, in brackets if it is a fraction itself.
+constexpr void add_operand(composed_text<24> &text, std::string_view unit) {
+    const bool fraction = unit.find('/') != std::string_view::npos;
+    text.add(fraction ? "(" : "");
+    text.add(unit);
+    text.add(fraction ? ")" : "");
+}
+
 constexpr std::size_t derivative_count = [] {
     std::size_t count = 0;
     for (std::size_t Y = 0; Y < derivable; ++Y)
@@ -238,11 +246,9 @@ constexpr auto derivative_rows = [] {
                 if (handle_outputs[X].unit == handle_outputs[Y].unit) {
                     row.unit.add("1");
                 } else {
-                    const bool fraction = handle_outputs[Y].unit.find('/') != std::string_view::npos;
-                    row.unit.add(handle_outputs[X].unit);
-                    row.unit.add(fraction ? "/(" : "/");
-                    row.unit.add(handle_outputs[Y].unit);
-                    row.unit.add(fraction ? ")" : "");
+                    add_operand(row.unit, handle_outputs[X].unit);
+                    row.unit.add("/");
+                    add_operand(row.unit, handle_outputs[Y].unit);
                 }
                 for (const std::string_view piece :
                      {handle_outputs[X].meaning, std::string_view(" by "), handle_outputs[Y].meaning,
