@@ -25,7 +25,7 @@ def example(header):
 
 def run(program, fluids):
     done = subprocess.run([program], env=os.environ | {"OSTREL_FLUIDS": str(fluids)}, capture_output=True, text=True)
-    return done.returncode, done.stdout.rstrip()
+    return done.returncode, done.stdout.strip()
 
 
 def main():

@@ -91,8 +91,8 @@ def declared(text):
     for namespace, visible, statement in statements(text):
         bare = re.sub(r'^__attribute__ ?\(\(visibility\("default"\)\)\) ?', "", statement)
         visible, statement = visible or bare != statement, bare
-        if re.match(r"(using|typedef|template|inline|constexpr|static_assert|struct|class|enum)\b|$", statement):
-            continue
+        if re.match(r"(using|typedef|template|inline|constexpr|static_assert|struct|class|enum)\b|\(\)$|$", statement):
+            continue  # also the call behind a lambda that gives a constant
         function = re.match(r"[^(=]*?(\w+) ?\(", statement)
         variable = re.match(r"extern [^(=]*?(\w+)$", statement)
         if not function and not variable:
