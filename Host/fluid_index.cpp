@@ -292,17 +292,23 @@ void index::fold_lines(std::size_t start, std::size_t end) {
         const std::string_view line =
             std::string_view(text_).substr(start, std::min(text_.find('\n', start), text_.size()) - start);
         rows_.push_back({start, size - 1});
-        // Only this loop has a notable cost.
+        // Only these loops have a notable cost. Most lines have no quotation marks.
         char *to = keys_.data() + size;
         std::size_t quoted = 0;
         unsigned all = 0;
-        for (const char c : line) {
-            const unsigned byte = static_cast<unsigned char>(c);
+        const auto fold = [&](unsigned byte, const std::array<char, 256> &table) {
             all |= byte;
-            *to = tables[quoted][byte];
+            *to = table[byte];
             to += *to != 0 ? 1 : 0;
-            quoted ^= byte == '"' ? 1U : 0U;
-        }
+        };
+        if (line.find('"') == nowhere)
+            for (const char c : line)
+                fold(static_cast<unsigned char>(c), tables[0]);
+        else
+            for (const char c : line) {
+                fold(static_cast<unsigned char>(c), tables[quoted]);
+                quoted ^= c == '"' ? 1U : 0U;
+            }
         if (all < 0x80) {
             size = static_cast<std::size_t>(to - keys_.data());
         } else {
