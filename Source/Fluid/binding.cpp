@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+namespace fluid {
 namespace {
 
 /// Runs a call in the standard floating-point environment and returns its result. No exception may reach a C caller;
@@ -20,19 +21,19 @@ Result guarded(Result after_failure, Call call) noexcept {
     try {
         return call();
     } catch (...) {
-        fluid::report(OSTREL_OUT_OF_MEMORY, {fluid::find_status(OSTREL_OUT_OF_MEMORY)->text});
+        report(OSTREL_OUT_OF_MEMORY, {find_status(OSTREL_OUT_OF_MEMORY)->text});
         return after_failure;
     }
 }
 
 /// Opens a fluid by `open(result)`.
 template <class Environment = floating_point::standard_environment, class Open>
-int opened(ostrel_fluid **fluid, Open open) noexcept {
+int opening(ostrel_fluid **fluid, Open open) noexcept {
     if (fluid == nullptr)
-        return fluid::report(OSTREL_BAD_ARGUMENT, {"fluid: a null pointer; the place of a pointer is needed"});
+        return report_null("fluid", "the place of a pointer is needed");
     *fluid = nullptr;
     return guarded<Environment>(int{OSTREL_OUT_OF_MEMORY}, [&] {
-        fluid::opened result;
+        opened result;
         const int status = open(result);
         *fluid = result.release();
         return status;
@@ -40,103 +41,106 @@ int opened(ostrel_fluid **fluid, Open open) noexcept {
 }
 
 } // namespace
+} // namespace fluid
 
-#define OSTREL_EXPORT extern "C" OSTREL_VISIBLE
+#define OSTREL_HANDLES extern "C" OSTREL_VISIBLE
 
-OSTREL_EXPORT int ostrel_fluid_open(const char *name, const char *options, ostrel_fluid **fluid) {
-    return opened(fluid, [&](fluid::opened &result) { return fluid::open_name(name, options, result); });
+OSTREL_HANDLES int ostrel_fluid_open(const char *name, const char *options, ostrel_fluid **fluid) {
+    return fluid::opening(fluid, [&](fluid::opened &result) { return fluid::open_name(name, options, result); });
 }
 
-OSTREL_EXPORT int ostrel_fluid_open_file(const char *path, const char *options, ostrel_fluid **fluid) {
-    return opened(fluid, [&](fluid::opened &result) { return fluid::open_file(path, options, result); });
+OSTREL_HANDLES int ostrel_fluid_open_file(const char *path, const char *options, ostrel_fluid **fluid) {
+    return fluid::opening(fluid, [&](fluid::opened &result) { return fluid::open_file(path, options, result); });
 }
 
-OSTREL_EXPORT int ostrel_fluid_open_text(const char *text, const char *options, ostrel_fluid **fluid) {
-    return opened(fluid, [&](fluid::opened &result) { return fluid::open_text(text, options, result); });
+OSTREL_HANDLES int ostrel_fluid_open_text(const char *text, const char *options, ostrel_fluid **fluid) {
+    return fluid::opening(fluid, [&](fluid::opened &result) { return fluid::open_text(text, options, result); });
 }
 
-OSTREL_EXPORT int ostrel_fluid_open_database(const char *location, const char *name, const char *options,
-                                             ostrel_fluid **fluid) {
+OSTREL_HANDLES int ostrel_fluid_open_database(const char *location, const char *name, const char *options,
+                                              ostrel_fluid **fluid) {
     // A database may compute outside the vector unit, as SQLite does when it turns a number into a text.
-    return opened<floating_point::whole_environment>(
+    return fluid::opening<floating_point::whole_environment>(
         fluid, [&](fluid::opened &result) { return fluid::open_database(location, name, options, result); });
 }
 
-OSTREL_EXPORT void ostrel_fluid_close(ostrel_fluid *fluid) {
+OSTREL_HANDLES void ostrel_fluid_close(ostrel_fluid *fluid) {
     delete fluid;
 }
 
-OSTREL_EXPORT int ostrel_fluid_evaluate(const ostrel_fluid *fluid, const char *inputs, const char *outputs,
-                                        size_t count, const double *first, const double *second, double *values,
-                                        int *status) {
-    return guarded(int{OSTREL_OUT_OF_MEMORY},
-                   [&] { return fluid::evaluate(fluid, inputs, outputs, count, first, second, values, status); });
+OSTREL_HANDLES int ostrel_fluid_evaluate(const ostrel_fluid *fluid, const char *inputs, const char *outputs,
+                                         size_t count, const double *first, const double *second, double *values,
+                                         int *status) {
+    return fluid::guarded(int{OSTREL_OUT_OF_MEMORY}, [&] {
+        return fluid::evaluate(fluid, inputs, outputs, count, first, second, values, status);
+    });
 }
 
-OSTREL_EXPORT int ostrel_fluid_evaluate_parallel(const ostrel_fluid *fluid, const char *inputs, const char *outputs,
-                                                 size_t count, const double *first, const double *second,
-                                                 double *values, int *status, unsigned workers) {
-    return guarded(int{OSTREL_OUT_OF_MEMORY}, [&] {
+OSTREL_HANDLES int ostrel_fluid_evaluate_parallel(const ostrel_fluid *fluid, const char *inputs, const char *outputs,
+                                                  size_t count, const double *first, const double *second,
+                                                  double *values, int *status, unsigned workers) {
+    return fluid::guarded(int{OSTREL_OUT_OF_MEMORY}, [&] {
         return fluid::evaluate_parallel(fluid, inputs, outputs, count, first, second, values, status, workers);
     });
 }
 
-OSTREL_EXPORT double ostrel_fluid_value(const ostrel_fluid *fluid, const char *inputs, double first, double second,
-                                        const char *output, int *status) {
+OSTREL_HANDLES double ostrel_fluid_value(const ostrel_fluid *fluid, const char *inputs, double first, double second,
+                                         const char *output, int *status) {
     double result = fluid::no_number;
-    const int found =
-        guarded(int{OSTREL_OUT_OF_MEMORY}, [&] { return fluid::value(fluid, inputs, first, second, output, result); });
+    const int found = fluid::guarded(int{OSTREL_OUT_OF_MEMORY},
+                                     [&] { return fluid::value(fluid, inputs, first, second, output, result); });
     if (status != nullptr)
         *status = found;
     return result;
 }
 
-OSTREL_EXPORT int ostrel_fluid_saturation(const ostrel_fluid *fluid, const char *input, const char *outputs,
-                                          size_t count, const double *values_in, double *liquid, double *vapor,
-                                          int *status) {
-    return guarded(int{OSTREL_OUT_OF_MEMORY},
-                   [&] { return fluid::saturation(fluid, input, outputs, count, values_in, liquid, vapor, status); });
+OSTREL_HANDLES int ostrel_fluid_saturation(const ostrel_fluid *fluid, const char *input, const char *outputs,
+                                           size_t count, const double *values_in, double *liquid, double *vapor,
+                                           int *status) {
+    return fluid::guarded(int{OSTREL_OUT_OF_MEMORY}, [&] {
+        return fluid::saturation(fluid, input, outputs, count, values_in, liquid, vapor, status);
+    });
 }
 
-OSTREL_EXPORT int ostrel_fluid_solve(const ostrel_fluid *fluid, const char *inputs, size_t count, const double *first,
-                                     const double *second, ostrel_state *states) {
-    return guarded(int{OSTREL_OUT_OF_MEMORY},
-                   [&] { return fluid::solve(fluid, inputs, count, first, second, states); });
+OSTREL_HANDLES int ostrel_fluid_solve(const ostrel_fluid *fluid, const char *inputs, size_t count, const double *first,
+                                      const double *second, ostrel_state *states) {
+    return fluid::guarded(int{OSTREL_OUT_OF_MEMORY},
+                          [&] { return fluid::solve(fluid, inputs, count, first, second, states); });
 }
 
-OSTREL_EXPORT int ostrel_fluid_outputs(const ostrel_fluid *fluid, const char *outputs, size_t count,
-                                       const ostrel_state *states, double *values, int *status) {
-    return guarded(int{OSTREL_OUT_OF_MEMORY},
-                   [&] { return fluid::outputs_of(fluid, outputs, count, states, values, status); });
+OSTREL_HANDLES int ostrel_fluid_outputs(const ostrel_fluid *fluid, const char *outputs, size_t count,
+                                        const ostrel_state *states, double *values, int *status) {
+    return fluid::guarded(int{OSTREL_OUT_OF_MEMORY},
+                          [&] { return fluid::outputs_of(fluid, outputs, count, states, values, status); });
 }
 
-OSTREL_EXPORT double ostrel_fluid_constant(const ostrel_fluid *fluid, const char *name) {
-    return guarded(fluid::no_number, [&] { return fluid::constant_of(fluid, name); });
+OSTREL_HANDLES double ostrel_fluid_constant(const ostrel_fluid *fluid, const char *name) {
+    return fluid::guarded(fluid::no_number, [&] { return fluid::constant_of(fluid, name); });
 }
 
-OSTREL_EXPORT const char *ostrel_fluid_text(const ostrel_fluid *fluid, const char *name) {
-    return guarded(static_cast<const char *>(nullptr), [&] { return fluid::text_of(fluid, name); });
+OSTREL_HANDLES const char *ostrel_fluid_text(const ostrel_fluid *fluid, const char *name) {
+    return fluid::guarded(static_cast<const char *>(nullptr), [&] { return fluid::text_of(fluid, name); });
 }
 
-OSTREL_EXPORT const char *ostrel_status_text(int status) {
+OSTREL_HANDLES const char *ostrel_status_text(int status) {
     const fluid::status_row *const row = fluid::find_status(status);
     return row != nullptr ? row->text.data() : "no status of this library";
 }
 
-OSTREL_EXPORT const char *ostrel_last_message() {
+OSTREL_HANDLES const char *ostrel_last_message() {
     return fluid::last_message();
 }
 
-OSTREL_EXPORT const char *ostrel_list(const char *kind, size_t index, const char *what) {
-    return guarded(static_cast<const char *>(nullptr), [&] { return fluid::list(kind, index, what); });
+OSTREL_HANDLES const char *ostrel_list(const char *kind, size_t index, const char *what) {
+    return fluid::guarded(static_cast<const char *>(nullptr), [&] { return fluid::list(kind, index, what); });
 }
 
-OSTREL_EXPORT int ostrel_fluid_find(const char *words, void (*take)(void *user, const char *file, const char *name),
-                                    void *user) {
+OSTREL_HANDLES int ostrel_fluid_find(const char *words, void (*take)(void *user, const char *file, const char *name),
+                                     void *user) {
     if (take == nullptr)
-        return fluid::report(OSTREL_BAD_ARGUMENT, {"take: a null pointer; a function is needed"});
+        return fluid::report_null("take", "a function is needed");
     std::vector<fluid::found_fluid> found;
-    const int status = guarded(int{OSTREL_OUT_OF_MEMORY}, [&] { return fluid::find_fluids(words, found); });
+    const int status = fluid::guarded(int{OSTREL_OUT_OF_MEMORY}, [&] { return fluid::find_fluids(words, found); });
     // The caller's function runs in the caller's environment.
     if (status == OSTREL_OK)
         for (const fluid::found_fluid &one : found)

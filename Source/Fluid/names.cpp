@@ -160,10 +160,6 @@ int find(std::string_view name, output &one) {
     return find_output(name, one) || find_derivative(name, one) ? int{OSTREL_OK} : refuse_output(name);
 }
 
-int refuse_null(std::string_view what) {
-    return report(OSTREL_BAD_ARGUMENT, {what, ": a null pointer; a text is needed"});
-}
-
 /// A text that is put together when the library is compiled, with a NUL at its end.
 template <std::size_t room>
 struct composed_text {
@@ -192,10 +188,6 @@ constexpr auto views_of = [] {
     });
     return result;
 }();
-
-constexpr const described &quantity_of(letter which) {
-    return handle_outputs[static_cast<std::size_t>(which)];
-}
 
 constexpr auto pair_rows = [] {
     std::array<composed_row, std::size(input_pairs)> rows{};
@@ -268,7 +260,7 @@ void named_outputs::add_to_many(const output &one) {
 
 int read_pair(const char *text, named_pair &pair) {
     if (text == nullptr)
-        return refuse_null("inputs");
+        return report_null("inputs", "a text is needed");
     const char *at = text;
     while (is_blank(*at))
         ++at;
@@ -291,7 +283,7 @@ int read_pair(const char *text, named_pair &pair) {
 
 int read_saturation_input(const char *text, bool &at_pressure) {
     if (text == nullptr)
-        return refuse_null("input");
+        return report_null("input", "a text is needed");
     const std::string_view name = without_blanks(text);
     const std::uint8_t place = name.size() == 1 ? place_of_letter(name.front()) : none;
     at_pressure = place == static_cast<std::uint8_t>(letter::p);
@@ -303,7 +295,7 @@ int read_saturation_input(const char *text, bool &at_pressure) {
 
 int read_outputs(const char *text, named_outputs &outputs) {
     if (text == nullptr)
-        return refuse_null("outputs");
+        return report_null("outputs", "a text is needed");
     for (const char *at = text;; ++at) {
         const char *const begin = at;
         while (*at != ',' && *at != '\0')
@@ -319,7 +311,7 @@ int read_outputs(const char *text, named_outputs &outputs) {
 }
 
 int read_output(const char *text, output &one) {
-    return text != nullptr ? find(without_blanks(text), one) : refuse_null("output");
+    return text != nullptr ? find(without_blanks(text), one) : report_null("output", "a text is needed");
 }
 
 std::span<const described> described_pairs() {

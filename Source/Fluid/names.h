@@ -4,7 +4,7 @@
 #pragma once
 
 #include "Fluid/core.h"
-#include "Requests/described.h"
+#include "Requests/handle_outputs.h"
 
 #include <array>
 #include <cstddef>
@@ -30,6 +30,11 @@ constexpr std::string_view without_blanks(std::string_view text) {
 /// The letters of the quantities, in the order of `letter`.
 inline constexpr std::string_view letters = "tpvdhsuq";
 inline constexpr std::size_t letter_count = letters.size();
+
+/// What people are told of a quantity. The outputs begin with the quantities, in the same order.
+constexpr const requests::described &quantity_of(letter which) {
+    return requests::handle_outputs[static_cast<std::size_t>(which)];
+}
 
 /// Two inputs as the caller wrote them.
 struct named_pair {

@@ -25,10 +25,6 @@ using fluid_index::outcome;
 
 constexpr std::size_t nearest_shown = 3;
 
-int refuse_null(std::string_view what) {
-    return report(OSTREL_BAD_ARGUMENT, {what, ": a null pointer; a text is needed"});
-}
-
 /// Where the parameters of a fluid come from.
 struct origin {
     std::string source; ///< for people
@@ -85,7 +81,7 @@ int make_states(const fluid_parameters &as_read, const fluid_parameters &paramet
         if (possible(parameters, standard))
             return report(OSTREL_BAD_ARGUMENT,
                           {"option reference=", words_of_references[*wanted.chosen[reference_option]], " of ",
-                           printable(from.source), ": ", why, " Without it the fluid can be opened."});
+                           printable(from.source), ": ", why, "; without it the fluid can be opened"});
     }
     if (!own_model)
         return report(OSTREL_BAD_ARGUMENT, {"option model=", equations::words_of_models[*wanted.chosen[model_option]],
@@ -179,7 +175,7 @@ std::string folder_of(const options &wanted) {
 }
 
 /// "a (b), c (d) or e"
-std::string described(const std::vector<fluid_index::fluid> &fluids) {
+std::string listed_fluids(const std::vector<fluid_index::fluid> &fluids) {
     std::vector<std::string> texts;
     for (const fluid_index::fluid &one : fluids)
         texts.push_back(printable(fluid_index::described(one)));
@@ -196,7 +192,7 @@ int report_unknown(const std::string &folder, std::string_view name, std::vector
                       {"fluid ", in_quotes(name), ": there are no parameter files in ", in_quotes(folder),
                        "; set OSTREL_FLUIDS or the option folder to a folder that has some"});
     return report(OSTREL_CANNOT_OPEN, {"fluid ", in_quotes(name), ": no such fluid in ", in_quotes(folder),
-                                       "; did you mean ", described(near), "?"});
+                                       "; did you mean ", listed_fluids(near), "?"});
 }
 
 } // namespace
@@ -204,7 +200,7 @@ int report_unknown(const std::string &folder, std::string_view name, std::vector
 int open_name(const char *name, const char *option_text, opened &result) {
     options wanted;
     if (name == nullptr)
-        return refuse_null("name");
+        return report_null("name", "a text is needed");
     if (const int status = read(option_text, true, wanted); status != OSTREL_OK)
         return status;
     const std::string folder = folder_of(wanted);
@@ -213,7 +209,7 @@ int open_name(const char *name, const char *option_text, opened &result) {
         return report_unknown(folder, name, std::move(found.fluids));
     if (found.how == outcome::ambiguous)
         return report(OSTREL_CANNOT_OPEN, {"fluid ", in_quotes(name), ": several fluids have this name; it could be ",
-                                           described(found.fluids)});
+                                           listed_fluids(found.fluids)});
     fluid_index::fluid &facts = found.fluids.front();
     const std::string path = folder + facts.file + ".osd";
     return open_path(path, wanted, std::move(facts), result);
@@ -222,7 +218,7 @@ int open_name(const char *name, const char *option_text, opened &result) {
 int open_file(const char *path, const char *option_text, opened &result) {
     options wanted;
     if (path == nullptr)
-        return refuse_null("path");
+        return report_null("path", "a text is needed");
     if (const int status = read(option_text, false, wanted); status != OSTREL_OK)
         return status;
     return open_path(path, wanted, {}, result);
@@ -231,7 +227,7 @@ int open_file(const char *path, const char *option_text, opened &result) {
 int open_text(const char *text, const char *option_text, opened &result) {
     options wanted;
     if (text == nullptr)
-        return refuse_null("text");
+        return report_null("text", "a text is needed");
     if (const int status = read(option_text, false, wanted); status != OSTREL_OK)
         return status;
     origin from{.source = "text", .text = text};
@@ -242,9 +238,9 @@ int open_text(const char *text, const char *option_text, opened &result) {
 int open_database(const char *location, const char *name, const char *option_text, opened &result) {
     options wanted;
     if (location == nullptr)
-        return refuse_null("location");
+        return report_null("location", "a text is needed");
     if (name == nullptr)
-        return refuse_null("name");
+        return report_null("name", "a text is needed");
     if (const int status = read(option_text, false, wanted); status != OSTREL_OK)
         return status;
     host::fluid_text found = host::default_fluid_lines(location, name);
@@ -265,7 +261,7 @@ int open_database(const char *location, const char *name, const char *option_tex
 
 int find_fluids(const char *words, std::vector<found_fluid> &found) {
     if (words == nullptr)
-        return refuse_null("words");
+        return report_null("words", "a text is needed");
     const std::string folder = host::default_fluid_directory();
     std::error_code failed;
     if (!std::filesystem::is_directory(folder, failed))

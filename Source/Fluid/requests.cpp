@@ -22,13 +22,8 @@ namespace {
 
 using requests::described;
 
-int refuse_null(std::string_view what) {
-    return report(OSTREL_BAD_ARGUMENT, {what, ": a null pointer; only calls with count 0 may have it"});
-}
-
 int check_fluid(const ostrel_fluid *of) {
-    return of != nullptr ? int{OSTREL_OK}
-                         : report(OSTREL_BAD_ARGUMENT, {"fluid: a null pointer; an open fluid is needed"});
+    return of != nullptr ? int{OSTREL_OK} : report_null("fluid", "an open fluid is needed");
 }
 
 /// An array that a call needs if it has states.
@@ -40,12 +35,8 @@ int check_arrays(std::size_t count, std::initializer_list<needed> arrays) {
     if (count > 0)
         for (const needed &one : arrays)
             if (one.array == nullptr)
-                return refuse_null(one.name);
+                return report_null(one.name, "only calls with count 0 may have it");
     return OSTREL_OK;
-}
-
-const described &quantity_of(letter which) {
-    return requests::handle_outputs[static_cast<std::size_t>(which)];
 }
 
 /// With states=surface, only t with v or d is understood.
@@ -253,7 +244,7 @@ constexpr listed_cell cells[] = {
 template <class Rows, class Name>
 auto find_named(const Rows &rows, const char *name, std::string_view what, Name name_of) -> decltype(std::data(rows)) {
     if (name == nullptr) {
-        report(OSTREL_BAD_ARGUMENT, {what, ": a null pointer; a name is needed"});
+        report_null(what, "a name is needed");
         return nullptr;
     }
     for (const auto &row : rows)

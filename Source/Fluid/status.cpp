@@ -69,6 +69,10 @@ int report(int status, std::initializer_list<std::string_view> pieces) {
     return status;
 }
 
+int report_null(std::string_view argument, std::string_view right) {
+    return report(OSTREL_BAD_ARGUMENT, {argument, ": a null pointer; ", right});
+}
+
 const char *last_message() {
     return message.data();
 }

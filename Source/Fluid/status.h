@@ -71,6 +71,8 @@ constexpr const status_row *find_status(int number) {
 /// Replaces the thread's message with the pieces, without allocating, and returns the status. A message that is too
 /// long loses its end and gets "..." in its place.
 int report(int status, std::initializer_list<std::string_view> pieces);
+/// Reports an argument that is a null pointer; `right` says what it should be.
+int report_null(std::string_view argument, std::string_view right);
 /// The thread's message, empty before the first one.
 const char *last_message();
 
