@@ -34,10 +34,11 @@ struct constant {
     double (*value)(const known_numbers &of);
 };
 inline constexpr constant constants[] = {
-    {requests::informations[0].text, [](const known_numbers &of) { return requests::informations[0].value(of.file); }},
+    {requests::information_of("m_mol").text,
+     [](const known_numbers &of) { return requests::information_of("m_mol").value(of.file); }},
     {{"r_gas", "J/(kg K)", "specific gas constant"}, [](const known_numbers &of) { return of.file.R; }},
-    {requests::informations[1].text, [](const known_numbers &of) { return of.equation.t_crit; }},
-    {requests::informations[2].text, [](const known_numbers &of) { return of.equation.p_crit; }},
+    {requests::information_of("t_crit").text, [](const known_numbers &of) { return of.equation.t_crit; }},
+    {requests::information_of("p_crit").text, [](const known_numbers &of) { return of.equation.p_crit; }},
     {{"v_crit", "m3/kg", "critical specific volume of the equation"},
      [](const known_numbers &of) { return of.equation.v_crit; }},
     {{"d_crit", "kg/m3", "critical density of the equation"},
