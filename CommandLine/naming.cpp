@@ -18,8 +18,7 @@ std::vector<std::string> described_files(const std::vector<fluid_index::fluid> &
     std::vector<std::string> texts;
     texts.reserve(fluids.size());
     for (const fluid_index::fluid &one : fluids)
-        texts.push_back(printable(one.file) +
-                        (one.name.empty() || one.name == one.file ? "" : " (" + printable(one.name) + ")"));
+        texts.push_back(printable(fluid_index::described(one)));
     return texts;
 }
 

@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <dlfcn.h>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -24,30 +26,20 @@ std::string installed_directory() {
     Dl_info library{};
     if (dladdr(&library_marker, &library) == 0 || library.dli_fname == nullptr)
         return {};
-    std::error_code failed;
-    const fs::path file = fs::canonical(library.dli_fname, failed);
-    if (failed)
+    // Faster than fs::canonical, since fluids are opened often.
+    const std::unique_ptr<char, void (*)(void *)> real(realpath(library.dli_fname, nullptr), std::free);
+    if (real == nullptr)
         return {};
+    std::error_code failed;
+    const fs::path file(real.get());
     const fs::path directory = (file.parent_path() / OSTREL_INSTALLED_FLUIDS).lexically_normal();
     return fs::is_directory(directory, failed) ? directory.string() : std::string();
-}
-
-std::string fluid_directory() {
-    const char *const wanted = std::getenv("OSTREL_FLUIDS");
-    std::string directory = wanted != nullptr ? wanted : "";
-    if (directory.empty())
-        directory = installed_directory();
-    if (directory.empty())
-        directory = OSTREL_SOURCE_FLUIDS;
-    if (!directory.ends_with('/'))
-        directory += '/';
-    return directory;
 }
 
 void fluidpath(char *path, const char *, size_t path_len, size_t) {
     // A directory that does not fit is not cut, since the rest could name another directory. A name that is longer
     // than any directory's takes its place.
-    std::string directory = fluid_directory();
+    std::string directory = host::default_fluid_directory();
     if (directory.size() > path_len)
         directory.assign(path_len, '?');
     records::fill_text({path, path_len}, {directory});
@@ -79,13 +71,26 @@ int32_t getfluid(const char *location, const char *key, char *lines, int32_t *fo
 
 const ostrel_host host::default_routines = {fluidpath, searchdirectory, getfluid};
 
+std::string host::default_fluid_directory() {
+    const char *const wanted = std::getenv("OSTREL_FLUIDS");
+    std::string directory = wanted != nullptr ? wanted : "";
+    if (directory.empty())
+        directory = installed_directory();
+    if (directory.empty())
+        directory = OSTREL_SOURCE_FLUIDS;
+    if (!directory.ends_with('/'))
+        directory += '/';
+    return directory;
+}
+
 host::fluid_text host::default_fluid_lines(std::string_view location, std::string_view key) {
     fluid_text result;
-    const auto text = fluid_database::read(std::string(records::trimmed(location)), std::string(records::trimmed(key)));
+    auto text = fluid_database::read(std::string(records::trimmed(location)), std::string(records::trimmed(key)));
     if (!text)
         return result;
+    result.text = std::move(*text);
     result.lines.resize(static_cast<std::size_t>(line_count) * line_length);
-    result.problem = fluid_database::split(*text, result.lines, line_length);
+    result.problem = fluid_database::split(result.text, result.lines, line_length);
     if (!result.problem.empty())
         result.lines.clear();
     return result;

@@ -195,7 +195,7 @@ match match_of(const fluid &candidate, std::string_view key) {
 }
 
 /// The places of the fluids that have names near to a key in spelling, the nearest first.
-std::vector<std::size_t> near_fluids(const std::vector<fluid> &fluids, std::string_view key) {
+std::vector<std::size_t> near_fluids(const std::vector<fluid> &fluids, std::string_view key, bool however_far = false) {
     std::vector<std::string> names;
     std::vector<std::size_t> owners;
     for (std::size_t i = 0; i < fluids.size(); ++i)
@@ -204,7 +204,7 @@ std::vector<std::size_t> near_fluids(const std::vector<fluid> &fluids, std::stri
             owners.push_back(i);
         });
     std::vector<std::size_t> found;
-    for (const std::size_t place : spelling::nearest(key, names))
+    for (const std::size_t place : spelling::nearest(key, names, however_far))
         if (std::find(found.begin(), found.end(), owners[place]) == found.end())
             found.push_back(owners[place]);
     return found;
@@ -230,7 +230,9 @@ answer exact_answer(const std::vector<fluid> &fluids, std::string_view key) {
 
 } // namespace
 
-index::index(std::string folder) : folder_(std::move(folder)) {
+/// Reads the index, but not its rows yet.
+void index::read_text(std::string folder) {
+    folder_ = std::move(folder);
     if (!folder_.empty() && !folder_.ends_with('/'))
         folder_ += '/';
     text_ = text_of(folder_ + "index.csv");
@@ -238,8 +240,25 @@ index::index(std::string folder) : folder_(std::move(folder)) {
     if (text_.starts_with(mark))
         text_.erase(0, mark.size());
     read_heading(first_line(text_));
+}
+
+index::index(std::string folder) {
+    read_text(std::move(folder));
     if (places_[file] != nowhere)
-        fold_lines(std::min(text_.find('\n'), text_.size() - 1) + 1);
+        fold_lines(std::min(text_.find('\n'), text_.size() - 1) + 1, text_.size());
+}
+
+fluid index::facts(const std::string &folder, std::string_view file) {
+    index brief;
+    brief.read_text(folder);
+    // In nearly every index the row begins with the file's name, without quotation marks.
+    const std::size_t line = brief.text_.find('\n' + std::string(file) + ',');
+    if (brief.places_[column::file] == 0 && line != nowhere) {
+        brief.fold_lines(line + 1, std::min(brief.text_.find('\n', line + 1), brief.text_.size()));
+        if (fluid read = brief.fluid_of(0); read.file == file)
+            return read;
+    }
+    return index(folder).facts(file);
 }
 
 void index::read_heading(std::string_view line) {
@@ -254,7 +273,7 @@ void index::read_heading(std::string_view line) {
 
 /// Writes the fields of all lines as they are compared. That a key stands among them is necessary for a name, but not
 /// sufficient: the columns are not told apart here.
-void index::fold_lines(std::size_t start) {
+void index::fold_lines(std::size_t start, std::size_t end) {
     // Outside and inside of quotation marks; 0 is left out.
     static constexpr auto tables = [] {
         std::array<std::array<char, 256>, 2> result{};
@@ -266,24 +285,30 @@ void index::fold_lines(std::size_t start) {
         return result;
     }();
     rows_.reserve(512);
-    keys_.resize(text_.size() + 2); // No field is longer than in the text; there is a comma before the first one.
+    keys_.resize(end - start + 2); // No field is longer than in the text; there is a comma before the first one.
     std::size_t size = 0;
     keys_[size++] = ',';
-    while (start < text_.size()) {
+    while (start < end) {
         const std::string_view line =
             std::string_view(text_).substr(start, std::min(text_.find('\n', start), text_.size()) - start);
         rows_.push_back({start, size - 1});
-        // Only this loop has a notable cost.
+        // Only these loops have a notable cost. Most lines have no quotation marks.
         char *to = keys_.data() + size;
         std::size_t quoted = 0;
         unsigned all = 0;
-        for (const char c : line) {
-            const unsigned byte = static_cast<unsigned char>(c);
+        const auto fold = [&](unsigned byte, const std::array<char, 256> &table) {
             all |= byte;
-            *to = tables[quoted][byte];
+            *to = table[byte];
             to += *to != 0 ? 1 : 0;
-            quoted ^= byte == '"' ? 1U : 0U;
-        }
+        };
+        if (line.find('"') == nowhere)
+            for (const char c : line)
+                fold(static_cast<unsigned char>(c), tables[0]);
+        else
+            for (const char c : line) {
+                fold(static_cast<unsigned char>(c), tables[quoted]);
+                quoted ^= c == '"' ? 1U : 0U;
+            }
         if (all < 0x80) {
             size = static_cast<std::size_t>(to - keys_.data());
         } else {
@@ -411,6 +436,15 @@ answer index::find(std::string_view words) const {
     return result;
 }
 
+std::vector<fluid> index::nearest(std::string_view words, std::size_t most) const {
+    const std::vector<fluid> fluids = all();
+    std::vector<fluid> result;
+    for (const std::size_t place : near_fluids(fluids, key_of(words), true))
+        if (result.size() < most)
+            result.push_back(fluids[place]);
+    return result;
+}
+
 std::vector<fluid> index::search(std::string_view words, std::size_t most) const {
     std::vector<fluid> fluids = all();
     if (words.find_first_not_of(' ') == nowhere) {
@@ -445,6 +479,18 @@ std::vector<fluid> index::search(std::string_view words, std::size_t most) const
         if (result.size() < most)
             result.push_back(std::move(fluids[place]));
     return result;
+}
+
+answer find(const std::string &folder, std::string_view words) {
+    std::error_code failed;
+    if (names_file(words) && std::filesystem::is_regular_file(
+                                 std::filesystem::path(folder) / (std::string(words) + std::string(extension)), failed))
+        return {outcome::by_file, {index::facts(folder, words)}};
+    return index(folder).find(words);
+}
+
+std::string described(const fluid &one) {
+    return one.name.empty() || one.name == one.file ? one.file : one.file + " (" + one.name + ')';
 }
 
 } // namespace fluid_index

@@ -63,10 +63,16 @@ public:
     /// there is one of the first kind, names near in spelling follow. No words find all fluids.
     std::vector<fluid> search(std::string_view words, std::size_t most = std::string_view::npos) const;
 
+    /// At most `most` fluids of the folder, those with the names nearest in spelling, however far they are.
+    std::vector<fluid> nearest(std::string_view words, std::size_t most) const;
+
     /// What the index says of a file; nothing but its name if the index does not have it.
     fluid facts(std::string_view file) const;
+    /// The same, without reading the other rows of the folder's index if there is no need.
+    static fluid facts(const std::string &folder, std::string_view file);
 
 private:
+    index() = default;
     /// The columns of the index, in the order of their names in fluid_index.cpp.
     enum column { file, name, aliases, refrigerant, formula, cas, family, Tt, cp_Tmin, cp_Tmax, columns };
     struct row {
@@ -74,8 +80,9 @@ private:
         std::size_t keys; ///< where its names begin in keys_
     };
 
+    void read_text(std::string folder);
     void read_heading(std::string_view line);
-    void fold_lines(std::size_t start);
+    void fold_lines(std::size_t start, std::size_t end);
     std::vector<std::size_t> rows_with(std::string_view key) const;
     fluid fluid_of(std::size_t row) const;
     bool first_of_its_file(std::size_t row, const fluid &read) const;
@@ -88,5 +95,12 @@ private:
     std::vector<row> rows_; ///< the lines behind the heading, which may be broken
     std::array<std::size_t, columns> places_{}; ///< the place of each column in a line; npos if there is none
 };
+
+/// The fluid that the words name in a folder, as index(folder).find(words) gives it. If the words are the exact name of
+/// a file, this is faster.
+answer find(const std::string &folder, std::string_view words);
+
+/// A fluid for people: its file, and its name if that differs.
+std::string described(const fluid &one);
 
 } // namespace fluid_index

@@ -36,9 +36,9 @@ std::size_t distance(std::string_view a, std::string_view b) {
 
 } // namespace
 
-std::vector<std::size_t> nearest(std::string_view written, std::span<const std::string> names) {
+std::vector<std::size_t> nearest(std::string_view written, std::span<const std::string> names, bool however_far) {
     const std::string wanted = lower(written);
-    const std::size_t allowed = std::max<std::size_t>(1, wanted.size() / 3);
+    const std::size_t allowed = however_far ? longest : std::max<std::size_t>(1, wanted.size() / 3);
     std::vector<std::pair<std::size_t, std::size_t>> near;
     for (std::size_t place = 0; place < names.size(); ++place) {
         const std::string name = lower(names[place]);

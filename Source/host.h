@@ -32,15 +32,17 @@ std::string fluid_directory();
 /// Fills 500 entries of name_length characters with the names of the directory's parameter files.
 void search_directory(std::string_view directory, std::span<char> names, std::size_t name_length);
 /// A fluid's text from a database: its 255 lines, one after the other. If the database does not give them there are
-/// none, and `problem` says why if the reason is known.
+/// none, and `problem` says why if the reason is known. The default host also gives the text as it is.
 struct fluid_text {
     std::vector<char> lines;
     std::string problem;
+    std::string text;
 };
 /// The answer of the routine in use. The lines of a replaced routine end at their first NUL, and those of the default
 /// host keep every byte. Carriage returns at the ends of lines are removed.
 fluid_text fluid_lines(std::string_view location, std::string_view key);
-/// The answer of the default host, even if its routine is replaced.
+/// The answers of the default host, even if its routines are replaced.
+std::string default_fluid_directory();
 fluid_text default_fluid_lines(std::string_view location, std::string_view key);
 
 } // namespace host

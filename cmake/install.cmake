@@ -18,11 +18,11 @@ set(OSTREL_FORTRAN_SOURCE ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90)
 include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
 install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES Include/ostrel.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES Include/ostrel.h Include/ostrel_fluid.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES Documentation/Entry-points.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-# Two headers are left out, since the library does not export what they declare.
+# Two headers and the folder of the handles are left out, since the library does not export what they declare.
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
-        FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE)
+        FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE PATTERN Fluid EXCLUDE)
 install(FILES ${OSTREL_FORTRAN_SOURCE} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
 install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} FILES_MATCHING PATTERN "*.osd" PATTERN index.csv)
 

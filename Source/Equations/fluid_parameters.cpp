@@ -4,10 +4,8 @@
 #include <utility>
 
 namespace equations {
-namespace {
 
-/// The model that has this code, with empty parameters; no_model if there is none.
-any_model model_of(std::int32_t code) {
+any_model empty_model(std::int32_t code) {
     any_model model;
 #define OSTREL_EMPTY_MODEL(unused, type, Model, ...) \
     case type:                                       \
@@ -22,11 +20,9 @@ any_model model_of(std::int32_t code) {
     return model;
 }
 
-} // namespace
-
 void read(records::record_reader &in, fluid_parameters &fluid) {
     const auto read_model = [&] {
-        fluid.model = model_of(fluid.gas_type);
+        fluid.model = empty_model(fluid.gas_type);
         std::visit([&](auto &model) { read_parameters(in, model); }, fluid.model);
     };
     read_sections(in, fluid.constants, fluid.gas_type, read_model, fluid.heat);

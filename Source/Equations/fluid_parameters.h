@@ -18,6 +18,9 @@ struct fluid_parameters {
     bounds lowest{};
 };
 
+/// The model that has this code, with empty parameters; no_model if there is none.
+any_model empty_model(std::int32_t code);
+
 /// Reads the sections up to the heat capacity. read_model() reads the model's own parameters as soon as gas_type is
 /// known.
 template <class ReadModel>

@@ -74,6 +74,21 @@ constexpr const model_names *find_model(std::int32_t code) {
                : nullptr;
 }
 
+/// The words for the models in options, which are their short names in lower case, in the order of the codes.
+inline constexpr auto letters_of_model_words = [] {
+    std::array<std::array<char, 4>, model_count> words{}; // with a NUL at the end
+    for (std::size_t i = 0; i < model_count; ++i)
+        for (std::size_t j = 0; j < records::trimmed(names_of_models[i].short_name).size(); ++j)
+            words[i][j] = records::lower(names_of_models[i].short_name[j]);
+    return words;
+}();
+inline constexpr auto words_of_models = [] {
+    std::array<std::string_view, model_count> words{};
+    for (std::size_t i = 0; i < model_count; ++i)
+        words[i] = letters_of_model_words[i].data();
+    return words;
+}();
+
 // Reading and writing of the records that only one model has in a parameter file.
 
 inline void read_parameters(records::record_reader &in, ideal_Z &p) {

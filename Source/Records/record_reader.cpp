@@ -309,16 +309,12 @@ bool record_reader::read(std::span<const item> items) {
     return true;
 }
 
-namespace {
-
-/// The file's name without its folder, cut so that the rest of a message has room.
-std::string short_name(std::string_view path) {
+std::string source_of_file(std::string_view path) {
     const std::string_view name = path.substr(path.find_last_of('/') + 1);
     return "file " + printable(name, 64);
 }
 
-/// Reads a whole file into memory. Returns 0, or errno's code. A directory opens like a file and has no records.
-int read_whole(const std::string &path, std::string &text) {
+int read_file(const std::string &path, std::string &text) {
     if (path.find('\0') != std::string::npos)
         return ENOENT;
     // Reading a pipe, a socket or a terminal would wait for someone to write, and reading a fluid must never hang.
@@ -344,15 +340,13 @@ int read_whole(const std::string &path, std::string &text) {
     return std::ferror(file.get()) != 0 ? EIO : 0;
 }
 
-} // namespace
-
-file_reader::file_reader(std::string_view path) : record_reader(short_name(trimmed(path))) {
-    open_status_ = read_whole(std::string(trimmed(path)), text_);
+file_reader::file_reader(std::string_view path) : text_reader(source_of_file(trimmed(path)), {}) {
+    open_status_ = read_file(std::string(trimmed(path)), text_);
     if (open_status_ != 0)
         text_.clear();
 }
 
-bool file_reader::next_record(std::string_view &record) {
+bool text_reader::next_record(std::string_view &record) {
     if (position_ >= text_.size())
         return false;
     const std::size_t end = std::min(text_.find('\n', position_), text_.size());
@@ -363,7 +357,7 @@ bool file_reader::next_record(std::string_view &record) {
     return true;
 }
 
-bool file_reader::step() {
+bool text_reader::step() {
     std::string_view ignored;
     return next_record(ignored);
 }

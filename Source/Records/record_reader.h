@@ -88,8 +88,30 @@ private:
     std::string message_;
 };
 
+/// Reads a whole file into memory and closes it. Returns 0, or errno's code of the failed open. A directory opens like
+/// a file and has no text; a pipe, a socket or a terminal is refused.
+int read_file(const std::string &path, std::string &text);
+/// The file's name without its folder, as the source in messages, cut so that the rest of a message has room.
+std::string source_of_file(std::string_view path);
+
+/// Reads the records of a text, which is taken into memory.
+class text_reader : public record_reader {
+public:
+    text_reader(std::string source, std::string text) : record_reader(std::move(source)), text_(std::move(text)) {}
+
+protected:
+    std::string text_;
+
+private:
+    bool next_record(std::string_view &record) override;
+    bool step() override;
+    bool continues() const override { return true; }
+
+    std::size_t position_ = 0;
+};
+
 /// Reads a sequential file. The constructor takes the whole file into memory and closes it.
-class file_reader final : public record_reader {
+class file_reader final : public text_reader {
 public:
     /// Opens an existing file for reading; trailing blanks of the path do not count.
     explicit file_reader(std::string_view path);
@@ -97,13 +119,7 @@ public:
     int open_status() const { return open_status_; }
 
 private:
-    bool next_record(std::string_view &record) override;
-    bool step() override;
-    bool continues() const override { return true; }
-
     int open_status_ = 0;
-    std::string text_;
-    std::size_t position_ = 0;
 };
 
 /// Reads an array of `count` lines of `length` characters from the line behind `index`, which it advances.

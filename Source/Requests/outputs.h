@@ -65,4 +65,12 @@ inline constexpr information informations[] = {
     {{"p_crit", "Pa", "critical pressure"}, [](const gas_constants &g) { return g.Pc; }},
 };
 
+/// The constant with this name. An unknown name does not compile.
+consteval const information &information_of(std::string_view name) {
+    const information *found = std::begin(informations);
+    while (found->text.name != name)
+        ++found;
+    return *found;
+}
+
 } // namespace requests

@@ -3,6 +3,7 @@
 // linked with the library, since all copies would then use the linked library's symbols.
 #include "Tests/Support/child_process.h"
 #include "ostrel.h"
+#include "ostrel_fluid.h"
 
 #include <dlfcn.h>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <malloc.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -223,6 +225,45 @@ TEST(unloading, leaves_nothing_and_starts_afresh) {
     EXPECT_LT(mallinfo2().uordblks, in_use + 2000);
 }
 
+/// Uses the handles of a loaded library: opens a fluid, computes with threads, and leaves a message in this thread.
+std::string message_of_handles(const library &once) {
+    ostrel_fluid *fluid = nullptr;
+    if (once.function<decltype(ostrel_fluid_open)>("ostrel_fluid_open")("toluene", "model=pr", &fluid) != OSTREL_OK)
+        return "not opened";
+    std::vector<double> t(200, 400.0), v(200, 0.5), p(200);
+    const auto evaluate = once.function<decltype(ostrel_fluid_evaluate_parallel)>("ostrel_fluid_evaluate_parallel");
+    if (evaluate(fluid, "tv", "t", t.size(), t.data(), v.data(), p.data(), nullptr, 4) != OSTREL_OK || p != t)
+        return "not computed";
+    once.function<decltype(ostrel_fluid_constant)>("ostrel_fluid_constant")(fluid, "none");
+    once.function<decltype(ostrel_fluid_close)>("ostrel_fluid_close")(fluid);
+    return once.function<decltype(ostrel_last_message)>("ostrel_last_message")();
+}
+
+TEST(unloading, handles_leave_nothing) {
+    std::size_t in_use = 0;
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_FALSE(loaded(library_file));
+        {
+            const library once(library_file);
+            ASSERT_STREQ(once.function<decltype(ostrel_last_message)>("ostrel_last_message")(), "");
+            ASSERT_TRUE(message_of_handles(once).starts_with("constant \"none\""));
+            ASSERT_TRUE(loaded(library_file));
+        }
+        ASSERT_FALSE(mapped(library_file));
+        if (round == 30)
+            in_use = mallinfo2().uordblks;
+    }
+    EXPECT_LT(mallinfo2().uordblks, in_use + 2000);
+}
+
+TEST(copies, have_messages_of_their_own) {
+    const copied_file copy;
+    const library first(library_file), second(copy.path());
+    ASSERT_TRUE(message_of_handles(first).starts_with("constant \"none\""));
+    EXPECT_STREQ(second.function<decltype(ostrel_last_message)>("ostrel_last_message")(), "");
+}
+
 TEST(unloading, while_a_thread_of_the_host_goes_on) {
     // A thread that has used the library ends after the library is unloaded. None of its code may be called then.
     int ready[2], go[2];
@@ -244,6 +285,9 @@ TEST(unloading, while_a_thread_of_the_host_goes_on) {
             const double t = 500.0, q = 1.0;
             prop("water", "tq", &t, &q, "p", text, 5, 2, 1, sizeof text);
             w->ok = std::string_view(text, 9) == "No errors";
+            // This gives the thread a message.
+            reinterpret_cast<decltype(ostrel_fluid_open) *>(dlsym(w->handle, "ostrel_fluid_open"))("water", nullptr,
+                                                                                                   nullptr);
         }
         char byte = 0;
         static_cast<void>(!write(w->ready, &byte, 1));

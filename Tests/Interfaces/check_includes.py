@@ -17,8 +17,8 @@ ROOMS = {
     "Source/Equations/": ("Source/visibility.h", "Source/Records/", "Source/Algebra/"),
     "Source/Requests/": ("Source/visibility.h", "Source/Records/", "Source/Algebra/", "Source/Equations/"),
     "Source/Thermodynamics/": ("Source/visibility.h", "Source/Records/", "Source/Algebra/", "Source/Equations/"),
-    "Source/Fluid/": ("Source/visibility.h", "Source/floating_point.h", "Source/Records/", "Source/Algebra/",
-                      "Source/Equations/", "Source/Requests/", "Include/"),
+    "Source/Fluid/": ("Source/visibility.h", "Source/floating_point.h", "Source/host.h", "Source/Records/",
+                      "Source/Algebra/", "Source/Equations/", "Source/Requests/", "Host/", "Include/"),
     "Source/": ("Source/", "Include/"),
     "Host/": ("Source/host.h", "Source/Records/", "Source/visibility.h", "Include/"),
     "CommandLine/": ("Source/", "Host/", "Include/"),
@@ -62,10 +62,15 @@ def self_test():
             "Source/Thermodynamics/module.h": '#include "Equations/model.h"\n',
             "Source/frame.cpp": '#include "Thermodynamics/module.h"\n#include "host.h"\n#include <vector>\n',
             "Source/host.h": '#include "ostrel.h"\n', "Include/ostrel.h": "",
-            "Host/default.cpp": '#include "host.h"\n', "CommandLine/main.cpp": '#include "Equations/model.h"\n'}
+            "Host/default.cpp": '#include "host.h"\n', "Host/index.h": "",
+            "Source/Fluid/handle.cpp": '#include "Equations/model.h"\n#include "Host/index.h"\n#include "host.h"\n',
+            "CommandLine/main.cpp": '#include "Equations/model.h"\n'}
     assert list(complaints(good)) == [], list(complaints(good))
     for path, line in (("Source/Equations/model.h", "Thermodynamics/module.h"), ("Source/Equations/model.h", "host.h"),
-                       ("Source/Thermodynamics/module.h", "host.h"), ("Source/frame.cpp", "CommandLine/main.cpp"),
+                       ("Source/Thermodynamics/module.h", "host.h"),
+                       ("Source/Fluid/handle.cpp", "Thermodynamics/module.h"), ("Source/Fluid/handle.cpp", "frame.cpp"),
+                       ("Source/Equations/model.h", "Fluid/handle.cpp"), ("Host/default.cpp", "Fluid/handle.cpp"),
+                       ("Source/frame.cpp", "CommandLine/main.cpp"),
                        ("Host/default.cpp", "Equations/model.h"), ("Source/host.h", "Host/default.cpp"),
                        ("Source/frame.cpp", "missing.h")):
         bad = {**good, path: good[path] + f'#include "{line}"\n'}
