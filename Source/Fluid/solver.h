@@ -468,9 +468,11 @@ private:
         return {T, r, last < 1e-10};
     }
 
-    /// A root of f within a bracket at whose ends it has different signs; f(x) is {value, slope}.
+    /// A root of f within a bracket at whose ends it has different signs; f(x) is {value, slope}. Unless f is smooth,
+    /// convergence shows nothing about the next step.
     template <class F>
-    static double bracketed(double low, double high, double start, bool rises, F f, double tolerance = 1e-15) {
+    static double bracketed(double low, double high, double start, bool rises, F f, double tolerance = 1e-15,
+                            bool smooth = true) {
         double x = start > low && start < high ? start : 0.5 * (low + high);
         double last = infinite;
         for (int step = 0; step < 300; ++step) {
@@ -486,7 +488,7 @@ private:
             }
             if (next == x || next <= low || next >= high || std::abs(next - x) <= tolerance * std::abs(x))
                 return next;
-            if (settled(change / std::abs(x), last / std::abs(x)))
+            if (smooth && settled(change / std::abs(x), last / std::abs(x)))
                 return next;
             last = change;
             x = next;
@@ -527,7 +529,7 @@ private:
     template <letter X>
     on_isochore equilibrium(double T, double V, double r) const;
     template <letter X>
-    solved isochore_search(double V, double x, double T_low, double T_high, double start) const;
+    solved isochore_search(double V, double x, double T_low, double T_high, double start, bool smooth = false) const;
 
     /// The saturated phases at the nodes of the line, for starts.
     struct saturated_node {

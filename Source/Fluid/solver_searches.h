@@ -341,7 +341,8 @@ typename solver<Model>::on_isochore solver<Model>::equilibrium(double T, double 
 
 template <class Model>
 template <letter X>
-solved solver<Model>::isochore_search(double V, double x, double T_low, double T_high, double start) const {
+solved solver<Model>::isochore_search(double V, double x, double T_low, double T_high, double start,
+                                      bool smooth) const {
     const double r = r_of(V);
     const auto f = [&](double T) {
         const on_isochore e = equilibrium<X>(T, V, r);
@@ -370,7 +371,7 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
                 return failure;
         }
     }
-    const double T = bracketed(low, high, start, true, f);
+    const double T = bracketed(low, high, start, true, f, 1e-15, smooth);
     const on_isochore e = equilibrium<X>(T, V, r);
     if (!e.there || !(std::abs(e.value - x) <= 1e-9 * (std::abs(e.slope) * T + std::abs(x))))
         return failure;
@@ -431,7 +432,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
                             return {OSTREL_OK, T_s, x, V, r, (V - V_l) / (V_g - V_l)};
                     } else {
                         const solved found =
-                            isochore_search<X>(V, x, node(low).T * (1.0 - 1e-13), node(high).T * (1.0 + 1e-13), start);
+                            isochore_search<X>(V, x, node(low).T * (1.0 - 1e-13), node(high).T, start, true);
                         if (found.status == OSTREL_OK)
                             return found;
                     }
