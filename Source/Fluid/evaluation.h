@@ -12,6 +12,7 @@
 
 #include "Equations/complete.h"
 #include "Equations/transport.h"
+#include "Fluid/pressures.h"
 #include "Fluid/solver.h"
 
 #include <bit>
@@ -53,6 +54,12 @@ public:
     const equations::gas_constants &gas_constants() const { return gas_; }
 
     void complete_constants() {
+        plain_low_ = std::max(safe_low_, 1e-3);
+        plain_high_ = safe_high_;
+        if (wanted_.states == allowed_states::surface && heat_.function_type != ideal_gas_heat::piecewise) {
+            plain_low_ = 1e-3;
+            plain_high_ = 1e6;
+        }
         r_c_ = solver_.r_of(1.0 - solver_.offset());
         const bool critical = gas_.vapor;
         const double V_c = (1.0 - solver_.offset()) * gas_.v_ref;
@@ -93,6 +100,13 @@ public:
         const needs plan = needs_of(wanted);
         int result = OSTREL_OK;
         with_pair(pair, [&](auto row) {
+            constexpr letter B = input_pairs[row.value].second;
+            if constexpr (input_pairs[row.value].first == letter::t && (B == letter::v || B == letter::d)) {
+                if (wanted.size() == 1 && wanted[0].what == property::p) {
+                    result = pressures<row.value>(swapped, count, first, second, values, status);
+                    return;
+                }
+            }
             for (std::size_t i = 0; i < count; ++i) {
                 const ostrel_state state = one_state<row.value>(swapped, first[i], second[i]);
                 note(one_output(plan, wanted, state, values + i * wanted.size()), i, status, result);
@@ -337,6 +351,41 @@ private:
         if (wanted_.states == allowed_states::metastable_vapor)
             return vapor;
         return r > r_c_ ? liquid : vapor;
+    }
+
+    /// The pressures at T and v or d. Most states are plain: one look shows that they are of one phase.
+    template <std::size_t row>
+    int pressures(bool swapped, std::size_t count, const double *first, const double *second, double *values,
+                  int *status) const {
+        constexpr letter B = input_pairs[row].second;
+        constexpr std::size_t block = 64;
+        static constexpr output p_only[1] = {{property::p}};
+        const double *const t = swapped ? second : first;
+        const double *const x = swapped ? first : second;
+        const pressure_scales scales = {per_T_, per_v_, solver_.offset(), gas_.P_ref};
+        const needs plan{};
+        int result = OSTREL_OK;
+        for (std::size_t begin = 0; begin < count; begin += block) {
+            const std::size_t n = std::min(block, count - begin);
+            if constexpr (B == letter::v)
+                pressures_at_volumes(solver_.model(), scales, n, t + begin, x + begin, values + begin);
+            else
+                pressures_at_densities(solver_.model(), scales, n, t + begin, x + begin, values + begin);
+            for (std::size_t i = begin; i < begin + n; ++i) {
+                int of_state = OSTREL_OK;
+                if (!(plain<B>(t[i], x[i]) && finite(values[i])))
+                    of_state = one_output(plan, p_only, one_state<row>(swapped, first[i], second[i]), values + i);
+                note(of_state, i, status, result);
+            }
+        }
+        return result;
+    }
+    template <letter B>
+    OSTREL_INLINE bool plain(double t, double x) const {
+        const double T = t * per_T_;
+        const double v = B == letter::v ? x : 1.0 / x;
+        return T >= plain_low_ && T <= plain_high_ && v > constants_.v_min && finite(v) &&
+               solver_.plain(T, v * per_v_);
     }
 
     /// Both saturated phases from one solve, with the bits that one_state gives for the qualities 0 and 1.
@@ -682,6 +731,8 @@ private:
     double r_c_ = 0; ///< r at the critical point
     double safe_low_ = 0;
     double safe_high_ = 0;
+    double plain_low_ = 0; ///< between these temperatures no state needs a look at its heat capacity
+    double plain_high_ = 0;
 };
 
 } // namespace fluid

@@ -39,7 +39,7 @@ public:
 
     /// How P compares with the saturation pressure at T without computing it: -1 below, 1 above, 0 not known.
     int side_of_pressure(double T, double P) const {
-        const int k = cell(T);
+        const int k = cell_of_temperature(T);
         if (k < 0)
             return 0;
         return P < nodes_[k].P * below ? -1 : P > nodes_[k + 1].P * above ? 1 : 0;
@@ -47,7 +47,7 @@ public:
     /// Whether r is of a gas (-1), of a liquid (1) or of both phases (2) at T without computing the phases; 0 not
     /// known.
     int side_of_density(double T, double r) const {
-        const int k = cell(T);
+        const int k = cell_of_temperature(T);
         if (k < 0 || k + 1 >= cells)
             return 0;
         if (r < nodes_[k].r_g * below)
@@ -76,8 +76,8 @@ public:
             if (change <= 1e-16 * T || change >= last)
                 return T;
             last = change > 1e-13 * T ? infinite : change;
-            // The error of ln P at the next temperature is about the square of the one here.
-            if (std::abs(y) < 1e-8 && T < of_.T_c * (1.0 - 1e-4)) {
+            // The error of ln P at the next temperature is a small part of the square of the one here.
+            if (std::abs(y) < 2e-7 && T < of_.T_c * (1.0 - 1e-4)) {
                 at = of_.saturated(next);
                 return next;
             }
@@ -87,6 +87,11 @@ public:
     }
 
     static constexpr int cells = 32;
+    /// The cell of a temperature; -1 outside the cells.
+    OSTREL_INLINE int cell_of_temperature(double T) const {
+        const double place = (T - begin_) * inverse_step_;
+        return place >= 0 && place < cells ? static_cast<int>(place) : -1;
+    }
     double T_of_node(int k) const { return k == cells ? of_.T_c : begin_ + step_ * k; }
     phases at_node(int k) const {
         const node &n = nodes_[k];
@@ -145,11 +150,6 @@ private:
         const double y = 1.0 - x;
         return 1.0 / (y * y * ((1.0 + 2.0 * x) * a.inverse_T + x * width * a.slope) +
                       x * x * ((1.0 + 2.0 * y) * b.inverse_T - y * width * b.slope));
-    }
-
-    int cell(double T) const {
-        const double place = (T - begin_) * inverse_step_;
-        return place >= 0 && place < cells ? static_cast<int>(place) : -1;
     }
 
     Surface of_;

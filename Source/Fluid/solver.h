@@ -263,6 +263,25 @@ public:
         }
     }
 
+    /// Whether one look shows that T and V have one phase, and that P is that of the algebra.
+    OSTREL_INLINE bool plain(double T, double V) const {
+        if constexpr (!surface_type::saturates) {
+            return true;
+        } else {
+            const double distance = T - surface_.T_c;
+            if (std::abs(distance) < 0.05 * surface_.T_c && std::abs(V + offset_ - 1.0) < 0.5)
+                return false;
+            if (states_ == allowed_states::surface)
+                return true;
+            if (distance > 0)
+                return surface_type::never_ends;
+            if (states_ != allowed_states::stable || surface_.line_ends)
+                return false;
+            const int k = line_.cell_of_temperature(T);
+            return k >= 0 && (V < node(k).V_l * (1.0 - 1e-13) || V > node(k).V_g * (1.0 + 1e-13));
+        }
+    }
+
     /// T and V are given.
     solved from_T_V(double T, double V) const {
         const double r = r_of(V);

@@ -359,7 +359,7 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
             if (!(high < 1e9 * surface_.T_c))
                 return failure;
         }
-    } else if (!(f(high).value >= 0)) {
+    } else if (!smooth && !(f(high).value >= 0)) {
         return failure;
     }
     if (low == 0) {

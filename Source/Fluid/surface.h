@@ -85,6 +85,8 @@ template <class Model>
 class cubic_surface {
 public:
     static constexpr bool saturates = true;
+    /// Whether isotherms above the critical temperature have a state at every v > b.
+    static constexpr bool never_ends = !std::is_base_of_v<equations::clausius_II, Model>;
 
     /// The critical temperature is in T_ref; P_lowest [P_ref] is the pressure below which the saturation line has
     /// underflowed.
@@ -195,6 +197,7 @@ private:
 class martin_hou_surface {
 public:
     static constexpr bool saturates = true;
+    static constexpr bool never_ends = false;
 
     martin_hou_surface(const equations::martin_hou &model, double critical_temperature, double P_lowest);
 
