@@ -40,7 +40,7 @@ public:
         for (std::size_t k = 0; k < s_.size(); ++k)
             s_[k] = around_critical(change, k) + (k > 2 ? around_critical(at_critical, k) : 0.0);
         slope_ = polynomial_roots::derivative(s_);
-        find_branches(T < T_c);
+        below_critical_ = T < T_c;
     }
 
     double P(double r) const {
@@ -50,13 +50,33 @@ public:
     }
     double slope(double r) const { return polynomial_roots::value(slope_, r - r_c_); }
 
-    // The ends of the stable branches. Above the critical temperature there is only the gas, which ends at `top`.
-    double gas_end = infinite;    ///< the gas's spinodal
-    double liquid_end = infinite; ///< the liquid's spinodal
-    double top = infinite;        ///< where the densest stable branch ends
+    // The ends of the stable branches. Above the critical temperature there is only the gas, which ends at top(). They are
+    // sought when they are asked for first.
+    double gas_end() const { return ends().gas; }       ///< the gas's spinodal
+    double liquid_end() const { return ends().liquid; } ///< the liquid's spinodal
+    double top() const { return ends().top; }           ///< where the densest stable branch ends
 
-    double gas(double P_given) const { return on_branch({P_given, P_given - 1.0}, 0, gas_end); }
-    double liquid(double P_given) const { return on_branch({P_given, P_given - 1.0}, liquid_end, top); }
+    /// r of the gas at P. Below `simple` isotherms of the gas have no inflection, so that no end can lie before a state
+    /// at which P rises.
+    double gas(double P_given, double simple) const {
+        const double r = newton({P_given, P_given - 1.0}, P_given / c_[1]);
+        if (r > 0 && r < simple && slope(r) > 0)
+            return r;
+        return on_branch({P_given, P_given - 1.0}, 0, gas_end());
+    }
+    double liquid(double P_given) const { return on_branch({P_given, P_given - 1.0}, liquid_end(), top()); }
+    /// r of the first inflection.
+    double bend() const {
+        const auto turns = polynomial_roots::within(polynomial_roots::derivative(slope_), -r_c_, beyond);
+        return turns.number > 0 ? r_c_ + turns.root[0] : infinite;
+    }
+    /// Whether the isotherm has a saturation.
+    bool saturates() const {
+        if (!(gas_end() < liquid_end()))
+            return false;
+        const pressure high = highest();
+        return key(high) > key(lowest()) && excess(high, branch(high, true), branch(high, false)) <= 0;
+    }
 
     struct phases {
         bool found = false;
@@ -64,21 +84,22 @@ public:
         double r_l = 0;
         double r_g = 0;
     };
-    /// Both phases below the critical temperature; `start` is a guess of the pressure, or 0.
-    phases saturation(double start) const {
-        if (!(gas_end < liquid_end))
+    /// Both phases below the critical temperature; `start` is a guess, with P = 0 if there is none.
+    phases saturation() const { return saturation(phases{}); }
+    phases saturation(const phases &start) const {
+        if (start.P > 0) {
+            const phases found = saturation_near(start);
+            if (found.found)
+                return found;
+        }
+        if (!saturates())
             return {};
-        pressure high = at(gas_end);
-        if (top < infinite && at(top).from_critical < high.from_critical)
-            high = at(top);
-        const pressure at_liquid_end = at(liquid_end);
-        pressure low = at_liquid_end.P > 0 ? at_liquid_end : pressure{0.0, -1.0};
-        if (!(key(high) > key(low)) || excess(high, branch(high, true), branch(high, false)) > 0)
-            return {};
+        pressure high = highest();
+        pressure low = lowest();
         // The difference of the Gibbs energies falls with the pressure. It is nearly linear in the pressure near the
         // critical point, where P - 1 has the digits, and elsewhere in the logarithm.
-        pressure now = {start, start - 1.0};
-        if (!(start > low.P && start < high.P))
+        pressure now = {start.P, start.P - 1.0};
+        if (!(start.P > low.P && start.P < high.P))
             now = middle(low, high);
         phases result;
         double last = infinite;
@@ -127,7 +148,54 @@ private:
     /// What pressures are compared by.
     double key(const pressure &p) const { return near_ ? p.from_critical : p.P; }
     double branch(const pressure &at_P, bool liquid_branch) const {
-        return liquid_branch ? on_branch(at_P, liquid_end, top) : on_branch(at_P, 0, gas_end);
+        return liquid_branch ? on_branch(at_P, liquid_end(), top()) : on_branch(at_P, 0, gas_end());
+    }
+
+    pressure highest() const {
+        const pressure at_gas_end = at(gas_end());
+        return top() < infinite && key(at(top())) < key(at_gas_end) ? at(top()) : at_gas_end;
+    }
+    pressure lowest() const {
+        const pressure at_liquid_end = at(liquid_end());
+        return at_liquid_end.P > 0 ? at_liquid_end : pressure{0.0, -1.0};
+    }
+
+    /// The root near a start, by Newton's method alone; 0 if it does not converge.
+    double newton(const pressure &given, double x) const {
+        for (int step = 0; step < 20; ++step) {
+            const double change = above(x, given) / slope(x);
+            x -= change;
+            if (!(std::abs(change) > 1e-9 * x))
+                return std::abs(change) < infinite ? x - above(x, given) / slope(x) : 0.0;
+        }
+        return 0.0;
+    }
+    /// From a start that is so good that Newton's method alone converges; not found otherwise.
+    phases saturation_near(const phases &start) const {
+        pressure now = {start.P, start.P - 1.0};
+        phases result = start;
+        for (int step = 0; step < 8; ++step) {
+            result.r_l = newton(now, result.r_l);
+            result.r_g = newton(now, result.r_g);
+            // At least half of the distance between the phases that is expected, and both stable.
+            if (!(result.r_g > 0.5 * start.r_g && result.r_l > result.r_g + 0.7 * (start.r_l - start.r_g)) ||
+                !(slope(result.r_l) > 0 && slope(result.r_g) > 0))
+                return {};
+            const double change = excess(now, result.r_l, result.r_g) / (1 / result.r_g - 1 / result.r_l);
+            const double moved = near_ ? std::abs(change / now.from_critical) : std::abs(change / now.P);
+            if (near_)
+                now = {now.P + change, now.from_critical + change};
+            else
+                now.from_critical = (now.P *= std::exp(change / now.P)) - 1.0;
+            if (moved < 1e-8) {
+                result.r_l = newton(now, result.r_l);
+                result.r_g = newton(now, result.r_g);
+                result.P = now.P;
+                result.found = result.r_l > result.r_g && result.r_g > 0;
+                return result;
+            }
+        }
+        return {};
     }
 
     double around_critical(const std::array<double, 6> &c, std::size_t k) const {
@@ -197,27 +265,41 @@ private:
         return c_[1] * std::log(r) + attraction + P(r) * (b_ + 1 / r);
     }
 
-    void find_branches(bool below_critical) {
-        constexpr double beyond = 1000; // in units of 1/v_ref; no real state is so dense
+    static constexpr double beyond = 1000; // in units of 1/v_ref; no real state is so dense
+    struct branch_ends {
+        double gas = infinite;
+        double liquid = infinite;
+        double top = infinite;
+        bool known = false;
+    };
+    const branch_ends &ends() const {
+        if (!ends_.known)
+            ends_ = find_ends();
+        return ends_;
+    }
+    branch_ends find_ends() const {
+        branch_ends found;
+        found.known = true;
         const auto turns = polynomial_roots::within(polynomial_roots::derivative(slope_), -r_c_, beyond);
-        const auto ends = polynomial_roots::within(slope_, -r_c_, beyond);
-        const double bend = turns.number > 0 ? turns.root[0] : 0.0;
-        if (below_critical && ends.number > 1 && ends.root[0] < bend && bend < ends.root[1]) {
-            gas_end = r_c_ + ends.root[0];
-            liquid_end = r_c_ + ends.root[1];
-            if (ends.number > 2)
-                top = r_c_ + ends.root[2];
-            return;
+        const auto roots = polynomial_roots::within(slope_, -r_c_, beyond);
+        const double first_turn = turns.number > 0 ? turns.root[0] : 0.0;
+        if (below_critical_ && roots.number > 1 && roots.root[0] < first_turn && first_turn < roots.root[1]) {
+            found.gas = r_c_ + roots.root[0];
+            found.liquid = r_c_ + roots.root[1];
+            if (roots.number > 2)
+                found.top = r_c_ + roots.root[2];
+            return found;
         }
         // Below the critical temperature rounding hides the ends here. At it, they are at x = 0.
         const double hidden = s_[1] > 0 ? -r_c_ : 1e-3 * r_c_;
-        for (std::size_t k = 0; k < ends.number && top == infinite; ++k)
-            if (ends.root[k] > hidden)
-                top = r_c_ + ends.root[k];
-        if (below_critical)
-            gas_end = liquid_end = r_c_ + (std::abs(bend) < 0.1 * r_c_ ? bend : 0.0);
+        for (std::size_t k = 0; k < roots.number && found.top == infinite; ++k)
+            if (roots.root[k] > hidden)
+                found.top = r_c_ + roots.root[k];
+        if (below_critical_)
+            found.gas = found.liquid = r_c_ + (std::abs(first_turn) < 0.1 * r_c_ ? first_turn : 0.0);
         else
-            gas_end = top;
+            found.gas = found.top;
+        return found;
     }
 
     double b_;
@@ -226,6 +308,8 @@ private:
     std::array<double, 6> c_;
     std::array<double, 6> s_;
     std::array<double, 5> slope_;
+    bool below_critical_ = false;
+    mutable branch_ends ends_;
 };
 
 } // namespace equations

@@ -7,47 +7,71 @@ using equations::martin_hou_isotherm;
 
 martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, double critical_temperature, double P_lowest)
     : T_c(critical_temperature), model_(model) {
-    const auto exists = [&](double T) {
-        const auto found = martin_hou_isotherm(model_, T, T_c).saturation(0);
-        line_ends = !found.found; // otherwise it is the pressure that underflows
-        return found.found && found.P >= P_lowest;
-    };
-    T_line = T_c;
-    double high = T_c * 0.999;
-    if (!exists(high)) { // no saturation line at all
-        line_ends = true;
-        return;
+    simple_ = infinite;
+    without_loops_ = true;
+    for (double T = 0.3 * T_c; T < 20.0 * T_c; T *= 1.05) {
+        const martin_hou_isotherm at(model_, T, T_c);
+        simple_ = std::min(simple_, 0.95 * at.bend());
+        if (T > T_c && at.top() < infinite)
+            without_loops_ = false;
     }
-    double low = high - 0.01 * T_c;
-    while (low > 0.02 * T_c && exists(low)) {
+    T_line = T_c;
+    const auto bisect = [&](double low, double high, auto exists) {
+        while (high - low > 1e-15 * high) {
+            const double middle = 0.5 * (low + high);
+            (exists(middle) ? high : low) = middle;
+        }
+        return high * (1.0 + 1e-13); // where rounding does not hide the end
+    };
+    const auto saturates = [&](double T) { return martin_hou_isotherm(model_, T, T_c).saturates(); };
+    double low = T_c * 0.999;
+    if (!saturates(low))
+        return; // no saturation line at all
+    double high = low;
+    while (low > 0.02 * T_c && saturates(low)) {
         high = low;
         low -= 0.01 * T_c;
     }
-    while (true) {
-        const double middle = 0.5 * (low + high);
-        if (middle <= low || middle >= high)
-            break;
-        (exists(middle) ? high : low) = middle;
+    T_line = bisect(low, high, saturates);
+    const auto pressure_enough = [&](double T) { return martin_hou_isotherm(model_, T, T_c).saturation().P >= P_lowest; };
+    if (!pressure_enough(T_line)) {
+        line_ends = false;
+        T_line = bisect(T_line, 0.999 * T_c, pressure_enough);
     }
-    exists(low);
-    T_line = high * (1.0 + 1e-13); // where rounding does not hide the end
-    constexpr int steps = 24;
-    starts_.push_back(0.0);
+    constexpr int steps = 32;
+    sigma_step_ = std::sqrt(1.0 - T_line / T_c) / steps;
+    const double r_c = 1.0 / (1.0 - model_.b);
+    starts_.push_back({0.0, r_c, r_c});
     for (int k = 1; k <= steps; ++k) {
-        const double T = 1.0 / (1.0 / T_c + (1.0 / T_line - 1.0 / T_c) * k / steps);
-        starts_.push_back(std::log(martin_hou_isotherm(model_, std::max(T, T_line), T_c).saturation(0).P));
+        const double sigma = sigma_step_ * k;
+        const double T = std::max(T_c * (1.0 - sigma * sigma), T_line);
+        const auto found = martin_hou_isotherm(model_, T, T_c).saturation();
+        starts_.push_back({std::log(found.P), found.r_l, found.r_g});
     }
 }
 
 phases martin_hou_surface::saturated(double T) const {
     if (starts_.empty())
         return {};
-    const double steps = static_cast<double>(starts_.size() - 1);
-    const double place = std::clamp((1.0 / T - 1.0 / T_c) / (1.0 / T_line - 1.0 / T_c) * steps, 0.0, steps - 1e-9);
+    const double sigma = std::sqrt(std::max((T_c - T) / T_c, 0.0));
+    const double place = std::min(sigma / sigma_step_, static_cast<double>(starts_.size()) - 1.0 - 1e-9);
+    // Cubic through the four nodes around; at the critical point the gas goes on where the liquid comes from.
     const auto k = static_cast<std::size_t>(place);
-    const double rest = place - static_cast<double>(k);
+    const double x = place - static_cast<double>(k);
+    const auto around = [&](auto value, double before_first) {
+        const std::size_t last = starts_.size() - 1;
+        const double b = value(starts_[k]);
+        const double c = value(starts_[k + 1]);
+        const double a = k > 0 ? value(starts_[k - 1]) : before_first;
+        const double d = k + 2 <= last ? value(starts_[k + 2]) : 3.0 * c - 3.0 * b + a;
+        return b + 0.5 * x * (c - a + x * (2.0 * a - 5.0 * b + 4.0 * c - d + x * (3.0 * (b - c) + d - a)));
+    };
     const martin_hou_isotherm at(model_, T, T_c);
-    auto found = at.saturation(std::exp(starts_[k] + (starts_[k + 1] - starts_[k]) * rest));
+    martin_hou_isotherm::phases guess;
+    guess.P = std::exp(around([](const start &s) { return s.log_P; }, starts_[1].log_P));
+    guess.r_l = around([](const start &s) { return s.r_l; }, starts_[1].r_g);
+    guess.r_g = around([](const start &s) { return s.r_g; }, starts_[1].r_l);
+    auto found = at.saturation(guess);
     if (!found.found) {
         if (T < T_c * (1.0 - 1e-12))
             return {};

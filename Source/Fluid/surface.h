@@ -208,28 +208,41 @@ public:
     class isotherm {
     public:
         isotherm(const martin_hou_surface &of, double T)
-            : of_(of.model_, T, of.T_c), bend_(0.5 * (of_.gas_end + of_.liquid_end)) {}
+            : of_(of.model_, T, of.T_c), simple_(of.simple_), without_top_(of.without_loops_ && T >= of.T_c) {}
         double P(double r) const { return of_.P(r); }
         double slope(double r) const { return of_.slope(r); }
-        double gas(double P) const { return of_.gas(P); }
+        double gas(double P) const { return of_.gas(P, simple_); }
         double liquid(double P) const { return of_.liquid(P); }
-        double single(double P) const { return of_.gas(P); }
-        double gas_end() const { return of_.gas_end; }
-        double liquid_end() const { return of_.liquid_end; }
-        double top() const { return of_.top; }
-        bool beside_gas(double r) const { return r < bend_; }
+        double single(double P) const { return of_.gas(P, without_top_ ? infinite : simple_); }
+        double gas_end() const { return of_.gas_end(); }
+        double liquid_end() const { return of_.liquid_end(); }
+        double top() const { return without_top_ ? infinite : of_.top(); }
+        bool beside_gas(double r) const {
+            return r < simple_ || 2.0 * r < of_.gas_end() + of_.liquid_end();
+        }
 
     private:
         equations::martin_hou_isotherm of_;
-        double bend_;
+        double simple_;
+        bool without_top_;
     };
     isotherm at(double T) const { return {*this, T}; }
     phases saturated(double T) const;
     static double turn(double) { return infinite; }
 
 private:
+    /// At equal steps of sigma = sqrt(1 - T/T_c) from the critical point to the end of the line.
+    struct start {
+        double log_P;
+        double r_l;
+        double r_g;
+    };
+
     equations::martin_hou model_;
-    std::vector<double> starts_; ///< ln P at equal steps of 1/T from the critical point to the end of the line
+    std::vector<start> starts_;
+    double sigma_step_ = 0;
+    double simple_ = 0;          ///< the lowest r of a first inflection from 0.3 to 10 T_c
+    bool without_loops_ = false; ///< whether no isotherm from T_c to 20 T_c has a further loop
 };
 
 /// The ideal gases never saturate.
