@@ -41,6 +41,7 @@ public:
             s_[k] = around_critical(change, k) + (k > 2 ? around_critical(at_critical, k) : 0.0);
         slope_ = polynomial_roots::derivative(s_);
         below_critical_ = T < T_c;
+        above_critical_ = T > T_c * (1.0 + 1e-13);
     }
 
     double P(double r) const {
@@ -50,8 +51,8 @@ public:
     }
     double slope(double r) const { return polynomial_roots::value(slope_, r - r_c_); }
 
-    // The ends of the stable branches. Above the critical temperature there is only the gas, which ends at top(). They are
-    // sought when they are asked for first.
+    // The ends of the stable branches. Above the critical temperature there is only the gas, which ends at top(). They
+    // are sought when they are asked for first.
     double gas_end() const { return ends().gas; }       ///< the gas's spinodal
     double liquid_end() const { return ends().liquid; } ///< the liquid's spinodal
     double top() const { return ends().top; }           ///< where the densest stable branch ends
@@ -291,7 +292,7 @@ private:
             return found;
         }
         // Below the critical temperature rounding hides the ends here. At it, they are at x = 0.
-        const double hidden = s_[1] > 0 ? -r_c_ : 1e-3 * r_c_;
+        const double hidden = above_critical_ ? -r_c_ : 1e-3 * r_c_;
         for (std::size_t k = 0; k < roots.number && found.top == infinite; ++k)
             if (roots.root[k] > hidden)
                 found.top = r_c_ + roots.root[k];
@@ -309,6 +310,7 @@ private:
     std::array<double, 6> s_;
     std::array<double, 5> slope_;
     bool below_critical_ = false;
+    bool above_critical_ = false;
     mutable branch_ends ends_;
 };
 

@@ -250,9 +250,9 @@ private:
         constexpr bool of_surface = A == letter::t && (B == letter::v || B == letter::d);
         if (!of_surface && wanted_.states == allowed_states::surface)
             return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
-        return kept<row>(
-            is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number) : find<A, B>(a, b), inputs,
-            first, second, given_first, given_second);
+        return kept<row>(is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number)
+                                                          : find<A, B>(a, b),
+                         inputs, first, second, given_first, given_second);
     }
     /// A solved state in SI units, with the inputs' own bits.
     template <std::size_t row>
@@ -264,8 +264,16 @@ private:
             found.status = checked(found);
         if (found.status != OSTREL_OK)
             return failed(found.status, inputs, given_first, given_second);
-        ostrel_state state = {found.T * gas_.T_ref, found.P * gas_.P_ref,  found.V * gas_.v_ref, found.q, given_first,
-                              given_second,         inputs,                OSTREL_OK,            0,       0};
+        ostrel_state state = {found.T * gas_.T_ref,
+                              found.P * gas_.P_ref,
+                              found.V * gas_.v_ref,
+                              found.q,
+                              given_first,
+                              given_second,
+                              inputs,
+                              OSTREL_OK,
+                              0,
+                              0};
         keep_input<A>(state, first);
         keep_input<B>(state, second);
         if (!(finite(state.t) && finite(state.p) && finite(state.v)))
@@ -384,8 +392,7 @@ private:
     OSTREL_INLINE bool plain(double t, double x) const {
         const double T = t * per_T_;
         const double v = B == letter::v ? x : 1.0 / x;
-        return T >= plain_low_ && T <= plain_high_ && v > constants_.v_min && finite(v) &&
-               solver_.plain(T, v * per_v_);
+        return T >= plain_low_ && T <= plain_high_ && v > constants_.v_min && finite(v) && solver_.plain(T, v * per_v_);
     }
 
     /// Both saturated phases from one solve, with the bits that one_state gives for the qualities 0 and 1.

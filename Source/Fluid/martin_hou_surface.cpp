@@ -8,12 +8,11 @@ using equations::martin_hou_isotherm;
 martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, double critical_temperature, double P_lowest)
     : T_c(critical_temperature), model_(model) {
     simple_ = infinite;
-    without_loops_ = true;
     for (double T = 0.3 * T_c; T < 20.0 * T_c; T *= 1.05) {
         const martin_hou_isotherm at(model_, T, T_c);
         simple_ = std::min(simple_, 0.95 * at.bend());
         if (T > T_c && at.top() < infinite)
-            without_loops_ = false;
+            has_loops = true;
     }
     T_line = T_c;
     const auto bisect = [&](double low, double high, auto exists) {
@@ -33,11 +32,15 @@ martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, doubl
         low -= 0.01 * T_c;
     }
     T_line = bisect(low, high, saturates);
-    const auto pressure_enough = [&](double T) { return martin_hou_isotherm(model_, T, T_c).saturation().P >= P_lowest; };
+    const auto pressure_enough = [&](double T) {
+        return martin_hou_isotherm(model_, T, T_c).saturation().P >= P_lowest;
+    };
     if (!pressure_enough(T_line)) {
         line_ends = false;
         T_line = bisect(T_line, 0.999 * T_c, pressure_enough);
     }
+    // Where loops reach up to the critical temperature, the line ends there above the critical pressure.
+    P_c = std::max(1.0, martin_hou_isotherm(model_, T_c * (1.0 - 1e-9), T_c).saturation().P);
     constexpr int steps = 32;
     sigma_step_ = std::sqrt(1.0 - T_line / T_c) / steps;
     const double r_c = 1.0 / (1.0 - model_.b);

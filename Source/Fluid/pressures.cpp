@@ -19,15 +19,15 @@ void pressures_at_densities(const Model &model, const pressure_scales &scales, s
     const Model own = model;
     const pressure_scales s = scales;
     for (std::size_t i = 0; i < count; ++i)
-        p[i] = separated_attraction::state_point<Model, double>(own, t[i] * s.per_T, 1.0 / d[i] * s.per_v + s.offset)
-                   .P() *
-               s.unit;
+        p[i] =
+            separated_attraction::state_point<Model, double>(own, t[i] * s.per_T, 1.0 / d[i] * s.per_v + s.offset).P() *
+            s.unit;
 }
 
-#define OSTREL_PRESSURES(unused, type, Model, ...)                                                                     \
-    template void pressures_at_volumes(const equations::exact_model<equations::Model> &, const pressure_scales &,      \
-                                       std::size_t, const double *, const double *, double *);                        \
-    template void pressures_at_densities(const equations::exact_model<equations::Model> &, const pressure_scales &,    \
+#define OSTREL_PRESSURES(unused, type, Model, ...)                                                                  \
+    template void pressures_at_volumes(const equations::exact_model<equations::Model> &, const pressure_scales &,   \
+                                       std::size_t, const double *, const double *, double *);                      \
+    template void pressures_at_densities(const equations::exact_model<equations::Model> &, const pressure_scales &, \
                                          std::size_t, const double *, const double *, double *);
 OSTREL_MODELS(OSTREL_PRESSURES, )
 #undef OSTREL_PRESSURES

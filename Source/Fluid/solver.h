@@ -64,7 +64,9 @@ OSTREL_INLINE quantity_at value_of(const properties &at) {
 }
 /// The functions of the ideal gas that a quantity and its derivatives have.
 template <letter what>
-inline constexpr unsigned caloric_of = what == letter::p ? 0 : what == letter::s ? entropy | heat : energy | heat;
+inline constexpr unsigned caloric_of = what == letter::p   ? 0
+                                       : what == letter::s ? entropy | heat
+                                                           : energy | heat;
 
 /// One equation of state with everything that solving needs; immutable.
 template <class Model>
@@ -351,7 +353,7 @@ public:
     }
     /// The saturated phases at P and their temperature, or why there are none.
     int saturation_at_P(double P, double &T, phases &found) const {
-        if (!surface_type::saturates || P > 1.0 || !line_.exists())
+        if (!surface_type::saturates || P > surface_.P_c || !line_.exists())
             return OSTREL_NO_SATURATION;
         if (P == 1.0) {
             T = surface_.T_c;
@@ -614,8 +616,8 @@ private:
         }
     }
 
-    /// The temperature on an isochore at which X has about the value x: from the ideal gas's part, while the attraction's
-    /// part is taken at the temperature found before.
+    /// The temperature on an isochore at which X has about the value x: from the ideal gas's part, while the
+    /// attraction's part is taken at the temperature found before.
     template <letter X>
     double isochore_start(const volume_half &half, double x) const {
         double T = surface_.T_c;

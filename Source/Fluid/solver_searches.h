@@ -218,7 +218,7 @@ solved solver<Model>::isobar_search(double P, double x, branch below_critical, d
     if (!(r > 0))
         return failure;
     const auto [value, slope] = f(T);
-    if (!(std::abs(value) <= 1e-6 * (std::abs(slope) * T + std::abs(x))))
+    if (!(std::abs(value) <= 1e-10 * (std::abs(slope) * T + std::abs(x))))
         return failure;
     solved result = finish<letter::p, X>(P, x, of_single(T, P, r));
     result.P = P;
@@ -249,12 +249,17 @@ solved solver<Model>::from_P_X(double P, double x) const {
             if (P >= 1.0)
                 return along_isobar<X>(P, x, branch::liquid, 0.0, infinite, from_critical());
             const solved found = along_isobar<X>(P, x, branch::liquid, 0.0, T_c * (1.0 - 1e-15), 0.8 * T_c);
-            return found.status == OSTREL_OK ? found
-                                             : along_isobar<X>(P, x, branch::gas, T_c, infinite, 1.2 * T_c);
+            return found.status == OSTREL_OK ? found : along_isobar<X>(P, x, branch::gas, T_c, infinite, 1.2 * T_c);
         }
         const double lowest = surface_.line_ends ? surface_.T_line : 0.0;
-        if (P >= 1.0)
+        if (P >= surface_.P_c) {
+            if (surface_.has_loops) { // the liquid and the gas are apart
+                const solved found = isobar_search<X>(P, x, branch::liquid, lowest, T_c * (1.0 - 1e-15), 0.9 * T_c);
+                return found.status == OSTREL_OK ? found
+                                                 : along_isobar<X>(P, x, branch::gas, T_c, infinite, from_critical());
+            }
             return along_isobar<X>(P, x, branch::liquid, lowest, infinite, from_critical());
+        }
         if (!line_.exists() || P < line_.lowest().P)
             return along_isobar<X>(P, x, branch::gas, 0.0, infinite, T_c);
         // A look at the nodes of the line, between which the saturated phases at P are about a straight line.
@@ -346,13 +351,15 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
     const double r = r_of(V);
     const auto f = [&](double T) {
         const on_isochore e = equilibrium<X>(T, V, r);
-        return e.there ? value_and_slope{e.value - x, e.slope} : value_and_slope{-infinite, 1.0};
+        if (e.there)
+            return value_and_slope{e.value - x, e.slope};
+        return value_and_slope{T >= T_high ? infinite : -infinite, 1.0};
     };
     double low = T_low;
     double high = T_high;
     const solved failure = {OSTREL_NO_STATE, 0, 0, V, r, not_a_number};
     if (high == infinite) {
-        high = 1.5 * surface_.T_c;
+        high = std::max(1.5 * surface_.T_c, 1.1 * low);
         while (!(f(high).value > 0)) {
             low = high;
             high *= 2.0;
@@ -480,11 +487,32 @@ solved solver<Model>::from_V_X(double V, double x) const {
         }
         last = change;
     }
+    if (surface_.has_loops && states_ == allowed_states::stable) { // what is above T_c is apart from what is below
+        constexpr int steps = 64;
+        double T_before = 0;
+        double difference_before = 0;
+        for (int k = 0; k <= steps && line_.exists(); ++k) {
+            const double sigma = 1.0 - static_cast<double>(k) / steps; // steps grow with the distance from T_c
+            const double T_now = std::max(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line);
+            const on_isochore e = equilibrium<X>(std::min(T_now, T_c * (1.0 - 1e-15)), V, r);
+            const double difference = e.there ? e.value - x : not_a_number;
+            if (difference_before <= 0 && difference >= 0) {
+                const solved below = isochore_search<X>(V, x, T_before, T_now, 0.0);
+                if (below.status == OSTREL_OK)
+                    return below;
+            }
+            T_before = T_now;
+            difference_before = difference;
+        }
+        const solved above = isochore_search<X>(V, x, T_c, T_turn, 0.0);
+        if (above.status == OSTREL_OK)
+            return above;
+        return isochore_search<X>(V, x, 0.0, surface_.T_line, 0.0);
+    }
     if (states_ != allowed_states::stable || !surface_.line_ends)
         return isochore_search<X>(V, x, 0.0, T_turn, 0.0);
     const solved above = isochore_search<X>(V, x, surface_.T_line, T_turn, 0.0);
-    return above.status == OSTREL_OK ? above
-                                     : isochore_search<X>(V, x, 0.0, std::min(surface_.T_line, T_turn), 0.0);
+    return above.status == OSTREL_OK ? above : isochore_search<X>(V, x, 0.0, std::min(surface_.T_line, T_turn), 0.0);
 }
 
 // Given s and another caloric value.
@@ -546,11 +574,9 @@ solved solver<Model>::from_s_X(double s, double x) const {
                 if (std::min(q_low, q_high) >= -0.02 && std::max(q_low, q_high) <= 1.02) {
                     const double X_low = node(low).template mixture<X>(q_low);
                     const double X_high = node(high).template mixture<X>(q_high);
-                    const double start =
-                        node(low).T + (node(high).T - node(low).T) * (x - X_low) / (X_high - X_low);
+                    const double start = node(low).T + (node(high).T - node(low).T) * (x - X_low) / (X_high - X_low);
                     tried = true;
-                    const solved found =
-                        dome_state(node(low).T * (1.0 - 1e-13), node(high).T * (1.0 + 1e-13), start);
+                    const solved found = dome_state(node(low).T * (1.0 - 1e-13), node(high).T * (1.0 + 1e-13), start);
                     if (found.status == OSTREL_OK)
                         return found;
                 }
@@ -592,7 +618,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
     const auto above = [&](double log_r) {
         const solved here = from_V_X<letter::s>(V_of(std::exp(log_r)), s);
         if (here.status == OSTREL_OK && behind_line(here.T))
-            return false; // expanded so far that only the gas is left
+            return false;             // expanded so far that only the gas is left
         if (here.status != OSTREL_OK) // behind the end of the saturation line, or too dense
             return !surface_.line_ends || std::exp(log_r) > 1.0 / (1.0 - model_.covolume());
         best = here;

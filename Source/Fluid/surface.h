@@ -32,6 +32,8 @@ struct phases {
 // What a surface offers:
 //   saturates            whether the model has a saturation line at all
 //   T_c, T_line          the critical temperature, and the lowest one of the saturation line
+//   P_c                  the highest pressure of the saturation line
+//   has_loops            whether isotherms above T_c end at a finite r
 //   line_ends            whether the line ends at T_line, so that below it there is no liquid; otherwise its pressure
 //                        underflows there
 //   at(T)                the isotherm: P(r), gas(P), liquid(P), single(P), gas_end(), liquid_end(), top()
@@ -99,8 +101,10 @@ public:
     }
 
     double T_c;
+    double P_c = 1.0; ///< the highest pressure of the saturation line
     double T_line = 0;
     bool line_ends = false;
+    static constexpr bool has_loops = false; ///< whether isotherms above T_c end at a finite r
 
     class isotherm {
     public:
@@ -202,13 +206,15 @@ public:
     martin_hou_surface(const equations::martin_hou &model, double critical_temperature, double P_lowest);
 
     double T_c;
+    double P_c = 1.0;
     double T_line = 0;
     bool line_ends = true;
+    bool has_loops = false;
 
     class isotherm {
     public:
         isotherm(const martin_hou_surface &of, double T)
-            : of_(of.model_, T, of.T_c), simple_(of.simple_), without_top_(of.without_loops_ && T >= of.T_c) {}
+            : of_(of.model_, T, of.T_c), simple_(of.simple_), without_top_(!of.has_loops && T >= of.T_c) {}
         double P(double r) const { return of_.P(r); }
         double slope(double r) const { return of_.slope(r); }
         double gas(double P) const { return of_.gas(P, simple_); }
@@ -217,9 +223,7 @@ public:
         double gas_end() const { return of_.gas_end(); }
         double liquid_end() const { return of_.liquid_end(); }
         double top() const { return without_top_ ? infinite : of_.top(); }
-        bool beside_gas(double r) const {
-            return r < simple_ || 2.0 * r < of_.gas_end() + of_.liquid_end();
-        }
+        bool beside_gas(double r) const { return r < simple_ || 2.0 * r < of_.gas_end() + of_.liquid_end(); }
 
     private:
         equations::martin_hou_isotherm of_;
@@ -241,8 +245,7 @@ private:
     equations::martin_hou model_;
     std::vector<start> starts_;
     double sigma_step_ = 0;
-    double simple_ = 0;          ///< the lowest r of a first inflection from 0.3 to 10 T_c
-    bool without_loops_ = false; ///< whether no isotherm from T_c to 20 T_c has a further loop
+    double simple_ = 0; ///< the lowest r of a first inflection from 0.3 to 10 T_c
 };
 
 /// The ideal gases never saturate.
@@ -255,8 +258,10 @@ public:
         : T_c(critical_temperature), repulsion_(model.repulsion()) {}
 
     double T_c;
+    double P_c = 1.0;
     double T_line = 0;
     bool line_ends = false;
+    static constexpr bool has_loops = false;
 
     struct isotherm {
         double unit;
