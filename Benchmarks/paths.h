@@ -3,6 +3,7 @@
 // (instruction_counter).
 #pragma once
 
+#include "Benchmarks/handle_states.h"
 #include "Ostrel_Main.h"
 #include "Thermodynamics/thermodynamics.h"
 #include "ostrel.h"
@@ -132,6 +133,56 @@ inline path request(const std::string &name, std::string_view fluid, std::string
             }};
 }
 
+/// The array calls of handles, each with 256 states; and opening.
+inline void add_handles(std::vector<path> &all) {
+    struct kept {
+        std::unique_ptr<handle> stable;
+        std::unique_ptr<handle> fluid;
+        std::unique_ptr<query> asked;
+    };
+    for (const std::string_view model : {"SRK", "PR", "MH", "VDW"}) {
+        for (const measured &row : measurements)
+            for (const bool dome : {false, true}) {
+                const auto state = std::make_shared<kept>();
+                const std::string surface = *row.options != '\0' ? "/surface" : "";
+                all.push_back({"handle/" + std::string(row.inputs) + "/" + std::string(model) + "/" + row.outputs +
+                                   surface + (dome ? "/dome" : ""),
+                               [=] {
+                                   state->stable = std::make_unique<handle>(std::string(model), "");
+                                   state->fluid = std::make_unique<handle>(std::string(model), row.options);
+                                   const states at =
+                                       dome ? states(*state->stable, region::dome) : mixed(*state->stable);
+                                   state->asked = std::make_unique<query>(*state->stable, row.inputs, row.outputs, at);
+                               },
+                               [=] { return state->asked->run(*state->fluid); }, true});
+            }
+        for (const char *const input : {"t", "p"}) {
+            struct lines {
+                std::unique_ptr<handle> fluid;
+                std::vector<double> at;
+            };
+            const auto state = std::make_shared<lines>();
+            all.push_back({"handle/saturation/" + std::string(model) + "/" + input,
+                           [=] {
+                               state->fluid = std::make_unique<handle>(std::string(model), "");
+                               const states dome(*state->fluid, region::dome);
+                               state->at.resize(batch);
+                               ostrel_fluid_evaluate(state->fluid->get(), "tv", input, batch, dome.t.data(),
+                                                     dome.v.data(), state->at.data(), nullptr);
+                           },
+                           [=] {
+                               std::array<double, 2 * batch> liquid{}, vapor{};
+                               return ostrel_fluid_saturation(state->fluid->get(), input, "p,d", batch,
+                                                              state->at.data(), liquid.data(), vapor.data(),
+                                                              nullptr) == OSTREL_OK;
+                           },
+                           true});
+        }
+        all.push_back({"handle/open/" + std::string(model), [] {},
+                       [=] { return handle(std::string(model), "").get() != nullptr; }, true});
+    }
+}
+
 /// All paths: every pair and model, every output, every heat capacity, the kept state, loading, the saturation table.
 inline std::vector<path> paths() {
     std::vector<path> all;
@@ -169,6 +220,7 @@ inline std::vector<path> paths() {
                            },
                            true});
     }
+    add_handles(all);
     return all;
 }
 

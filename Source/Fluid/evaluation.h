@@ -274,6 +274,10 @@ private:
                               OSTREL_OK,
                               0,
                               0};
+        if (is_critical(A, B, first, second)) {
+            state.t = gas_.Tc;
+            state.p = gas_.Pc;
+        }
         keep_input<A>(state, first);
         keep_input<B>(state, second);
         if (!(finite(state.t) && finite(state.p) && finite(state.v)))
