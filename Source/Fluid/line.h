@@ -66,7 +66,8 @@ public:
         for (int step = 0; step < 100; ++step) {
             T = std::clamp(T, of_.T_line, of_.T_c * (1.0 - 1.2e-16));
             at = of_.saturated(T);
-            const double y = P > 0.5 ? std::log1p((at.P - P) / P) : std::log(at.P / P);
+            const double x = (at.P - P) / P;
+            const double y = std::abs(x) < 1e-4 ? x * (1.0 - x * (0.5 - x * (1.0 / 3.0))) : std::log(at.P / P);
             (y > 0 ? high : low) = T;
             // ln P is nearly linear in 1/T.
             double next = T / (1.0 + y / at.slope);

@@ -610,37 +610,40 @@ private:
             return T * std::exp(std::min(excess / cp, 2.0));
         } else if constexpr (X == letter::h) {
             const double departure = vapor.u_g + vapor.P * vapor.V_g - ideal_.e_0 - caloric.phi(vapor.T) - vapor.T;
-            return ideal_temperature<letter::h>(caloric.phi(T) + T + excess + 0.5 * std::min(departure, 0.0));
+            return ideal_temperature<letter::h>(caloric.phi(T) + T + excess + 0.5 * std::min(departure, 0.0)).T;
         } else {
-            return ideal_temperature<letter::u>(caloric.phi(T) + excess);
+            return ideal_temperature<letter::u>(caloric.phi(T) + excess).T;
         }
     }
 
-    /// The temperature on an isochore at which X has about the value x: from the ideal gas's part, while the
-    /// attraction's part is taken at the temperature found before.
+    /// The temperature on an isochore at which X has about the value x: that of the ideal gas for the part of x that
+    /// the attraction at T_c leaves, corrected for the change of the attraction.
     template <letter X>
     double isochore_start(const volume_half &half, double x) const {
-        double T = surface_.T_c;
-        for (int step = 0; step < 2; ++step) {
-            const auto q = model_.q(T);
-            double sum = 0;
-            separated_attraction::for_each_index<Model::terms>([&](std::size_t i) {
-                if constexpr (X == letter::s)
-                    sum += q[i][1] * half.f[i][0];
-                else
-                    sum += (T * q[i][1] - q[i][0]) * half.f[i][0];
-                if constexpr (X == letter::h)
-                    sum += half.V * q[i][0] * half.f[i][1];
-            });
+        const double T = surface_.T_c;
+        const auto q = model_.q(T);
+        double sum = X == letter::s ? ideal_.s_0 + model_.repulsion() * half.log_w : ideal_.e_0;
+        double slope = 0; // of the sum in T, for the entropy times T
+        separated_attraction::for_each_index<Model::terms>([&](std::size_t i) {
             if constexpr (X == letter::s)
-                sum += ideal_.s_0 + model_.repulsion() * half.log_w;
+                sum += q[i][1] * half.f[i][0];
             else
-                sum += ideal_.e_0;
-            if constexpr (X == letter::h)
-                sum += model_.repulsion() * T * (half.V * half.r - 1.0); // the table has phi + T
-            T = ideal_temperature<X>(x - sum);
+                sum += (T * q[i][1] - q[i][0]) * half.f[i][0];
+            slope += T * q[i][2] * half.f[i][0];
+            if constexpr (X == letter::h) {
+                sum += half.V * q[i][0] * half.f[i][1];
+                slope += half.V * q[i][1] * half.f[i][1];
+            }
+        });
+        double own = 0;
+        if constexpr (X == letter::h) { // the table has phi + T
+            const double factor = model_.repulsion() * half.V * half.r - 1.0;
+            sum += factor * T;
+            slope += factor;
+            own = 1.0;
         }
-        return T;
+        const ideal_point ideal = ideal_temperature<X>(x - sum);
+        return std::clamp(T + (ideal.T - T) / (1.0 + slope / (ideal.cv + own)), 0.5 * ideal.T, 2.0 * ideal.T);
     }
 
     /// The inverse of the ideal gas's energy and entropy, for starts.
@@ -655,9 +658,13 @@ private:
             caloric_nodes_[static_cast<std::size_t>(k)] = {T, caloric.phi(T), caloric.psi(T), caloric.phip(T)};
         }
     }
-    /// T at which phi + factor T (a constant P V of a gas), or psi, has a value: cubic between nodes.
+    struct ideal_point {
+        double T;
+        double cv;
+    };
+    /// T at which phi, phi + T or psi has a value, by a cubic between nodes, and about the heat capacity there.
     template <letter X>
-    double ideal_temperature(double value) const {
+    ideal_point ideal_temperature(double value) const {
         const auto y = [](const caloric_node &n) {
             return X == letter::s ? n.psi : X == letter::u ? n.phi : n.phi + n.T;
         };
@@ -676,7 +683,7 @@ private:
         const double z = 1.0 - x;
         const double T = z * z * ((1.0 + 2.0 * x) * a.T + x * width * slope(a)) +
                          x * x * ((1.0 + 2.0 * z) * b.T - z * width * slope(b));
-        return T > 0.5 * a.T && T < 2.0 * b.T ? T : a.T;
+        return {T > 0.5 * a.T && T < 2.0 * b.T ? T : a.T, z * a.cv + x * b.cv};
     }
 
     Model model_;

@@ -379,6 +379,12 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
         }
     }
     const double T = bracketed(low, high, start, true, f, 1e-15, smooth);
+    if (smooth) { // inside the dome, between nodes that enclose the state
+        const phases line = surface_.saturated(T);
+        const double V_l = V_of(line.r_l);
+        const double q = (V - V_l) / (V_of(line.r_g) - V_l);
+        return {q >= 0 && q <= 1 ? OSTREL_OK : OSTREL_NO_STATE, T, line.P, V, r, q};
+    }
     const on_isochore e = equilibrium<X>(T, V, r);
     if (!e.there || !(std::abs(e.value - x) <= 1e-9 * (std::abs(e.slope) * T + std::abs(x))))
         return failure;
@@ -470,7 +476,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
         if (!(change < infinite) || T < 1e-3 * T_c)
             break;
         if (settled(change, last) || (change < 1e-6 && change >= 0.25 * last)) {
-            if (T < T_turn && !behind_line(T) && where(T, r) == place::single && mechanical(T, r).P_V < 0) {
+            if (T < T_turn && !behind_line(T) && where(T, r) == place::single) {
                 if (T_turn < infinite) {
                     // Of two temperatures with the same pressure the one nearer to the ideal gas's is meant.
                     const double ideal = x * V / model_.repulsion();
