@@ -3,7 +3,6 @@
 #include "ostrel.hpp"
 
 template class ostrel::result<double>;
-template class ostrel::result<ostrel::fluid>;
 template class ostrel::result<ostrel::table>;
 
 int main() {
