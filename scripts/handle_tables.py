@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""What ostrel_list shows, as C++ and as tables of the documentation.
+"""What ostrel_list shows, as C++ and as tables of the documentation; there also how far saturation lines reach.
 
     handle_tables.py ROOT LIBRARY           writes Include/ostrel_names.hpp and the tables of Documentation/Handles.md
     handle_tables.py ROOT LIBRARY --check   compares them, and fails if they are not current
     handle_tables.py --self-test            shows that a page without a table is refused
 """
 import ctypes
+import os
 import pathlib
 import re
 import sys
@@ -22,6 +23,7 @@ HEADINGS = {
     "options": ("key", "values", "meaning"),
     "statuses": ("status", "number", "meaning"),
 }
+LINES = "lines" # the table of saturation lines
 MARKED = re.compile(r"(<!-- scripts/make_handle_tables: (\w+) -->\n).*?(<!-- end -->)", re.S)
 
 
@@ -48,12 +50,43 @@ def table(kind, rows):
     return "".join("| " + " | ".join(line) + " |\n" for line in lines)
 
 
-def page(text, lists):
-    """The page with its tables made anew. A list without a place is an error."""
+def page(text, tables):
+    """The page with its tables made anew. A table without a place is an error."""
     places = [match[2] for match in MARKED.finditer(text)]
-    if sorted(places) != sorted(HEADINGS):
-        raise ValueError(f"the page has the tables {places}; {sorted(HEADINGS)} are wanted")
-    return MARKED.sub(lambda match: match[1] + table(match[2], lists[match[2]]) + match[3], text)
+    if sorted(places) != sorted(tables):
+        raise ValueError(f"the page has the tables {places}; {sorted(tables)} are wanted")
+    return MARKED.sub(lambda match: match[1] + tables[match[2]] + match[3], text)
+
+
+def every_fluid(library):
+    """The files of all fluids of the folder."""
+    files = []
+    take = ctypes.CFUNCTYPE(None, ctypes.c_void_p, ctypes.c_char_p, ctypes.c_char_p)
+    library.ostrel_fluid_find(b"", take(lambda user, file, name: files.append(file)), None)
+    return sorted(files)
+
+
+def reach(library, file, model):
+    """t_sat_min/t_crit of a fluid, and whether its covolume bounds its volumes."""
+    fluid = ctypes.c_void_p()
+    if library.ostrel_fluid_open(file, b"model=" + model.encode(), ctypes.byref(fluid)) != 0:
+        raise ValueError(f"{file.decode()} cannot be opened with {model}")
+    constant = library.ostrel_fluid_constant
+    constant.restype, constant.argtypes = ctypes.c_double, (ctypes.c_void_p, ctypes.c_char_p)
+    found = constant(fluid, b"t_sat_min") / constant(fluid, b"t_crit"), constant(fluid, b"v_min") > 0
+    library.ostrel_fluid_close(fluid)
+    return found
+
+
+def lines(library):
+    text = ("| model | lowest | median | highest | fluids with v_min = 0 |\n" + "| --- " * 5 + "|\n")
+    for model in ("vdw", "rk", "srk", "pr", "cii", "mh"):
+        rows = [(*reach(library, file, model), file.decode()) for file in every_fluid(library)]
+        ends = sorted((end, file) for end, bounded, file in rows)
+        columns = [f"{end:.2g} ({file})" for end, file in (ends[0], ends[-1])]
+        columns.insert(1, f"{ends[len(ends) // 2][0]:.2g}")
+        text += f"| `{model}` | " + " | ".join(columns) + f" | {sum(not row[1] for row in rows)} of {len(rows)} |\n"
+    return text
 
 
 def array(name, words):
@@ -76,13 +109,13 @@ def header(lists):
 
 
 def self_test():
-    rows = {kind: [["x", "a|b", "y"]] for kind in HEADINGS}
-    text = "".join(f"<!-- scripts/make_handle_tables: {kind} -->\nold\n<!-- end -->\n" for kind in HEADINGS)
-    made = page(text, rows)
-    assert "old" not in made and page(made, rows) == made and "| `x` | `a`, `b` | y |\n" in made
+    tables = {kind: table(kind, [["x", "a|b", "y"]]) for kind in HEADINGS}
+    text = "".join(f"<!-- scripts/make_handle_tables: {kind} -->\nold\n<!-- end -->\n" for kind in tables)
+    made = page(text, tables)
+    assert "old" not in made and page(made, tables) == made and "| `x` | `a`, `b` | y |\n" in made
     for damaged in (made.replace("make_handle_tables: texts", "x"), made + made, made.replace("<!-- end -->", "", 1)):
         try:
-            page(damaged, rows)
+            page(damaged, tables)
         except ValueError:
             continue
         raise AssertionError("a damaged page is accepted")
@@ -93,10 +126,12 @@ def main():
         self_test()
         return 0
     root, library = pathlib.Path(sys.argv[1]), ctypes.CDLL(str(pathlib.Path(sys.argv[2]).resolve()))
+    os.environ["OSTREL_FLUIDS"] = str(root / "Fluids")
     lists = {kind: rows_of(library, kind) for kind in HEADINGS}
+    tables = {kind: table(kind, rows) for kind, rows in lists.items()} | {LINES: lines(library)}
     outdated = []
     for name, make in (("Include/ostrel_names.hpp", lambda text: header(lists)),
-                       ("Documentation/Handles.md", lambda text: page(text, lists))):
+                       ("Documentation/Handles.md", lambda text: page(text, tables))):
         file = root / name
         text = file.read_text(encoding="utf-8") if file.exists() else ""
         if make(text) != text:

@@ -124,8 +124,10 @@ contains
         character(256), allocatable :: files(:), names(:)
         integer(c_int) :: status
         integer :: i
-        call expect(ostrel_list_size('outputs') > 30 .and. ostrel_list_size('nothing') == 0, 'sizes of lists')
-        call expect(ostrel_list('outputs', 1, 'name') == 't' .and. ostrel_list('outputs', 1, 'unit') == 'K', 'list')
+        call expect(ostrel_list_size('outputs') > 30, 'size of a list')
+        call expect(ostrel_list_size('nothing') == 0, 'size of an unknown list')
+        call expect(ostrel_list('outputs', 1, 'name') == 't', 'the first row')
+        call expect(ostrel_list('outputs', 1, 'unit') == 'K', 'its unit')
         call expect(len(ostrel_list('outputs', 1000, 'name')) == 0, 'behind the list')
         do i = 1, ostrel_list_size('statuses')
             if (ostrel_list('statuses', i, 'name') == 'OSTREL_NO_STATE') &
