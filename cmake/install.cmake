@@ -14,16 +14,18 @@ target_include_directories(ostrel_modules INTERFACE
 target_compile_features(ostrel_modules INTERFACE cxx_std_20)
 target_link_libraries(ostrel_modules INTERFACE ostrel)
 
-set(OSTREL_FORTRAN_SOURCE ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90)
+set(OSTREL_FORTRAN_SOURCES ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90
+    ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel_handles.f90)
 include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
 install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES Include/ostrel.h Include/ostrel_fluid.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES Documentation/Entry-points.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES Include/ostrel.h Include/ostrel_fluid.h Include/ostrel.hpp Include/ostrel_names.hpp
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES Documentation/Entry-points.md Documentation/Handles.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 # Two headers and the folder of the handles are left out, since the library does not export what they declare.
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE PATTERN Fluid EXCLUDE)
-install(FILES ${OSTREL_FORTRAN_SOURCE} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
+install(FILES ${OSTREL_FORTRAN_SOURCES} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
 install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} FILES_MATCHING PATTERN "*.osd" PATTERN index.csv)
 
 install(EXPORT ostrelTargets NAMESPACE ostrel:: DESTINATION ${OSTREL_INSTALL_CMAKEDIR})

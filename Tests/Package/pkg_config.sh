@@ -18,6 +18,7 @@ variable() {
 # shellcheck disable=SC2034 # used where build evaluates its line
 libraries=$(variable libdir)
 module=$(variable fortran)
+handles=$(variable fortran_handles)
 modules=$(variable modules)
 [ -f "$(variable fluids)/toluene.osd" ]
 build() {
@@ -25,9 +26,11 @@ build() {
 }
 build "$c" "$@" -std=c99 -pedantic "$source/host.c" -o host_c
 build "$fortran" "$@" -std=f2008 "$module" "$source/host.f90" -o host_fortran
+build "$fortran" "$@" -std=f2008 "$module" "$handles" "$source/handle.f90" -o handle_fortran
+build "$cxx" "$@" -std=c++20 -Wconversion "$source/handle.cpp" -o handle_cpp
 find "$modules" -name '*.h' | sed 's/.*/#include "&"/' > all_headers.h
 build "$cxx" "$@" -std=c++20 -I. -isystem "$modules" "$source/modules.cpp" -o modules
-for program in host_c host_fortran modules; do
+for program in host_c host_fortran handle_fortran handle_cpp modules; do
     echo "$program"
     "./$program"
 done
