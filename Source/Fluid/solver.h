@@ -276,7 +276,7 @@ public:
             if (states_ == allowed_states::surface)
                 return true;
             if (distance > 0)
-                return surface_type::never_ends;
+                return surface_type::never_ends && T < surface_.T_loop;
             if (states_ != allowed_states::stable || surface_.line_ends)
                 return false;
             const int k = line_.cell_of_temperature(T);

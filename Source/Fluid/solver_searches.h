@@ -407,7 +407,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
     double T = T_c;
     const volume_half half = sides_of(r);
     if constexpr (X == letter::p)
-        T_turn = surface_.turn(half.v);
+        T_turn = std::min(surface_.turn(half.v), surface_.T_loop);
     if constexpr (surface_type::saturates) {
         // Inside the dome at a node of the line, and below the mixture's value there: it is a mixture.
         const int k = states_ == allowed_states::stable ? last_node_around(V) : -1;

@@ -33,7 +33,7 @@ struct phases {
 //   saturates            whether the model has a saturation line at all
 //   T_c, T_line          the critical temperature, and the lowest one of the saturation line
 //   P_c                  the highest pressure of the saturation line
-//   has_loops            whether isotherms above T_c end at a finite r
+//   has_loops, T_loop    whether isotherms directly above T_c end at a finite r; above T_loop they do
 //   line_ends            whether the line ends at T_line, so that below it there is no liquid; otherwise its pressure
 //                        underflows there
 //   at(T)                the isotherm: P(r), gas(P), liquid(P), single(P), gas_end(), liquid_end(), top()
@@ -97,6 +97,12 @@ public:
         if constexpr (std::is_base_of_v<equations::clausius_II, Model>)
             if (model.b <= 0)
                 top_ = model.b < 0 ? -1.0 / model.b : infinite;
+        if constexpr (std::is_base_of_v<cubic_attraction::soave_parameters, Model>) {
+            if (model.fw > 1.0) { // tau = 1 where the root of alpha is -sqrt(T/T_c)
+                const double root = (model.fw + 1.0) / (model.fw - 1.0);
+                T_loop = T_c * root * root;
+            }
+        }
         find_end(P_lowest);
     }
 
@@ -105,6 +111,7 @@ public:
     double T_line = 0;
     bool line_ends = false;
     static constexpr bool has_loops = false; ///< whether isotherms above T_c end at a finite r
+    double T_loop = infinite;                ///< above it isotherms have a loop again, and end before it
 
     class isotherm {
     public:
@@ -123,10 +130,14 @@ public:
         double slope(double r) const { return of_.slope(r * width_) * unit_ * width_; }
         double gas(double P) const { return of_.gas(P / unit_, difference(P)) / width_; }
         double liquid(double P) const { return of_.liquid(P / unit_, difference(P)) / width_; }
-        double single(double P) const { return of_.single(P / unit_, difference(P)) / width_; }
+        double single(double P) const {
+            if (one_minus_tau_ > 0 && distance_ < 0) // the attraction has come back: a loop, and only its gas counts
+                return P < this->P(gas_end()) ? gas(P) : infinite;
+            return of_.single(P / unit_, difference(P)) / width_;
+        }
         double gas_end() const { return of_.gas_spinodal() / width_; }
         double liquid_end() const { return of_.liquid_spinodal() / width_; }
-        double top() const { return top_; }
+        double top() const { return one_minus_tau_ > 0 && distance_ < 0 ? gas_end() : top_; }
         /// On the gas's side of the inflection, where every stable state below Tc is a gas.
         bool beside_gas(double r) const { return r * width_ < of_.of().r_c; }
 
@@ -210,6 +221,7 @@ public:
     double T_line = 0;
     bool line_ends = true;
     bool has_loops = false;
+    static constexpr double T_loop = infinite;
 
     class isotherm {
     public:
@@ -262,6 +274,7 @@ public:
     double T_line = 0;
     bool line_ends = false;
     static constexpr bool has_loops = false;
+    static constexpr double T_loop = infinite;
 
     struct isotherm {
         double unit;
