@@ -353,7 +353,7 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
         const on_isochore e = equilibrium<X>(T, V, r);
         if (e.there)
             return value_and_slope{e.value - x, e.slope};
-        return value_and_slope{T >= T_high ? infinite : -infinite, 1.0};
+        return value_and_slope{T >= T_high || T >= surface_.T_loop ? infinite : -infinite, 1.0};
     };
     double low = T_low;
     double high = T_high;
@@ -407,7 +407,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
     double T = T_c;
     const volume_half half = sides_of(r);
     if constexpr (X == letter::p)
-        T_turn = std::min(surface_.turn(half.v), surface_.T_loop);
+        T_turn = surface_.turn(half.v);
     if constexpr (surface_type::saturates) {
         // Inside the dome at a node of the line, and below the mixture's value there: it is a mixture.
         const int k = states_ == allowed_states::stable ? last_node_around(V) : -1;
@@ -484,7 +484,7 @@ solved solver<Model>::from_V_X(double V, double x) const {
                         const properties p = mechanical(at_T, r);
                         return value_and_slope{p.P - x, p.P_T};
                     });
-                    if (std::abs(other - ideal) < std::abs(T - ideal))
+                    if (std::abs(other - ideal) < std::abs(T - ideal) && where(other, r) == place::single)
                         T = other;
                 }
                 return {OSTREL_OK, T, X == letter::p ? x : pressure_at(T, half.v), V, r, not_a_number};
