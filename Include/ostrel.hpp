@@ -16,21 +16,22 @@
 //
 // ostrel_fluid.h is the contract: units, statuses, threads, special points. This header adds:
 //
-// Failures. Every call stands here twice. try_NAME returns a result, which is a value or a fault with its status and its
-// message, and throws nothing but std::bad_alloc. NAME returns the value, or throws a failure with the same two. Without
-// exceptions (-fno-exceptions) only the first form is there.
+// Failures. Every call stands here twice. try_NAME returns a result, which is a value or a fault with its status and
+// its message, and throws nothing but std::bad_alloc. NAME returns the value, or throws a failure with the same two.
+// Without exceptions (-fno-exceptions) only the first form is there.
 //
 // Names. Literals are checked when the program is compiled: a pair, an output, a derivative, a constant, a text or an
 // option that does not exist does not compile. For a text that is known only when the program runs, write
 // ostrel::unchecked(text); then the library checks it, and the call may fail with OSTREL_BAD_ARGUMENT.
 //
-// Arrays. A span with a wrong number of elements is a fault with OSTREL_BAD_ARGUMENT, and nothing is written. An array of
-// values has the outputs of one state next to each other: values[state * number of outputs + output].
+// Arrays. A span with a wrong number of elements is a fault with OSTREL_BAD_ARGUMENT, and nothing is written. An array
+// of values has the outputs of one state next to each other: values[state * number of outputs + output].
 //
 // Units. The bracket behind an argument is its unit: [SI] is the SI unit that ostrel_list has for the name, [-] marks
 // texts, counts and handles.
 //
-// Threads. As in C: constant calls of one fluid from any number of threads; moving, assigning or destroying it from one.
+// Threads. As in C: constant calls of one fluid from any number of threads; moving, assigning or destroying it from
+// one.
 #ifndef OSTREL_HPP
 #define OSTREL_HPP
 
@@ -188,12 +189,20 @@ constexpr std::string_view without_blanks(std::string_view text) {
     return text;
 }
 
-/// Takes the next part of a text off its front: what stands before the sign, without blanks around it. The rest has no
-/// data at the end of the text.
+/// The place of the first such character, or the size of the text. (string_view::find is no constant expression for an
+/// argument of a template with GCC's -fsanitize=undefined.)
+constexpr std::size_t place_of(std::string_view text, char sign) {
+    std::size_t place = 0;
+    while (place < text.size() && text[place] != sign)
+        ++place;
+    return place;
+}
+
+/// Takes the next part of a text off its front: what stands before the sign, without blanks around it.
 constexpr std::string_view next_part(std::string_view &rest, char sign) {
-    const std::size_t end = rest.find(sign);
+    const std::size_t end = place_of(rest, sign);
     const std::string_view part = without_blanks(rest.substr(0, end));
-    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    rest.remove_prefix(end < rest.size() ? end + 1 : end);
     return part;
 }
 
@@ -228,7 +237,7 @@ constexpr bool is_derivative(std::string_view name) {
     if (name.size() != form.size())
         return false;
     for (std::size_t i = 0; i < form.size(); ++i)
-        if (form[i] >= 'X' && form[i] <= 'Z' ? quantities.find(lower(name[i])) == std::string_view::npos
+        if (form[i] >= 'X' && form[i] <= 'Z' ? place_of(quantities, lower(name[i])) == quantities.size()
                                              : lower(name[i]) != form[i])
             return false;
     const auto volume = [](char c) { return c == 'd' ? 'v' : c; };
@@ -239,7 +248,7 @@ constexpr bool is_output(std::string_view text) {
     return is_one_of(name, outputs, true) || is_derivative(name);
 }
 constexpr bool are_outputs(std::string_view text) {
-    while (text.find(',') != std::string_view::npos)
+    while (place_of(text, ',') < text.size())
         if (!is_output(next_part(text, ',')))
             return false;
     return is_output(text);
@@ -264,28 +273,28 @@ constexpr bool is_value(std::string_view value, std::string_view values) {
 }
 constexpr bool are_options(std::string_view text) {
     bool given[std::size(options)] = {};
-    const auto place_of = [](std::string_view key) {
-        std::size_t place = 0;
-        while (place < std::size(options) && options[place].key != key)
-            ++place;
-        return place;
+    const auto row_of = [](std::string_view key) {
+        std::size_t row = 0;
+        while (row < std::size(options) && options[row].key != key)
+            ++row;
+        return row;
     };
     bool metastable = false;
     for (std::string_view rest = text; !without_blanks(text).empty();) {
-        const bool last = rest.find(';') == std::string_view::npos;
+        const bool last = place_of(rest, ';') == rest.size();
         std::string_view value = next_part(rest, ';');
-        const bool has_value = value.find('=') != std::string_view::npos;
+        const bool has_value = place_of(value, '=') < value.size();
         const std::string_view key = next_part(value, '=');
         value = without_blanks(value);
-        const std::size_t place = place_of(key);
-        if (!has_value || place == std::size(options) || given[place] || !is_value(value, options[place].values))
+        const std::size_t row = row_of(key);
+        if (!has_value || row == std::size(options) || given[row] || !is_value(value, options[row].values))
             return false;
-        given[place] = true;
+        given[row] = true;
         metastable = metastable || value == "metastable";
         if (last)
             break;
     }
-    return given[place_of("phase")] == metastable;
+    return given[row_of("phase")] == metastable;
 }
 
 // A call of one of these in an error of the compiler says what is wrong with the literal.
@@ -389,8 +398,8 @@ public:
     /// Takes over a handle of the C interface.   handle [-] an open fluid, which nobody else closes
     explicit fluid(ostrel_fluid *handle) noexcept : handle_(handle) {}
 
-    // These open a fluid. Statuses: OSTREL_CANNOT_OPEN if there is no such fluid, file or database, OSTREL_BAD_FILE if its
-    // parameters cannot be used, OSTREL_BAD_ARGUMENT for options that do not exist or that the fluid cannot have.
+    // These open a fluid. Statuses: OSTREL_CANNOT_OPEN if there is no such fluid, file or database, OSTREL_BAD_FILE if
+    // its parameters cannot be used, OSTREL_BAD_ARGUMENT for options that do not exist or that the fluid cannot have.
 
     /// Opens a fluid of the fluid folder.   name [-] of a file, or as people know the fluid   with [-] options
     static result<fluid> try_open(const std::string &name, open_options with = "") {
@@ -452,8 +461,9 @@ public:
         return answer(status, value);
     }
 
-    // ---- Many states, into arrays of the caller. The fault is that of a call that was refused, or of the first state that
-    // failed; in the second case the arrays are written, and `status` has the status of each state. `status` may be empty.
+    // ---- Many states, into arrays of the caller. The fault is that of a call that was refused, or of the first state
+    // that failed; in the second case the arrays are written, and `status` has the status of each state. `status` may
+    // be empty.
 
     /// inputs [-] the pair   outputs [-] names   first, second [SI] inputs of each state   values [SI] receives the
     /// outputs   status [-] receives the statuses
@@ -465,8 +475,8 @@ public:
                                          second.data(), values.data(), data_of(status));
         });
     }
-    /// The same with the same bits, by several threads.   workers [-] number of threads, the calling one included, 0 for
-    /// one on each core   The other arguments are those of try_evaluate.
+    /// The same with the same bits, by several threads.   workers [-] number of threads, the calling one included, 0
+    /// for one on each core   The other arguments are those of try_evaluate.
     result<void> try_evaluate_parallel(input_pair inputs, output_names outputs, std::span<const double> first,
                                        std::span<const double> second, std::span<double> values,
                                        std::span<int> status = {}, unsigned workers = 0) const {
@@ -511,8 +521,8 @@ public:
                                          data_of(status)));
     }
 
-    // ---- Many states, as a table. The fault is that of a call that was refused; the table has the statuses of the states
-    // and the fault of the first one that failed.
+    // ---- Many states, as a table. The fault is that of a call that was refused; the table has the statuses of the
+    // states and the fault of the first one that failed.
 
     /// inputs [-] the pair   outputs [-] names   first, second [SI] inputs of each state
     result<table> try_evaluate(input_pair inputs, output_names outputs, std::span<const double> first,
@@ -543,17 +553,17 @@ public:
 
     /// A constant [SI]; NaN where the fluid has none, and for an unchecked name that does not exist.   name [-]
     double constant(constant_name name) const noexcept { return ostrel_fluid_constant(handle(), name.c_str()); }
-    /// A text; empty where nothing is known, and without data for an unchecked name that does not exist. It lives as long
-    /// as the handle, so it survives a move of the fluid. It need not be UTF-8.   name [-]
+    /// A text; empty where nothing is known, and without data for an unchecked name that does not exist. It lives as
+    /// long as the handle, so it survives a move of the fluid. It need not be UTF-8.   name [-]
     std::string_view text(text_name name) const noexcept {
         const char *const found = ostrel_fluid_text(handle(), name.c_str());
         return found != nullptr ? std::string_view(found) : std::string_view();
     }
 
 #if defined(__cpp_exceptions)
-    // ---- The same calls with exceptions: the value, or a failure is thrown with the status and the message. Arguments are
-    // those of the calls above. Calls into arrays throw for the first state that failed after they have written the arrays;
-    // calls that return tables throw only if they are refused.
+    // ---- The same calls with exceptions: the value, or a failure is thrown with the status and the message. Arguments
+    // are those of the calls above. Calls into arrays throw for the first state that failed after they have written the
+    // arrays; calls that return tables throw only if they are refused.
 
     static fluid open(const std::string &name, open_options with = "") { return try_open(name, with).value(); }
     static fluid open_file(const std::string &path, open_options with = "") {
@@ -740,7 +750,7 @@ struct found_fluid {
 };
 
 /// The fluids that words find, the best first; none is no fault.   words [-] as a person writes them, "" for all
-/// Status: OSTREL_CANNOT_OPEN if the fluid folder cannot be read.
+/// Status: OSTREL_CANNOT_OPEN if there is no such folder.
 inline result<std::vector<found_fluid>> try_find(const std::string &words) {
     struct collection {
         std::vector<found_fluid> fluids{};

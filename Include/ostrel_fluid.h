@@ -35,16 +35,29 @@
  * Units. All numbers are in SI units, per kilogram where they are specific. The bracket in front of an argument's
  * description is its unit. [-] marks texts, counts and handles. [SI] is the SI unit that ostrel_list gives for the name.
  *
- * Inputs. A pair is two letters in either order: "tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts", "tq", "vh", "vs",
- * "vu", "dh", "ds", "du", "hs", "pu", "su", "th" or "tu", with t in K, p in Pa, v in m3/kg, d in kg/m3, h and u in J/kg,
- * s in J/(kg K), and q, the vapor quality, in 1. In stable states every pair but "th" has one solution; "th" gives the
- * state of lower density.
+ * Inputs. A pair is two letters in either order: "tv", "td", "pt", "pv", "pd", "ph", "ps", "pq", "ts", "tq", "vh",
+ * "vs", "vu", "dh", "ds", "du", "hs", "pu", "su", "th" or "tu", with t in K, p in Pa, v in m3/kg, d in kg/m3, h and u
+ * in J/kg, s in J/(kg K), and q, the vapor quality, in 1. In stable states a pair has at most one solution, with four
+ * exceptions: "th" gives the state of lower density; "su" the state with a positive pressure; "pv" and "ts" of srk and
+ * pr, far above the critical temperature, the state nearer to the ideal gas's temperature.
  *
  * Outputs. "t", "p", "v", "d", "h", "s", "u", "q", "cv", "dp_dt", "dp_dv", "d2p_dt2", "d2p_dv2", "d2p_dtdv", "dcv_dt",
  * "eta", "lambda", "g", "a", "cp", "c", "z", "fundamental", "cp_cv", "isentropic_exponent", "kappa_t", "beta_p", "jt",
  * "prandtl", "tsat", "psat", "phase", and the derivatives dX/dY|Z of t, p, v, d, h, s and u, as "dp/dd|u", where Y and Z
  * differ and are not v with d. ostrel_list has their units and meanings. q is NaN outside of the dome. phase is 0 liquid,
  * 1 vapor, 2 two-phase, 3 supercritical (t >= t_crit and p >= p_crit), 4 gas (t >= t_crit and p < p_crit).
+ *
+ * Two phases. Inside the dome a state is the mixture of saturated liquid and vapor in equilibrium. t, p, q, phase,
+ * tsat, psat, the averages by mass v, d, h, s, u, g and a, and the derivatives dX/dY|Z of the mixture have a meaning;
+ * not those by t or p, or at constant t or p, that are infinite or undefined since p depends on t alone there. All
+ * other outputs have none (OSTREL_TWO_PHASE). With q = 0 or q = 1 a state is a saturated phase, liquid or vapor, and
+ * has all outputs.
+ *
+ * Special points. A NaN with the status OSTREL_OK is an output that the state does not have: q outside of the dome,
+ * tsat above p_crit, psat above t_crit, and derivatives among t, h and u of an ideal gas. "pt" on the saturation line,
+ * in every bit of p, is the saturated liquid. At the critical point the two phases are one, and cp, kappa_t, beta_p and
+ * prandtl are +infinity. Where the equation's cv is 0 or below, there are no states (OSTREL_NO_STATE). The models ig
+ * and izg have no saturation line.
  *
  * Statuses. 0 to 6 belong to a state, 10 to 13 to a call. If a state has several faults, the lowest status counts. The
  * values of a state that failed are NaN, all of them except with OSTREL_TWO_PHASE, where those with a meaning are right.
@@ -122,6 +135,9 @@ typedef struct ostrel_state {
 /* Opens a fluid of the fluid folder: that of the option folder, else the one in the environment variable OSTREL_FLUIDS,
  * else the one installed with the library, else that of the source tree.
  *
+ * This function and the next three return OSTREL_OK; OSTREL_BAD_ARGUMENT for options that do not exist or that the
+ * fluid cannot have; OSTREL_CANNOT_OPEN; OSTREL_BAD_FILE; or OSTREL_OUT_OF_MEMORY.
+ *
  * name        [-] exact name of a parameter file without ".osd"; otherwise file name, name, alias, refrigerant number,
  *             formula that only one fluid has, or CAS number, without regard to case, blanks and punctuation
  * options     [-] NULL, or "key=value; key=value" with each key at most once. An unknown key or value is refused
@@ -164,7 +180,7 @@ int ostrel_fluid_open_text(const char *text, const char *options, ostrel_fluid *
  */
 int ostrel_fluid_open_database(const char *location, const char *name, const char *options, ostrel_fluid **fluid);
 
-/* Gives back what a handle holds.
+/* Gives back what a handle holds, with its texts. The handle must not be used after that.
  *
  * fluid       [-] a handle, or NULL
  */
@@ -236,7 +252,7 @@ int ostrel_fluid_saturation(const ostrel_fluid *fluid, const char *input, const 
  * count       [-] number of states
  * first       [SI] first input of each state, in the order of the letters in `inputs`
  * second      [SI] second input of each state
- * states      [-] receives the states
+ * states      [-] receives the states, each with its status
  */
 int ostrel_fluid_solve(const ostrel_fluid *fluid, const char *inputs, size_t count, const double *first,
                        const double *second, ostrel_state *states);
@@ -297,7 +313,7 @@ const char *ostrel_last_message(void);
 const char *ostrel_list(const char *kind, size_t index, const char *what);
 
 /* Finds the fluids of the fluid folder whose names, formulas or families have to do with some words, the best first.
- * Returns OSTREL_OK also if there are none.
+ * Returns OSTREL_OK also if there are none, and OSTREL_CANNOT_OPEN if there is no such folder.
  *
  * words       [-] words as a person writes them; "" finds all fluids
  * take        [-] is called for each fluid, with the name of its file, which opens it, and its name. The two texts hold
