@@ -133,6 +133,12 @@ inline path request(const std::string &name, std::string_view fluid, std::string
             }};
 }
 
+/// The list of paths has commas between its columns.
+inline std::string plus(std::string outputs) {
+    std::replace(outputs.begin(), outputs.end(), ',', '+');
+    return outputs;
+}
+
 /// The array calls of handles, each with 256 states; and opening.
 inline void add_handles(std::vector<path> &all) {
     struct kept {
@@ -145,8 +151,8 @@ inline void add_handles(std::vector<path> &all) {
             for (const bool dome : {false, true}) {
                 const auto state = std::make_shared<kept>();
                 const std::string surface = *row.options != '\0' ? "/surface" : "";
-                all.push_back({"handle/" + std::string(row.inputs) + "/" + std::string(model) + "/" + row.outputs +
-                                   surface + (dome ? "/dome" : ""),
+                all.push_back({"handle/" + std::string(row.inputs) + "/" + std::string(model) + "/" +
+                                   plus(row.outputs) + surface + (dome ? "/dome" : ""),
                                [=] {
                                    state->stable = std::make_unique<handle>(std::string(model), "");
                                    state->fluid = std::make_unique<handle>(std::string(model), row.options);
