@@ -48,6 +48,8 @@ struct saturated {
     double slope;  ///< d log_Pi/d ln(tau)
     double r_l;
     double r_g;
+    double slope_l; ///< d ln(r_l)/d ln(tau)
+    double slope_g; ///< d ln(r_g)/d ln(tau)
 };
 
 /// The saturation line; lowest_tau <= tau < 1.
@@ -75,7 +77,11 @@ inline saturated saturation(const family &f, double tau, double one_minus_tau) {
     double Lambda_x = 0;
     double liquid = c[coefficients - 1][1];
     double vapor = c[coefficients - 1][2];
+    double liquid_x = 0;
+    double vapor_x = 0;
     for (int k = coefficients - 2; k >= 0; --k) {
+        liquid_x = liquid_x * x + liquid;
+        vapor_x = vapor_x * x + vapor;
         Lambda_x = Lambda_x * x + Lambda;
         Lambda = Lambda * x + c[k][0];
         liquid = liquid * x + c[k][1];
@@ -85,7 +91,14 @@ inline saturated saturation(const family &f, double tau, double one_minus_tau) {
     const double log_Pi = -one_minus_tau * inverse * Lambda;
     // In sigma the slope of Lambda has the factor 1/sigma, which the factor 1 - tau removes.
     const double along = one_minus_tau > 0 ? one_minus_tau * dx_dtau * Lambda_x : 0.0;
-    return {log_Pi, Lambda * inverse - along, f.r_c * liquid * inverse, f.Pi_c * std::exp(log_Pi) * vapor};
+    const double slope = Lambda * inverse - along;
+    const double dx = tau * dx_dtau;
+    return {log_Pi,
+            slope,
+            f.r_c * liquid * inverse,
+            f.Pi_c * std::exp(log_Pi) * vapor,
+            dx * liquid_x / liquid - 1.0,
+            slope + dx * vapor_x / vapor};
 }
 
 /// A real root of x^3 + a x^2 + b x + c, as a start for Newton's method: the largest or the smallest one.

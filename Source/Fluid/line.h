@@ -65,7 +65,16 @@ public:
         double last = infinite;
         for (int step = 0; step < 100; ++step) {
             T = std::clamp(T, of_.T_line, of_.T_c * (1.0 - 1.2e-16));
-            at = of_.saturated(T);
+            double slope_l = 0;
+            double slope_g = 0;
+            if constexpr (requires { of_.saturated_with_slopes(T); }) {
+                const auto found = of_.saturated_with_slopes(T);
+                at = found.at;
+                slope_l = found.slope_l;
+                slope_g = found.slope_g;
+            } else {
+                at = of_.saturated(T);
+            }
             const double x = (at.P - P) / P;
             const double y = std::abs(x) < 1e-4 ? x * (1.0 - x * (0.5 - x * (1.0 / 3.0))) : std::log(at.P / P);
             (y > 0 ? high : low) = T;
@@ -78,8 +87,15 @@ public:
                 return T;
             last = change > 1e-13 * T ? infinite : change;
             // The error of ln P at the next temperature is a small part of the square of the one here.
-            if (std::abs(y) < 2e-7 && T < of_.T_c * (1.0 - 1e-4)) {
-                at = of_.saturated(next);
+            if (std::abs(y) < 2e-7 && T < of_.T_c * (1.0 - 1e-2)) {
+                if constexpr (requires { of_.saturated_with_slopes(T); }) {
+                    // The volumes go along: ln r changes by its slope.
+                    const double moved = (next - T) / T;
+                    at.r_l *= 1.0 + slope_l * moved * (1.0 + 0.5 * slope_l * moved);
+                    at.r_g *= 1.0 + slope_g * moved * (1.0 + 0.5 * slope_g * moved);
+                } else {
+                    at = of_.saturated(next);
+                }
                 return next;
             }
             T = next;

@@ -605,9 +605,10 @@ private:
     double gas_start(const saturated_node &vapor, double T, double excess) const {
         const auto caloric = caloric_at<caloric_of<X>>(T);
         if constexpr (X == letter::s) {
-            // along an isobar s of the ideal gas is psi + ln T, which the nodes do not have; one step with its slope
-            const double cp = caloric.phip(T) + 1.0;
-            return T * std::exp(std::min(excess / cp, 2.0));
+            const double departure =
+                vapor.s_g - ideal_.s_0 - caloric_at<entropy>(vapor.T).psi(vapor.T) - std::log(vapor.T / vapor.P);
+            return ideal_temperature<letter::p>(caloric.psi(T) + std::log(T) + excess + 0.5 * std::min(departure, 0.0))
+                .T;
         } else if constexpr (X == letter::h) {
             const double departure = vapor.u_g + vapor.P * vapor.V_g - ideal_.e_0 - caloric.phi(vapor.T) - vapor.T;
             return ideal_temperature<letter::h>(caloric.phi(T) + T + excess + 0.5 * std::min(departure, 0.0)).T;
@@ -649,24 +650,26 @@ private:
     /// The inverse of the ideal gas's energy and entropy, for starts.
     static constexpr int temperatures = 24;
     struct caloric_node {
-        double T, phi, psi, cv;
+        double T, phi, psi, cv, log_T;
     };
     void make_caloric_nodes() {
         for (int k = 0; k <= temperatures; ++k) {
             const double T = surface_.T_c * 0.25 * std::exp2(k * (4.5 / temperatures));
             const auto caloric = caloric_at<energy | entropy | heat>(T);
-            caloric_nodes_[static_cast<std::size_t>(k)] = {T, caloric.phi(T), caloric.psi(T), caloric.phip(T)};
+            caloric_nodes_[static_cast<std::size_t>(k)] = {T, caloric.phi(T), caloric.psi(T), caloric.phip(T),
+                                                           std::log(T)};
         }
     }
     struct ideal_point {
         double T;
         double cv;
     };
-    /// T at which phi, phi + T or psi has a value, by a cubic between nodes, and about the heat capacity there.
+    /// T at which phi (X is u), phi + T (h), psi (s) or psi + ln T (p) has a value, by a cubic between nodes, and about
+    /// the heat capacity there.
     template <letter X>
     ideal_point ideal_temperature(double value) const {
         const auto y = [](const caloric_node &n) {
-            return X == letter::s ? n.psi : X == letter::u ? n.phi : n.phi + n.T;
+            return X == letter::s ? n.psi : X == letter::p ? n.psi + n.log_T : X == letter::u ? n.phi : n.phi + n.T;
         };
         std::size_t k = 0;
         for (std::size_t half = 16; half > 0; half /= 2)
@@ -678,7 +681,10 @@ private:
         const double x = std::clamp((value - y(a)) / width, -1.0, 2.0);
         // dT/dy, for the entropy times 1/T of the exponential below
         const auto slope = [&](const caloric_node &n) {
-            return X == letter::s ? n.T / n.cv : X == letter::u ? 1.0 / n.cv : 1.0 / (n.cv + 1.0);
+            return X == letter::s   ? n.T / n.cv
+                   : X == letter::p ? n.T / (n.cv + 1.0)
+                   : X == letter::u ? 1.0 / n.cv
+                                    : 1.0 / (n.cv + 1.0);
         };
         const double z = 1.0 - x;
         const double T = z * z * ((1.0 + 2.0 * x) * a.T + x * width * slope(a)) +

@@ -624,8 +624,9 @@ solved solver<Model>::from_s_X(double s, double x) const {
     const auto above = [&](double log_r) {
         const solved here = from_V_X<letter::s>(V_of(std::exp(log_r)), s);
         if (here.status == OSTREL_OK && behind_line(here.T))
-            return false;             // expanded so far that only the gas is left
-        if (here.status != OSTREL_OK) // too dense for any temperature, or expanded beyond the end of the saturation line
+            return false; // expanded so far that only the gas is left
+        if (here.status !=
+            OSTREL_OK) // too dense for any temperature, or expanded beyond the end of the saturation line
             return !(V_of(std::exp(log_r)) > 0) || at(20.0 * T_c, std::exp(log_r)).s < s;
         best = here;
         double value = 0;

@@ -166,6 +166,21 @@ public:
             saturated_cubic::saturation(family_of<Model>(), reduced.tau, reduced.one_minus_tau);
         return {std::exp(of.log_Pi) * Tr, 1.0 + of.slope * reduced.slope, of.r_l / width_, of.r_g / width_};
     }
+    /// The phases at T, with the slopes d ln r/d ln T.
+    struct with_slopes {
+        phases at;
+        double slope_l;
+        double slope_g;
+    };
+    with_slopes saturated_with_slopes(double T) const {
+        const double Tr = T / T_c;
+        const reduced_temperature reduced = reduce(model_, Tr, (T_c - T) / T_c);
+        const saturated_cubic::saturated of =
+            saturated_cubic::saturation(family_of<Model>(), reduced.tau, reduced.one_minus_tau);
+        return {{std::exp(of.log_Pi) * Tr, 1.0 + of.slope * reduced.slope, of.r_l / width_, of.r_g / width_},
+                of.slope_l * reduced.slope,
+                of.slope_g * reduced.slope};
+    }
 
     double turn(double v) const {
         if constexpr (std::is_base_of_v<cubic_attraction::soave_parameters, Model>) {
