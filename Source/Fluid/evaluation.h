@@ -197,7 +197,7 @@ private:
     }
 
     template <letter A, letter B>
-    OSTREL_INLINE solved find(double a, double b) const {
+    OSTREL_INLINE solved find(double a, double b, double given) const {
         constexpr letter Y = B == letter::d ? letter::v : B;
         if constexpr (A == letter::t && Y == letter::v)
             return solver_.from_T_V(a, b);
@@ -206,7 +206,7 @@ private:
         else if constexpr (A == letter::t)
             return solver_.template from_T_X<Y>(a, b);
         else if constexpr (A == letter::p && Y == letter::t)
-            return solver_.from_P_T(a, b);
+            return solver_.from_P_T(a, b, given, gas_.P_ref);
         else if constexpr (A == letter::p && Y == letter::q)
             return solver_.from_P_q(a, b);
         else if constexpr (A == letter::p && Y == letter::v)

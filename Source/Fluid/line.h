@@ -26,7 +26,7 @@ public:
             for (int k = 0; k <= cells && of.T_line < of.T_c; ++k) {
                 const double T = k == cells ? of.T_c : low + step_ * k;
                 const phases at = of.saturated(T);
-                nodes_[k] = {at.P, at.r_l, at.r_g, std::log(at.P), 1.0 / T, -1.0 / (at.slope * T)};
+                nodes_[static_cast<std::size_t>(k)] = {at.P, at.r_l, at.r_g, std::log(at.P), 1.0 / T, -1.0 / (at.slope * T)};
             }
             if (of.T_line < of.T_c)
                 lowest_ = of.saturated(of.T_line);
@@ -42,7 +42,7 @@ public:
         const int k = cell_of_temperature(T);
         if (k < 0)
             return 0;
-        return P < nodes_[k].P * below ? -1 : P > nodes_[k + 1].P * above ? 1 : 0;
+        return P < node_at(k).P * below ? -1 : P > node_at(k + 1).P * above ? 1 : 0;
     }
     /// Whether r is of a gas (-1), of a liquid (1) or of both phases (2) at T without computing the phases; 0 not
     /// known.
@@ -50,11 +50,11 @@ public:
         const int k = cell_of_temperature(T);
         if (k < 0 || k + 1 >= cells)
             return 0;
-        if (r < nodes_[k].r_g * below)
+        if (r < node_at(k).r_g * below)
             return -1;
-        if (r > nodes_[k].r_l * above)
+        if (r > node_at(k).r_l * above)
             return 1;
-        return r > nodes_[k + 1].r_g * above && r < nodes_[k + 1].r_l * below ? 2 : 0;
+        return r > node_at(k + 1).r_g * above && r < node_at(k + 1).r_l * below ? 2 : 0;
     }
 
     /// The saturation temperature, with the phases there; lowest().P <= P < 1.
@@ -111,7 +111,7 @@ public:
     }
     double T_of_node(int k) const { return k == cells ? of_.T_c : begin_ + step_ * k; }
     phases at_node(int k) const {
-        const node &n = nodes_[k];
+        const node &n = node_at(k);
         return {n.P, -n.inverse_T / n.slope, n.r_l, n.r_g};
     }
     /// An estimate of the saturation temperature, by which cell it is in; -1 below the cells.
@@ -120,7 +120,7 @@ public:
         double T;
     };
     estimate near(double P) const {
-        if (P < nodes_[0].P)
+        if (P < node_at(0).P)
             return {-1, 0.0};
         const int k = cell_of_pressure(P);
         return {k, cubic(k, P)};
@@ -141,27 +141,28 @@ private:
 
     /// A temperature near the one at P, and bounds around it. Between two nodes 1/T is a cubic in ln P.
     double start(double P, double &low, double &high) const {
-        if (P < nodes_[0].P) {
+        if (P < node_at(0).P) {
             const double log_low = std::log(lowest_.P);
-            const double part = (std::log(P) - log_low) / (nodes_[0].log_P - log_low);
+            const double part = (std::log(P) - log_low) / (node_at(0).log_P - log_low);
             high = begin_;
             low *= 1.0 - 1e-15;
             return 1.0 / (1.0 / low + part * (1.0 / high - 1.0 / low));
         }
         const int k = cell_of_pressure(P);
-        low = 1.0 / nodes_[k].inverse_T * (1.0 - 1e-15);
-        high = std::min(1.0 / nodes_[k + 1].inverse_T * (1.0 + 1e-15), of_.T_c);
+        low = 1.0 / node_at(k).inverse_T * (1.0 - 1e-15);
+        high = std::min(1.0 / node_at(k + 1).inverse_T * (1.0 + 1e-15), of_.T_c);
         return cubic(k, P);
     }
+    const node &node_at(int k) const { return nodes_[static_cast<std::size_t>(k)]; }
     int cell_of_pressure(double P) const {
         int k = 0;
         for (int half = cells / 2; half > 0; half /= 2)
-            k += P >= nodes_[k + half].P ? half : 0;
+            k += P >= node_at(k + half).P ? half : 0;
         return k;
     }
     double cubic(int k, double P) const {
-        const node &a = nodes_[k];
-        const node &b = nodes_[k + 1];
+        const node &a = node_at(k);
+        const node &b = node_at(k + 1);
         const double width = b.log_P - a.log_P;
         const double x = (std::log(P) - a.log_P) / width;
         const double y = 1.0 - x;

@@ -8,7 +8,9 @@ using equations::martin_hou_isotherm;
 martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, double critical_temperature, double P_lowest)
     : T_c(critical_temperature), model_(model) {
     simple_ = infinite;
-    for (double T = 0.3 * T_c; T < 20.0 * T_c; T *= 1.05) {
+    constexpr int temperatures = 87; // up to 20 T_c
+    for (int k = 0; k < temperatures; ++k) {
+        const double T = 0.3 * T_c * std::exp2(0.07 * k);
         const martin_hou_isotherm at(model_, T, T_c);
         simple_ = std::min(simple_, 0.95 * at.bend());
         if (T > T_c && at.top() < infinite)

@@ -307,8 +307,9 @@ public:
         }
     }
 
-    /// P and T are given.
-    solved from_P_T(double P, double T) const {
+    /// P and T are given. The saturated liquid is meant if the pressure is that of the line to the last bit of its SI
+    /// value, which is `given` = P unit.
+    solved from_P_T(double P, double T, double given, double unit) const {
         solved result = {OSTREL_OK, T, P, 0, 0, not_a_number};
         const isotherm i = surface_.at(T);
         if constexpr (!surface_type::saturates) {
@@ -328,11 +329,11 @@ public:
             int side = line_.side_of_pressure(T, P);
             if (side == 0) {
                 const phases p = surface_.saturated(T);
-                if (P == p.P) {
+                if (given == p.P * unit) {
                     result.q = 0.0;
                     return single(result, p.r_l);
                 }
-                side = P < p.P ? -1 : 1;
+                side = given < p.P * unit ? -1 : 1;
             }
             return side < 0 ? single(result, i.gas(P)) : below_top(result, i, i.liquid(P));
         }
@@ -444,7 +445,7 @@ private:
 
     /// Whether the step after `step` would be only rounding, as the convergence from the step before shows.
     static bool settled(double step, double before) {
-        return step <= 1e-15 || (step < 1e-6 && before < 1.0 && step * step * step <= 3e-17 * before * before);
+        return step <= 1e-15 || (step < 1.4e-8 && step * step * step <= 2e-16 * before * before);
     }
 
     struct point {
@@ -460,7 +461,9 @@ private:
             const properties p = at<caloric_of<X> | caloric_of<Y>>(T, r);
             const quantity_at a = value_of<X>(p);
             const quantity_at b = value_of<Y>(p);
-            const double inverse = 1.0 / (a.by_T * b.by_V - a.by_V * b.by_T);
+            double inverse = 1.0 / (a.by_T * b.by_V - a.by_V * b.by_T);
+            if constexpr (X == letter::s && Y == letter::u) // the same, without the cancellation in a cold liquid
+                inverse = -p.T / (p.P * p.cv);
             const double da = x - a.value;
             const double db = y - b.value;
             const double dT = (da * b.by_V - a.by_V * db) * inverse;

@@ -431,7 +431,9 @@ solved solver<Model>::from_V_X(double V, double x) const {
                         start = line_.near(x).T;
                     else if (high + 1 <= k) { // a parabola through three nodes
                         const double X_next = mixture_at(high + 1);
-                        const double T0 = node(low).T, T1 = node(high).T, T2 = node(high + 1).T;
+                        const double T0 = node(low).T;
+                        const double T1 = node(high).T;
+                        const double T2 = node(high + 1).T;
                         start = T0 * (x - X_high) * (x - X_next) / ((X_low - X_high) * (X_low - X_next)) +
                                 T1 * (x - X_low) * (x - X_next) / ((X_high - X_low) * (X_high - X_next)) +
                                 T2 * (x - X_low) * (x - X_high) / ((X_next - X_low) * (X_next - X_high));
@@ -627,7 +629,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
             return false; // expanded so far that only the gas is left
         if (here.status !=
             OSTREL_OK) // too dense for any temperature, or expanded beyond the end of the saturation line
-            return !(V_of(std::exp(log_r)) > 0) || at(20.0 * T_c, std::exp(log_r)).s < s;
+            return !surface_.line_ends || !(V_of(std::exp(log_r)) > 0) || at(20.0 * T_c, std::exp(log_r)).s < s;
         best = here;
         double value = 0;
         if (here.q >= 0)
