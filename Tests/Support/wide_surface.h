@@ -3,7 +3,8 @@
 // here is the library's: tests of handles compare with it.
 //
 // Given      the constants of a parameter file
-// Returned   T [Tc], v [R Tc/Pc], P [Pc], energies [R Tc], entropies [R]; energy and entropy are 0 at the critical point
+// Returned   T [Tc], v [R Tc/Pc], P [Pc], energies [R Tc], entropies [R]; energy and entropy are 0 at the critical
+// point
 #pragma once
 
 #include <array>
@@ -180,12 +181,8 @@ struct jet {
 
     /// f of this one, with f' and f''.
     jet chained(Real f, Real slope, Real bend) const {
-        return {f,
-                slope * T,
-                slope * v,
-                slope * TT + bend * T * T,
-                slope * Tv + bend * T * v,
-                slope * vv + bend * v * v};
+        return {
+            f, slope * T, slope * v, slope * TT + bend * T * T, slope * Tv + bend * T * v, slope * vv + bend * v * v};
     }
     friend jet operator+(const jet &a, const jet &b) {
         return {a.x + b.x, a.T + b.T, a.v + b.v, a.TT + b.TT, a.Tv + b.Tv, a.vv + b.vv};
@@ -296,8 +293,8 @@ public:
         return repulsion + sum * jets(Zc);
     }
 
-    /// By how much T would have to change to move P like the rounding of the coefficients does, in units of that rounding.
-    /// Only Martin and Hou's are sums that cancel.
+    /// By how much T would have to change to move P like the rounding of the coefficients does, in units of that
+    /// rounding. Only Martin and Hou's are sums that cancel.
     Real coefficients_in_T(Real T, Real v, Real P_T) const {
         if (model_ != "mh")
             return 0;
@@ -353,14 +350,17 @@ private:
         const Real tau = decimal<Real>("0.9869") - decimal<Real>("0.6751") * Zc;
         const Real theta = fluid.Tb / Tc;
         const Real X = 36 / theta + 42 * log_of(theta) - 35 - theta * theta * theta * theta * theta * theta;
-        const Real slope = (decimal<Real>("0.315") * X - log_of(101325 / Real(fluid.Pc))) / (decimal<Real>("0.0838") * X - log_of(theta));
+        const Real slope = (decimal<Real>("0.315") * X - log_of(101325 / Real(fluid.Pc))) /
+                           (decimal<Real>("0.0838") * X - log_of(theta));
         const Real E = exp_of(-k_), h = decimal<Real>("0.5") - b_v;
         enum { A1, A2, A3, B1, B2, B4, C1, C2, C4, side, columns };
         std::array<std::array<Real, columns>, 9> rows{};
         rows[0][A1] = rows[0][B1] = 1, rows[0][C1] = E, rows[0][side] = 9 * d * d - decimal<Real>("3.8") * z * d;
-        rows[1][A2] = rows[1][B2] = 1, rows[1][C2] = E, rows[1][side] = decimal<Real>("5.4") * z * d * d - 17 * d * d * d;
+        rows[1][A2] = rows[1][B2] = 1, rows[1][C2] = E,
+        rows[1][side] = decimal<Real>("5.4") * z * d * d - 17 * d * d * d;
         rows[2][A3] = 1, rows[2][side] = 12 * d * d * d * d - decimal<Real>("3.4") * z * d * d * d;
-        rows[3][B4] = 1, rows[3][C4] = E, rows[3][side] = decimal<Real>("0.8") * z * d * d * d * d - 3 * d * d * d * d * d;
+        rows[3][B4] = 1, rows[3][C4] = E,
+        rows[3][side] = decimal<Real>("0.8") * z * d * d * d * d - 3 * d * d * d * d * d;
         rows[4][A1] = 1, rows[4][B1] = m, rows[4][C1] = exp_of(-k_ * m), rows[4][side] = -b_v * z * m;
         rows[5][A1] = 1, rows[5][B1] = tau, rows[5][C1] = exp_of(-k_ * tau);
         rows[5][side] = -b_v * z * tau - (1 - Zc) * z * z * tau * tau;
