@@ -32,36 +32,16 @@ def number(x):
 def end_of(s):
     """The lowest temperature of a line that ends, in units of Tc: of Clausius II where v_l is 0, of Martin and Hou where
     the liquid's branch does not reach the pressure of equal Gibbs energies any more."""
-    if s.model.suffix == "CIIG" and s.b < 0:
-        def here(T):
-            found = s.saturation(T)
-            return found if found[0] > 0 else None
-
-        def residuals(T, v_g):
-            (P_l, g_l), (P_g, g_g) = s.P_g(T, mpf(0)), s.P_g(T, v_g)
-            return P_l - P_g, g_l - g_g
-    elif s.model.suffix == "MHG":
-        here = s.saturation
-
-        def residuals(T, v_l, v_g):
-            (P_l, g_l), (P_g, g_g) = s.P_g(T, v_l), s.P_g(T, v_g)
-            return P_l - P_g, g_l - g_g, s.P_v(T, v_l)
-    else:
+    if s.model.suffix not in ("CIIG", "MHG") or s.model.suffix == "CIIG" and s.b >= 0:
         return None
-    low, high = mpf("0.4") * s.T_c, mpf("0.98") * s.T_c
-    last = here(high)
-    for _ in range(9):
-        middle = (low + high) / 2
+
+    def beyond(T):
         try:
-            found = here(middle)
-        except (RuntimeError, TypeError):  # far below the end there is nothing to converge to
-            found = None
-        if found is None:
-            low = middle
-        else:
-            high, last = middle, found
-    start = (high, last[1]) if s.model.suffix == "CIIG" else (high, *last[:2])
-    return mp.findroot(residuals, start, tol=mpf(10) ** -60)[0] / s.T_c
+            found = s.near_saturation(T)
+        except TypeError:  # far below the end
+            return True
+        return found is None or found[0] <= 0
+    return surface.bisect(beyond, mpf("0.4") * s.T_c, mpf("0.98") * s.T_c, 34) / s.T_c
 
 
 def rounded(x):
