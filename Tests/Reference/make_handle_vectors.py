@@ -4,7 +4,6 @@
 takes some minutes. Nothing here is computed with the library or read from its sources (see surface.py).
 
     fluid NAME OPTIONS                         what the following lines are of
-    end T                                      the lowest temperature [Tc] of a line of saturation that ends
     line t p v_l v_g c_p c_l c_g               saturation at t [K] in SI units, and d ln(p, v_l, v_g)/d ln t
     state t v q X X_t X_v ...                  with X = p, h, s, u, in SI units; q is "-" for one phase
     has NAME X S                               another output there; S is the sum of |t X_t| and |v X_v|
@@ -22,26 +21,13 @@ FOLDER = pathlib.Path(__file__).resolve().parent
 CHOICES = (("nbutane", "mh"), ("water", "mh"), ("water", "cii"), ("ammonia", "cii"), ("toluene", "vdw"), ("d6", "rk"),
            ("nbutane", "srk"), ("mlinolen", "srk"), ("nnonadec", "pr"), ("helium", "vdw"),
            ("water", "pr; volume=translated"))
+LOWEST = {("nbutane", "mh"): mpf("0.816"), ("water", "mh"): mpf("0.96"), ("water", "cii"): mpf("0.7"),
+          ("ammonia", "cii"): mpf("0.6")}  # Tc; these lines end
 TEMPERATURES = ("0.3", "0.45", "0.7", "0.9", "0.97", "0.999", "0.99999", "0.99999999")
 
 
 def number(x):
     return mp.nstr(x, 25)
-
-
-def end_of(s):
-    """The lowest temperature of a line that ends, in units of Tc: of Clausius II where v_l is 0, of Martin and Hou where
-    the liquid's branch does not reach the pressure of equal Gibbs energies any more."""
-    if s.model.suffix not in ("CIIG", "MHG") or s.model.suffix == "CIIG" and s.b >= 0:
-        return None
-
-    def beyond(T):
-        try:
-            found = s.near_saturation(T)
-        except TypeError:  # far below the end
-            return True
-        return found is None or found[0] <= 0
-    return surface.bisect(beyond, mpf("0.4") * s.T_c, mpf("0.98") * s.T_c, 34) / s.T_c
 
 
 def rounded(x):
@@ -53,12 +39,7 @@ def lines_of(choice):
     model = options.split(";")[0]
     s = Surface(*surface.records(FOLDER.parent.parent / "Fluids" / f"{name}.osd"), model, "translated" in options)
     lines = [f"fluid {name} {options}"]
-    end = None if "translated" in options else end_of(s)
-    if end is not None:
-        lines.append(f"end {mp.nstr(end, 12)}")
-    lowest = 0 if end is None else end + mpf("0.005")
-    if name == "water" and model == "mh":
-        lowest = mpf("0.96")
+    lowest = LOWEST.get(choice, 0)
     t_unit, v_unit, p_unit, R = s.T_ref, s.v_ref, s.P_ref, s.R
     energy = p_unit * v_unit
     known = {}
