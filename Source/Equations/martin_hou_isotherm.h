@@ -130,7 +130,7 @@ public:
 
 private:
     static constexpr double infinite = std::numeric_limits<double>::infinity();
-    static constexpr double underflow = 1e-306; ///< saturation pressures below this one are not sought
+    static constexpr double underflow = 1e-304; ///< saturation pressures below this one are not sought
 
     /// A pressure, and P - 1, which has more digits near the critical point.
     struct pressure {

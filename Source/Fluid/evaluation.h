@@ -24,6 +24,9 @@ namespace fluid {
 
 inline constexpr double the_nan = std::bit_cast<double>(0x7ff8000000000000);
 
+/// Saturation pressures below this one [Pa] count as underflowed, since the vapor's volume nearly overflows there.
+inline constexpr double lowest_pressure = 1e-290;
+
 enum phase_code : std::int32_t { liquid = 0, vapor = 1, two_phase = 2, supercritical = 3, gas = 4 };
 
 /// In `inputs` of an ostrel_state: the row of input_pairs, and whether the letters came in the other order.
@@ -36,7 +39,7 @@ public:
     core_of(const equations::fluid_parameters &fluid, const Model &model, double Zc, const settings &wanted)
         : gas_(fluid.constants), heat_(fluid.heat), wanted_(wanted),
           solver_(model, separated_attraction::ideal_part{heat_, gas_.e_0, gas_.s_0}, critical_temperature(),
-                  1e-300 / gas_.P_ref, 0.0, wanted.states),
+                  lowest_pressure / gas_.P_ref, 0.0, wanted.states),
           transport_(gas_.vapor ? transport::published_form(fluid.transport, Zc) : fluid.transport) {
         energy_unit_ = gas_.P_ref * gas_.v_ref;
         per_T_ = 1.0 / gas_.T_ref;
@@ -251,7 +254,7 @@ private:
         if (!of_surface && wanted_.states == allowed_states::surface)
             return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
         return kept<row>(is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number)
-                                                          : find<A, B>(a, b),
+                                                          : find<A, B>(a, b, first),
                          inputs, first, second, given_first, given_second);
     }
     /// A solved state in SI units, with the inputs' own bits.

@@ -26,7 +26,8 @@ public:
             for (int k = 0; k <= cells && of.T_line < of.T_c; ++k) {
                 const double T = k == cells ? of.T_c : low + step_ * k;
                 const phases at = of.saturated(T);
-                nodes_[static_cast<std::size_t>(k)] = {at.P, at.r_l, at.r_g, std::log(at.P), 1.0 / T, -1.0 / (at.slope * T)};
+                nodes_[static_cast<std::size_t>(k)] = {at.P,           at.r_l,  at.r_g,
+                                                       std::log(at.P), 1.0 / T, -1.0 / (at.slope * T)};
             }
             if (of.T_line < of.T_c)
                 lowest_ = of.saturated(of.T_line);
@@ -87,7 +88,7 @@ public:
                 return T;
             last = change > 1e-13 * T ? infinite : change;
             // The error of ln P at the next temperature is a small part of the square of the one here.
-            if (std::abs(y) < 2e-7 && T < of_.T_c * (1.0 - 1e-2)) {
+            if (std::abs(y) < 2e-7 && T < 0.99 * of_.T_c) {
                 if constexpr (requires { of_.saturated_with_slopes(T); }) {
                     // The volumes go along: ln r changes by its slope.
                     const double moved = (next - T) / T;

@@ -34,12 +34,16 @@ struct solved {
 
 /// What one state of the surface has; V is the volume that the user sees.
 struct properties {
-    double T, V, P;
-    double P_T, P_V;
+    double T;
+    double V;
+    double P;
+    double P_T;
+    double P_V;
     double h_V; ///< dh/dV at constant T, without the cancellation of its ideal parts
     double u_V; ///< du/dV at constant T
     double cv;
-    double u, s;
+    double u;
+    double s;
 
     double h() const { return u + P * V; }
     double h_T() const { return cv + V * P_T; }

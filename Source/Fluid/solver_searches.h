@@ -310,7 +310,11 @@ solved solver<Model>::from_P_X(double P, double x) const {
         };
         if (x > g.value)
             return along_isobar<X>(P, x, branch::gas, T_s, infinite, std::min(step(m.g, g), 3.0 * T_c));
-        return along_isobar<X>(P, x, branch::liquid, lowest, T_s, std::max({step(m.l, l), lowest, 0.3 * T_s}));
+        const solved found =
+            along_isobar<X>(P, x, branch::liquid, lowest, T_s, std::max({step(m.l, l), lowest, 0.3 * T_s}));
+        if (found.status == OSTREL_OK || !surface_.line_ends)
+            return found;
+        return isobar_search<X>(P, x, branch::gas, 0.0, lowest, 0.9 * lowest); // the gas below the end of the line
     }
 }
 
@@ -497,19 +501,19 @@ solved solver<Model>::from_V_X(double V, double x) const {
     }
     if (surface_.has_loops && states_ == allowed_states::stable) { // what is above T_c is apart from what is below
         constexpr int steps = 64;
-        double T_before = 0;
+        double lower = 0;
         double difference_before = 0;
         for (int k = 0; k <= steps && line_.exists(); ++k) {
             const double sigma = 1.0 - static_cast<double>(k) / steps; // steps grow with the distance from T_c
-            const double T_now = std::max(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line);
-            const on_isochore e = equilibrium<X>(std::min(T_now, T_c * (1.0 - 1e-15)), V, r);
+            const double upper = std::max(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line);
+            const on_isochore e = equilibrium<X>(std::min(upper, T_c * (1.0 - 1e-15)), V, r);
             const double difference = e.there ? e.value - x : not_a_number;
             if (difference_before <= 0 && difference >= 0) {
-                const solved below = isochore_search<X>(V, x, T_before, T_now, 0.0);
+                const solved below = isochore_search<X>(V, x, lower, upper, 0.0);
                 if (below.status == OSTREL_OK)
                     return below;
             }
-            T_before = T_now;
+            lower = upper;
             difference_before = difference;
         }
         const solved above = isochore_search<X>(V, x, T_c, T_turn, 0.0);

@@ -246,7 +246,10 @@ public:
         double slope(double r) const { return of_.slope(r); }
         double gas(double P) const { return of_.gas(P, simple_); }
         double liquid(double P) const { return of_.liquid(P); }
-        double single(double P) const { return of_.gas(P, without_top_ ? infinite : simple_); }
+        double single(double P) const {
+            const double unbounded = infinite;
+            return of_.gas(P, without_top_ ? unbounded : simple_);
+        }
         double gas_end() const { return of_.gas_end(); }
         double liquid_end() const { return of_.liquid_end(); }
         double top() const { return without_top_ ? infinite : of_.top(); }
