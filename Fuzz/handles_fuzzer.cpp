@@ -490,13 +490,17 @@ private:
         const double factor = ostrel_fluid_constant(fluid_.get(), end);
         return std::isnan(factor) ? value : end == text.c_str() ? factor : value * factor;
     }
+    /// A text as the library sees it, which ends at a NUL.
+    static std::string text_of(const fuzz::command &line, std::size_t i, std::string_view missing) {
+        return std::string(line.text(i).value_or(missing)).c_str();
+    }
     static std::string outputs_of(const fuzz::command &line, std::size_t i) {
-        return std::string(line.text(i).value_or("p,t,v,d,h,s,u,q"));
+        return text_of(line, i, "p,t,v,d,h,s,u,q");
     }
 
     void states(const fuzz::command &line, std::string_view name) const {
         const bool saturation = name == "saturation";
-        state_call call{fluid_.get(), std::string(line.text(0).value_or("tv")), outputs_of(line, 1), {}, {}};
+        state_call call{fluid_.get(), text_of(line, 0, "tv"), outputs_of(line, 1), {}, {}};
         for (std::size_t i = 2; i < 2 + 2 * most_states && line.text(i); i += saturation ? 1 : 2) {
             call.first.push_back(number(line, i));
             call.second.push_back(number(line, i + 1));

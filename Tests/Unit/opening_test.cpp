@@ -8,6 +8,8 @@
 #endif
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -164,6 +166,12 @@ TEST_F(opening, files_that_cannot_be_opened) {
         EXPECT_EQ(status, OSTREL_CANNOT_OPEN);
         EXPECT_THAT(message, AllOf(HasSubstr('"' + path + '"'), HasSubstr(reason)));
     }
+    const std::string below_a_file = in_folder("broken") + "/x.osd";
+    EXPECT_THAT(fluid.open_file(below_a_file).message, HasSubstr("it cannot be read, error"));
+    const std::string large = place.path() + "/large.osd";
+    std::ofstream(large).close();
+    std::filesystem::resize_file(large, 1U << 30U); // has no blocks on the disk
+    EXPECT_THAT(fluid.open_file(large).message, HasSubstr("it is too large"));
     const std::string pipe = place.path() + "/pipe.osd";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_EQ(fluid.open_file(pipe).status, OSTREL_CANNOT_OPEN);
@@ -234,6 +242,15 @@ TEST_F(opening, constants_and_texts_of_the_file) {
               "constant and Einstein terms: cv = cv_0 + R sum x^2 e^x/(e^x - 1)^2, x = Tv/T");
     EXPECT_EQ(fluid.text("viscosity"), "Chung, dense gas");
     EXPECT_EQ(fluid.text("conductivity"), "Chung, dense gas");
+}
+
+TEST_F(opening, unknown_codes_are_named) {
+    const std::string text = support::vapor_section + "7\nT\n9\n9\n9\n";
+    ASSERT_EQ(fluid.open_text(text).status, OSTREL_OK) << ostrel_last_message();
+    for (const char *const name : {"heat_capacity", "viscosity", "conductivity"})
+        EXPECT_EQ(fluid.text(name), "unknown, code 9");
+    EXPECT_THAT(fluid.open_text(support::vapor_section + "9\nT\n1\n2.5\n9\n9\n").message,
+                HasSubstr("gas_type 9 is no model"));
 }
 
 TEST_F(opening, without_critical_data_their_constants_are_NaN) {
