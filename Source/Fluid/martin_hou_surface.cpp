@@ -37,10 +37,8 @@ martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, doubl
     const auto pressure_enough = [&](double T) {
         return martin_hou_isotherm(model_, T, T_c).saturation().P >= P_lowest;
     };
-    if (!pressure_enough(T_line)) {
-        line_ends = false;
+    if (!pressure_enough(T_line)) // it underflows; what is below has no liquid that could be trusted either
         T_line = bisect(T_line, 0.999 * T_c, pressure_enough);
-    }
     // Where loops reach up to the critical temperature, the line ends there above the critical pressure.
     P_c = std::max(1.0, martin_hou_isotherm(model_, T_c * (1.0 - 1e-9), T_c).saturation().P);
     constexpr int steps = 32;

@@ -457,6 +457,13 @@ private:
         double r;
         bool converged;
     };
+    /// A temperature that only rounding keeps from the critical one is the critical one; below it the state would be
+    /// inside the dome.
+    point at_critical(point end) const {
+        if (std::abs(end.T - surface_.T_c) <= 3e-14 * surface_.T_c)
+            end.T = surface_.T_c;
+        return end;
+    }
     /// Newton's method in T and ln r for two quantities of one phase.
     template <letter X, letter Y>
     point newton(double x, double y, double T, double r, int steps = 30) const {

@@ -145,7 +145,7 @@ solved solver<Model>::along_isobar(double P, double x, branch below_critical, do
                      : below_critical == branch::gas          ? i.gas(P)
                                                               : i.liquid(P);
     if (r > 0 && r < i.top()) {
-        const point end = newton<letter::p, X>(P, x, start, r);
+        const point end = at_critical(newton<letter::p, X>(P, x, start, r));
         if (end.converged && end.T >= T_low * (1.0 - 1e-13) && end.T <= T_high * (1.0 + 1e-13)) {
             bool wanted = true;
             if constexpr (surface_type::saturates) {
@@ -217,12 +217,13 @@ solved solver<Model>::isobar_search(double P, double x, branch below_critical, d
     const double r = r_there(T);
     if (!(r > 0))
         return failure;
-    const auto [value, slope] = f(T);
-    if (!(std::abs(value) <= 1e-10 * (std::abs(slope) * T + std::abs(x))))
-        return failure;
-    solved result = finish<letter::p, X>(P, x, of_single(T, P, r));
-    result.P = P;
-    return result;
+    // Near the critical point rounding of T leaves a difference, which Newton's method removes; where a branch ends
+    // before x, a difference stays.
+    const point end = at_critical(newton<letter::p, X>(P, x, T, r, 12));
+    const bool near = std::abs(end.T - T) < 1e-3 * T && std::abs(end.r - r) < 0.05 * r;
+    if (end.converged && near && (end.T == T_c || is_state(end.T, end.r)))
+        return of_single(end.T, P, end.r);
+    return std::abs(f(T).value) <= 1e-5 * (std::abs(x) + T) ? of_single(T, P, r) : failure;
 }
 
 template <class Model>
@@ -282,7 +283,7 @@ solved solver<Model>::from_P_X(double P, double x) const {
                 const isotherm i = surface_.at(start);
                 const double r = start >= T_c ? i.single(P) : is_gas ? i.gas(P) : i.liquid(P);
                 if (r > 0 && r < i.top()) {
-                    const point end = newton<letter::p, X>(P, x, start, r, 12);
+                    const point end = at_critical(newton<letter::p, X>(P, x, start, r, 12));
                     // A stable state with these values is the only one.
                     if (end.converged && end.T > 0 && (is_gas ? end.T > b.T : end.T < a.T && end.T >= lowest)) {
                         if (end.T >= T_c)
