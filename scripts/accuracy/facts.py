@@ -17,8 +17,13 @@ CHOICES = {choice["fluid"]: choice for choice in MAKE.read_table("choices.csv")}
 MODELS = ("srk", "pr", "rk", "vdw", "mh", "cii", "ig", "izg")
 MODEL_NAMES = {model: MAKE.MODELS[model][1] for model in MODELS}
 SATURATING = MODELS[:6]
-TRANSLATED = {f"{model} translated": model for model in ("srk", "pr", "rk")}  # with the option volume=translated
-COLUMN_NAMES = MODEL_NAMES | {name: f"{MODEL_NAMES[model]}, translated" for name, model in TRANSLATED.items()}
+VOLUME_MODELS = ("srk", "pr", "rk")  # these have the option volume=translated
+TRANSLATED = {model: f"{model} translated" for model in VOLUME_MODELS}
+COLUMN_NAMES = MODEL_NAMES | {TRANSLATED[model]: f"{MODEL_NAMES[model]}, translated" for model in VOLUME_MODELS}
+VAPOR_BRANCH = "mh vapor"
+OPTIONS = {model: f"model={model}" for model in MODELS} | {  # of the handle of each column
+    TRANSLATED[model]: f"model={model}; volume=translated" for model in VOLUME_MODELS} | {
+    VAPOR_BRANCH: "model=mh; states=metastable; phase=vapor"}
 FLUIDS = {  # name in the reference tables: name in Fluids/
     "Argon": "argon", "Nitrogen": "nitrogen", "Methane": "methane", "Ethane": "ethane", "n-Propane": "propane",
     "n-Butane": "nbutane", "Toluene": "toluene", "CarbonDioxide": "co2", "R134a": "r134a", "MDM": "mdm",
@@ -99,11 +104,15 @@ QUANTITIES = (
 )
 
 
+def columns_of_models(region):
+    return SATURATING if region == "saturation" else MODELS
+
+
 def columns(region, of_volume=True):
-    """The models that have states of a region; if the volume counts, each also with its translated volume."""
-    models = SATURATING if region == "saturation" else MODELS
-    pairs = [(model, f"{model} translated") for model in models]
-    return [column for pair in pairs for column in pair if column in models or of_volume and column in TRANSLATED]
+    """The columns of a table: the models that have states of the region, and the further options of handles."""
+    return [column for model in columns_of_models(region)
+            for column in (model, of_volume and TRANSLATED.get(model),
+                           model == "mh" and region == "vapor" and VAPOR_BRANCH) if column]
 
 
 # The sources of the constants.

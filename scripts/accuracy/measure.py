@@ -9,8 +9,8 @@ import pathlib
 import statistics
 import tempfile
 
-from accuracy.facts import (CHOICES, FLUIDS, MAKE, MODELS, REGIONS, ROOT, SATURATING, SATURATION, STATES, TABLE,
-                            TRANSLATED, columns, conductivity_factor, sublimes)
+from accuracy.facts import (CHOICES, FLUIDS, MAKE, MODELS, OPTIONS, REGIONS, ROOT, SATURATING, SATURATION, STATES,
+                            TABLE, columns, conductivity_factor, sublimes)
 from ostrel_library import Failed, Fluid, Library, child
 
 # Deviations from the reference tables.
@@ -28,11 +28,11 @@ def deviation(ours, reference):
 
 
 class Handles:
-    """One fluid through a handle, with states of equilibrium. All answers are in SI units; a request may raise Failed."""
+    """One fluid through a handle. All answers are in SI units; a request may raise Failed."""
 
-    # The names of the library.
+    # The library's names of the outputs.
     STATE = {"d": "d", "h": "h", "cp": "cp", "w": "c", "gamma": "fundamental", "eta": "eta", "lambda": "lambda"}
-    LIQUID, VAPOR = 0, 1
+    VAPOR = 1  # of the output phase
 
     def __init__(self, handle):
         self.handle, self.Tc, self.R = handle, handle.constant("t_crit"), handle.constant("r_gas")
@@ -126,9 +126,8 @@ def entry_point_deviations(fluid, model, folder, library_path):
 
 
 def handle_deviations(fluid, column, folder, library_path):
-    model = TRANSLATED.get(column, column)
-    options = f"model={model}; volume=" + ("translated" if column in TRANSLATED else "equation")
-    with Fluid(library_path, folder, fluid, options) as handle:
+    """The folder has a file of the fluid; only the Z of the ideal gas needs its own."""
+    with Fluid(library_path, folder, fluid, OPTIONS[column]) as handle:
         yield from all_deviations(fluid, Handles(handle), column in columns("saturation"))
 
 

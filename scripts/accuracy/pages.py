@@ -4,9 +4,9 @@ comments. Nothing is computed here."""
 import re
 import textwrap
 
-from accuracy.facts import (FLUIDS, MODEL_NAMES, QUANTITIES, ROOT, SATURATING, TABLE, TRANSLATED, columns,
-                            conductivity_remark, dense_places, heat_capacity_from_equation, other_critical_points, places,
-                            source_counts)
+from accuracy.facts import (FLUIDS, MODEL_NAMES, QUANTITIES, ROOT, SATURATING, TABLE, TRANSLATED, VAPOR_BRANCH,
+                            VOLUME_MODELS, columns, columns_of_models, conductivity_remark, dense_places,
+                            heat_capacity_from_equation, other_critical_points, places, source_counts)
 from accuracy.measure import LINE_TEMPERATURES, NEIGHBOURS, SEARCH_FRACTIONS, SEARCH_ISOTHERMS, SEARCH_PAIRS
 
 FOLDER = ROOT / "Documentation"
@@ -56,21 +56,21 @@ what follows from it.
 Deviations are (ours / reference - 1) in per cent. Cells show the mean and the largest size over the states, and in
 brackets how many states answered, where not all did. "–": none did. The answers are those of [handles](Handles.md) with
 stable states: `ostrel_fluid_saturation` by t, and "pt" for the other states. Where the reference is a vapor and the
-model already a liquid, the state counts as not answered. What
-[the entry points](#through-the-entry-points) answer otherwise has a table of its own.
+model already a liquid, the state counts as not answered. What [the entry points](#through-the-entry-points) answer
+otherwise has a table of its own.
 
 The models: {models} (Z is the mean over the vapor states). "translated" means the option `volume=translated`, which
-{translated} have. It does not change saturation pressures, enthalpies of vaporisation and heat capacities.
+{translated} have. It does not change saturation pressures, enthalpies of vaporisation and heat capacities. "mh vapor"
+means `states=metastable; phase=vapor`, a vapor also where the stable state of the model is a liquid.
 
-Liquids are compared on the saturation line, and at 1.15 to 2.5 Pc above the critical temperature. The reference tables
-have no compressed liquid below it.
+Liquids are compared on the saturation line, and supercritical states above it. The reference tables have no compressed
+liquid below the critical temperature.
 
 In the pictures each model has a panel with its own scale; translated volumes have panels on the saturation line. A
-model has no panel if fewer than half of the fluids answer at half of their states, or if its median is above
-{hopeless} %. The grey band is {band} % wide on each side of zero in every
-panel. Grey lines without a name are the other fluids. Single-phase states are shown at the highest pressure of each
-isotherm of vapor and gas: 0.97 of the saturation pressure below Tc, 0.8 Pc above. A line that leaves its panel goes far
-beyond all others.
+model has no panel if fewer than half of the fluids answer at half of their states, or if its median is above {hopeless}
+%. The grey band is {band} % wide on each side of zero in every panel. Grey lines without a name are the other fluids.
+Single-phase states are shown at the highest pressure of each isotherm of vapor and gas, 0.97 of the saturation pressure
+below Tc and 0.8 Pc above, unless the model has a liquid there. A line that leaves its panel goes far beyond all others.
 
 ## Summary
 
@@ -118,11 +118,11 @@ def median_and_share(comparison, key, model):
     return digits(median, 3) + (f" ({100 * answered / asked:.0f} %)" if answered < asked else "")
 
 
-def region_summaries(cells, wanted=lambda texts: True, translated=True):
-    """For each region its heading and its table of cells(quantity, model), of the quantities whose texts are wanted."""
+def region_summaries(cells, columns_of, wanted=lambda texts: True):
+    """For each region its heading and its table of cells(key, column). Only rows whose texts are wanted stay."""
     parts = []
     for region, place in PLACES.items():
-        models = columns(region, translated)
+        models = columns_of(region)
         rows = [(f"{quantity.title}{f' ({quantity.remark})' if quantity.remark else ''}",
                  *(cells(quantity.key, model) for model in models))
                 for quantity in QUANTITIES if quantity.region == region]
@@ -137,8 +137,8 @@ ENTRY_POINTS_HEAD = """
 
 The same medians for the entry points, with saturation by "tq" and the other states by "pt" from the default first
 values. Cells and rows that would say the same as those above are left out. Phases whose densities differ by less than
-1.5 times count as not answered. Thermal conductivity: {conductivity}. [Choosing-a-model.md](Choosing-a-model.md#entry-points)
-says what follows for hosts of the entry points.
+1.5 times count as not answered. Thermal conductivity: {conductivity}.
+[Choosing-a-model.md](Choosing-a-model.md#entry-points) says what follows for hosts of the entry points.
 """
 
 
@@ -149,10 +149,10 @@ def accuracy(handles, entry_points):
         text = median_and_share(entry_points, key, model)
         return text if text != median_and_share(handles, key, model) else ""
     parts = [filled(ACCURACY_HEAD.format(fluids=len(FLUIDS), scope=scope(), models=names, band=BAND, hopeless=HOPELESS,
-                                         translated=listed(TRANSLATED.values())))]
-    parts += region_summaries(lambda key, model: median_and_share(handles, key, model))
+                                         translated=listed(VOLUME_MODELS)))]
+    parts += region_summaries(lambda key, model: median_and_share(handles, key, model), columns)
     parts.append(filled(ENTRY_POINTS_HEAD.format(conductivity=conductivity_remark())))
-    parts += region_summaries(other_text, any, translated=False)
+    parts += region_summaries(other_text, columns_of_models, any)
     for title, picture, quantities in sections():
         parts.append(f"## {title}\n")
         if quantities[0].remark:
@@ -199,10 +199,11 @@ in [Handles.md](Handles.md#where-saturation-lines-end).
 """
 SEARCH_HEAD = """## What the searches find
 
-Through the entry points, of {fluids} fluids under their default models, in per cent: how many find the state by "ph", "ps" and "hs" from the
-default first values, at a temperature and a fraction of the saturation pressure or of Pc. What is missing to 100 fails
-with a message or, worse, answers another state with the same two values, of liquid density or denser: ask for a second
-output where that would matter, or use "pt". The searches of handles have no first values and find the stable state.
+Through the entry points, of {fluids} fluids under their default models, in per cent: how many find the state by "ph",
+"ps" and "hs" from the default first values, at a temperature and a fraction of the saturation pressure or of Pc. What
+is missing to 100 fails with a message or, worse, answers another state with the same two values, of liquid density or
+denser: ask for a second output where that would matter, or use "pt". The searches of handles have no first values and
+find the stable state.
 
 """
 FLUIDS_HEAD = "## Fluids\n\n"
@@ -210,14 +211,16 @@ FLUIDS_HEAD = "## Fluids\n\n"
 
 def lines_section(answers):
     rows = [(model, *map(str, answers.with_line(model))) for model in SATURATING]
-    return LINES_HEAD.format(count=len(answers.rows)) + table(("", *map(str, LINE_TEMPERATURES)), rows) + "\n"
+    head = filled(LINES_HEAD.format(count=len(answers.rows)))
+    return head + "\n" + table(("", *map(str, LINE_TEMPERATURES)), rows) + "\n"
 
 
 def searches(shares, fluids):
     """The section on the searches."""
     rows = [(f"{T}, of {of}" if pair == SEARCH_PAIRS[0] else "", pair, *(f"{share:.0f}" for share in by_fraction))
             for (T, of), by_pair in zip(SEARCH_ISOTHERMS, shares) for pair, by_fraction in zip(SEARCH_PAIRS, by_pair)]
-    return SEARCH_HEAD.format(fluids=fluids) + table(("T/Tc", "pair", *map(str, SEARCH_FRACTIONS)), rows) + "\n"
+    head = filled(SEARCH_HEAD.format(fluids=fluids))
+    return head + "\n" + table(("T/Tc", "pair", *map(str, SEARCH_FRACTIONS)), rows) + "\n"
 
 
 def catalogue(answers, search_section):
@@ -232,7 +235,8 @@ def catalogue(answers, search_section):
         count=len(rows), defaults=f"{listed(defaults)} {'is' if len(defaults) == 1 else 'are'}", asked=len(values),
         good=answers.within(values), limit=answers.LIMIT, neighbours=NEIGHBOURS, tested=len(tested),
         passed=answers.within(tested)))
-    return head + "\n" + lines_section(answers) + search_section + FLUIDS_HEAD + table(rows[0].keys(), (row.values() for row in rows))
+    head += "\n" + lines_section(answers) + search_section + FLUIDS_HEAD
+    return head + table(rows[0].keys(), (row.values() for row in rows))
 
 
 def catalogue_rows(page):
@@ -277,7 +281,7 @@ def at_pressure(comparison, pressure):
 
 
 WARM = 0.9  # T/Tc above which the volumes of saturated liquids are worst
-VOLUME_MODELS = [column for model in ("pr", "srk", "rk") for column in (model, f"{model} translated")]
+WITH_TRANSLATED = [column for model in ("pr", "srk", "rk") for column in (model, TRANSLATED[model])]
 
 
 def liquid_block(comparison, _):
@@ -285,12 +289,12 @@ def liquid_block(comparison, _):
     for words, low, high in ((f"below {WARM} Tc", 0, WARM), (f"from {WARM} Tc", WARM, 1)):
         part = comparison.only(lambda point, low=low, high=high: low <= point.Tr < high)
         rows += [(f"{titles('saturation')[key]}, {words}",
-                  *(median_and_worst(part, key, model) for model in VOLUME_MODELS))
+                  *(median_and_worst(part, key, model) for model in WITH_TRANSLATED))
                  for key in ("dl", "wl", "etal", "lambdal")]
     for pressure, place in DENSE_PLACES.items():
         part = at_pressure(comparison, pressure)
-        rows.append((f"Density, {place}", *(median_and_worst(part, "d dense", model) for model in VOLUME_MODELS)))
-    return table(("", *VOLUME_MODELS), rows)
+        rows.append((f"Density, {place}", *(median_and_worst(part, "d dense", model) for model in WITH_TRANSLATED)))
+    return table(("", *WITH_TRANSLATED), rows)
 
 
 def boiling_block(_, answers):
@@ -327,22 +331,18 @@ THERMODYNAMIC = ("d", "h", "cp", "w", "gamma")
 TRANSPORT = ("eta", "lambda")
 
 
-def mh_worse(comparison):
-    return "mh is worse than srk for", lambda key: ", ".join(comparison.worse_than(key, "mh", "srk")) or "none"
-
-
-def where_mh_answers(comparison):
-    return "srk where mh answers", lambda key: median_and_worst(comparison, key, "srk", ("mh",))
+def mh_worse(comparison, mh):
+    return f"{mh} is worse than srk for", lambda key: ", ".join(comparison.worse_than(key, mh, "srk")) or "none"
 
 
 def vapor_block(comparison, _):
-    models = ("pr", "pr translated", "srk", "srk translated", "mh")
-    more = mh_worse(comparison)
-    answered, asked = comparison.counts("d vapor", "mh")
-    return "\n".join((region_table(comparison, "vapor", models, THERMODYNAMIC, [where_mh_answers(comparison), more]),
-                      region_table(comparison, "gas", models, THERMODYNAMIC, [more]),
-                      filled(f"mh answers with a vapor at {answered} of the {asked} vapor states "
-                             f"({100 * answered / asked:.0f} %); at the others its stable state is a liquid.")))
+    models = ("pr", TRANSLATED["pr"], "srk", TRANSLATED["srk"])
+    (stable, asked), (branch, _) = (comparison.counts("d vapor", model) for model in ("mh", VAPOR_BRANCH))
+    return "\n".join([*(region_table(comparison, region, (*models, mh), THERMODYNAMIC, [mh_worse(comparison, mh)])
+                        for region, mh in (("vapor", VAPOR_BRANCH), ("gas", "mh"))),
+                      filled(f"\"{VAPOR_BRANCH}\" is mh with `states=metastable; phase=vapor`, which has {branch} of "
+                             f"the {asked} vapor states. With stable states mh has {stable}; at the others it is "
+                             "a liquid.")])
 
 
 def dense_block(comparison, _):
@@ -350,7 +350,7 @@ def dense_block(comparison, _):
     for pressure, place in DENSE_PLACES.items():
         part = at_pressure(comparison, pressure)
         parts.append(region_table(part, "dense", ("pr", "pr translated", "srk", "srk translated", "mh"),
-                                  THERMODYNAMIC, [mh_worse(part)], f"supercritical, {place}"))
+                                  THERMODYNAMIC, [mh_worse(part, "mh")], f"supercritical, {place}"))
     return "\n".join(parts)
 
 
@@ -372,7 +372,7 @@ def ideal_block(comparison, _):
 def cases_block(comparison, _):
     cases = [("psat", "pr"), ("psat", "srk"), ("dl", "srk"), ("dl", "pr"), ("dl", "pr translated")]
     cases += [(f"d {region}", model) for region, models in (
-        ("vapor", ("pr", "srk", "mh")), ("gas", ("srk", "mh")), ("dense", ("pr", "mh"))) for model in models]
+        ("vapor", ("pr", "srk", VAPOR_BRANCH)), ("gas", ("srk", "mh")), ("dense", ("pr", "mh"))) for model in models]
     names = {"psat": "vapor pressure", "dl": "saturated liquid"}
     head = ["", *(f"{names.get(key) or 'density, ' + key.split()[1]}: {model}" for key, model in cases)]
     rows = [(fluid, *(mean_and_largest(comparison, key, fluid, model) for key, model in cases))
@@ -390,7 +390,7 @@ def tables_block(_, answers):
 def lines_block(_, answers):
     with_line = answers.with_line("mh")
     at = ", ".join(f"{count} at {T} Tc" for T, count in zip(LINE_TEMPERATURES, with_line))
-    return filled(f"With mh, of {len(answers.rows)} fluids have saturated states: {at}.")
+    return filled(f"Of {len(answers.rows)} fluids, so many have saturated states with mh: {at}.")
 
 
 def scope_block(*_):
@@ -398,9 +398,8 @@ def scope_block(*_):
 
 
 BLOCKS = {"scope": scope_block, "saturation": saturation_block, "boiling": boiling_block, "liquid": liquid_block,
-          "lines": lines_block, "tables": tables_block,
-          "vapor": vapor_block, "dense": dense_block, "transport": transport_block, "ideal": ideal_block,
-          "cases": cases_block}
+          "lines": lines_block, "vapor": vapor_block, "dense": dense_block, "transport": transport_block,
+          "ideal": ideal_block, "tables": tables_block, "cases": cases_block}
 BLOCK = re.compile(r"(<!-- scripts/accuracy_report: (\w+) -->\n).*?(<!-- end -->\n)", re.S)
 
 

@@ -131,7 +131,7 @@ def figure_of(comparison, keys, models, unit):
         if median is not None and median <= HOPELESS:
             curves = {fluid: curve(comparison, keys, fluid, model) for fluid in FLUIDS.values()}
             panels[model] = {fluid: points for fluid, points in curves.items() if points}
-    across = 3 if saturation else 4
+    across = 4 if len(panels) > 6 else 3
     rows = -(-len(panels) // across)
     width, height = 9 / across, 1.75
     figure, axes = pyplot.subplots(rows, across, figsize=(9, rows * height), squeeze=False)
