@@ -17,7 +17,7 @@ def main(library_path):
     handles, entry_points = map(figures.Comparison, measure.deviations(library_path))
     rows, found = measure.catalogue(library_path)
     catalogue = figures.Catalogue(rows, measure.lines(library_path))
-    searches = pages.searches(figures.search_shares(found), len(found))
+    searches = pages.searches(figures.search_shares(found), len(found), *measure.handle_searches(library_path))
     choosing = pages.FOLDER / "Choosing-a-model.md"
     for file, text in ((pages.FOLDER / "Accuracy.md", pages.accuracy(handles, entry_points)),
                        (pages.FOLDER / "Catalogue.md", pages.catalogue(catalogue, searches)),

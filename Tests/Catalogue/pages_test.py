@@ -56,7 +56,8 @@ class Pages(unittest.TestCase):
     def test_searches(self):
         answers = [child(measure.searches, fluid, LIBRARY) for fluid in facts.CHOICES]
         found = [json.loads(answer) for answer in answers if answer]
-        self.same(pages.searches(figures.search_shares(found), len(found)), pages.catalogue_searches(read("Catalogue.md")))
+        made = pages.searches(figures.search_shares(found), len(found), *measure.handle_searches(LIBRARY))
+        self.same(made, pages.catalogue_searches(read("Catalogue.md")))
 
     def test_choosing_a_model(self):
         page = read("Choosing-a-model.md")

@@ -269,6 +269,24 @@ def searches(fluid, library_path):
     return json.dumps(found)
 
 
+def handle_searches(library_path):
+    """How many of the same states handles find of all fluids, and how many they were asked for."""
+    found = asked = 0
+    for fluid in CHOICES:
+        with Fluid(library_path, ROOT / "Fluids", fluid, OPTIONS[CHOICES[fluid]["model"]]) as handle:
+            Tc, Pc = handle.constant("t_crit"), handle.constant("p_crit")
+            for T_r, of in SEARCH_ISOTHERMS:
+                T = T_r * Tc
+                highest = handle.saturation(T, "p")[0]["p"] if of == "p_sat" else Pc
+                for fraction in SEARCH_FRACTIONS:
+                    state = handle.state("pt", fraction * highest, T, "phsd")
+                    for first, second in SEARCH_PAIRS:
+                        d = answer(handle.state, first + second, state[first], state[second], "d").get("d", 0)
+                        found += abs(d / state["d"] - 1) < 1e-4
+                        asked += 1
+    return found, asked
+
+
 def of_fluid(arguments):
     fluid, library_path = arguments
     return catalogue_row(fluid, library_path), child(searches, fluid, library_path)

@@ -4,7 +4,7 @@ comments. Nothing is computed here."""
 import re
 import textwrap
 
-from accuracy.facts import (FLUIDS, MODEL_NAMES, QUANTITIES, ROOT, SATURATING, TABLE, TRANSLATED, VAPOR_BRANCH,
+from accuracy.facts import (CHOICES, FLUIDS, MODEL_NAMES, QUANTITIES, ROOT, SATURATING, TABLE, TRANSLATED, VAPOR_BRANCH,
                             VOLUME_MODELS, columns, columns_of_models, conductivity_remark, dense_places,
                             heat_capacity_from_equation, other_critical_points, places, source_counts)
 from accuracy.measure import LINE_TEMPERATURES, NEIGHBOURS, SEARCH_FRACTIONS, SEARCH_ISOTHERMS, SEARCH_PAIRS
@@ -202,8 +202,8 @@ SEARCH_HEAD = """## What the searches find
 Through the entry points, of {fluids} fluids under their default models, in per cent: how many find the state by "ph",
 "ps" and "hs" from the default first values, at a temperature and a fraction of the saturation pressure or of Pc. What
 is missing to 100 fails with a message or, worse, answers another state with the same two values, of liquid density or
-denser: ask for a second output where that would matter, or use "pt". The searches of handles have no first values and
-find the stable state.
+denser: ask for a second output where that would matter, or use "pt". Handles find {found} of the {asked} such states of
+all {count} fluids.
 
 """
 FLUIDS_HEAD = "## Fluids\n\n"
@@ -215,11 +215,12 @@ def lines_section(answers):
     return head + "\n" + table(("", *map(str, LINE_TEMPERATURES)), rows) + "\n"
 
 
-def searches(shares, fluids):
-    """The section on the searches."""
+def searches(shares, fluids, found, asked):
+    """The section on the searches: the shares of some fluids by the entry points, the states that handles find of those
+    that were asked for."""
     rows = [(f"{T}, of {of}" if pair == SEARCH_PAIRS[0] else "", pair, *(f"{share:.0f}" for share in by_fraction))
             for (T, of), by_pair in zip(SEARCH_ISOTHERMS, shares) for pair, by_fraction in zip(SEARCH_PAIRS, by_pair)]
-    head = filled(SEARCH_HEAD.format(fluids=fluids))
+    head = filled(SEARCH_HEAD.format(fluids=fluids, found=found, asked=asked, count=len(CHOICES)))
     return head + "\n" + table(("T/Tc", "pair", *map(str, SEARCH_FRACTIONS)), rows) + "\n"
 
 
