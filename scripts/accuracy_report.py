@@ -14,17 +14,17 @@ from accuracy import figures, measure, pages
 
 
 def main(library_path):
-    comparison = figures.Comparison(measure.deviations(library_path))
+    handles, entry_points = map(figures.Comparison, measure.deviations(library_path))
     rows, found = measure.catalogue(library_path)
-    catalogue = figures.Catalogue(rows)
-    searches = pages.searches(figures.search_shares(found), len(found))
+    catalogue = figures.Catalogue(rows, measure.lines(library_path))
+    searches = pages.searches(figures.search_shares(found), len(found), *measure.handle_searches(library_path))
     choosing = pages.FOLDER / "Choosing-a-model.md"
-    for file, text in ((pages.FOLDER / "Accuracy.md", pages.accuracy(comparison)),
+    for file, text in ((pages.FOLDER / "Accuracy.md", pages.accuracy(handles, entry_points)),
                        (pages.FOLDER / "Catalogue.md", pages.catalogue(catalogue, searches)),
-                       (choosing, pages.choosing(choosing.read_text(encoding="utf-8"), comparison, catalogue))):
+                       (choosing, pages.choosing(choosing.read_text(encoding="utf-8"), handles, catalogue))):
         file.write_text(text, encoding="utf-8")
     from accuracy import plots  # only now, since the processes that ask the library are copies of this one
-    plots.draw(comparison, pages.FOLDER / "Accuracy")
+    plots.draw(handles, pages.FOLDER / "Accuracy")
 
 
 if __name__ == "__main__":

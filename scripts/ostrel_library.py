@@ -77,6 +77,47 @@ class Library:
         return operation(*self._reduced(T, d))
 
 
+class Fluid:
+    """A fluid of a folder, opened as a handle."""
+
+    def __init__(self, path, folder, fluid, options):
+        self._library, self._handle = ctypes.CDLL(str(path)), ctypes.c_void_p()
+        for name, result in (("ostrel_last_message", ctypes.c_char_p), ("ostrel_fluid_constant", ctypes.c_double),
+                             ("ostrel_fluid_close", None)):
+            getattr(self._library, name).restype = result
+        self._require(self._library.ostrel_fluid_open(fluid.encode(), f"folder={folder}; {options}".encode(),
+                                                      ctypes.byref(self._handle)))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._library.ostrel_fluid_close(self._handle)
+
+    def _require(self, status):
+        if status != 0:
+            raise Failed(self._library.ostrel_last_message().decode())
+
+    def constant(self, name):
+        return self._library.ostrel_fluid_constant(self._handle, name.encode())
+
+    def state(self, pair, first, second, outputs):
+        """{output: value} of one state."""
+        values = (ctypes.c_double * len(outputs))()
+        self._require(self._library.ostrel_fluid_evaluate(
+            self._handle, pair.encode(), ",".join(outputs).encode(), ctypes.c_size_t(1),
+            ctypes.byref(ctypes.c_double(first)), ctypes.byref(ctypes.c_double(second)), values, None))
+        return dict(zip(outputs, values))
+
+    def saturation(self, T, outputs):
+        """{output: value} of the saturated liquid and of the saturated vapor at T [K]."""
+        phases = [(ctypes.c_double * len(outputs))() for _ in range(2)]
+        self._require(self._library.ostrel_fluid_saturation(
+            self._handle, b"t", ",".join(outputs).encode(), ctypes.c_size_t(1), ctypes.byref(ctypes.c_double(T)),
+            *phases, None))
+        return [dict(zip(outputs, values)) for values in phases]
+
+
 def child(work, *arguments):
     """The answer of work(*arguments) in a process of its own, as text; None if the process died."""
     reading, writing = os.pipe()

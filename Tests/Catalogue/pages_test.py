@@ -26,8 +26,9 @@ def read(name):
 class Pages(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.comparison = figures.Comparison(measure.deviations(LIBRARY))
+        cls.handles, cls.entry_points = map(figures.Comparison, measure.deviations(LIBRARY))
         cls.rows = pages.catalogue_rows(read("Catalogue.md"))
+        cls.catalogue = figures.Catalogue(cls.rows, measure.lines(LIBRARY))
 
     def same(self, made, page):
         """Requires the same lines, and shows the first that differs."""
@@ -36,7 +37,7 @@ class Pages(unittest.TestCase):
         self.assertEqual(len(made.splitlines()), len(page.splitlines()))
 
     def test_accuracy(self):
-        self.same(pages.accuracy(self.comparison), read("Accuracy.md"))
+        self.same(pages.accuracy(self.handles, self.entry_points), read("Accuracy.md"))
 
     def test_every_picture_of_the_page_is_there_and_no_other(self):
         named = {name for _, name, _ in pages.sections()}
@@ -46,7 +47,7 @@ class Pages(unittest.TestCase):
     def test_catalogue(self):
         self.assertEqual([row["file"] for row in self.rows], list(facts.CHOICES))
         page = read("Catalogue.md")
-        self.same(pages.catalogue(figures.Catalogue(self.rows), pages.catalogue_searches(page)), page)
+        self.same(pages.catalogue(self.catalogue, pages.catalogue_searches(page)), page)
 
     def test_rows_of_the_catalogue(self):
         for row in self.rows[::30]:
@@ -55,16 +56,17 @@ class Pages(unittest.TestCase):
     def test_searches(self):
         answers = [child(measure.searches, fluid, LIBRARY) for fluid in facts.CHOICES]
         found = [json.loads(answer) for answer in answers if answer]
-        self.same(pages.searches(figures.search_shares(found), len(found)), pages.catalogue_searches(read("Catalogue.md")))
+        made = pages.searches(figures.search_shares(found), len(found), *measure.handle_searches(LIBRARY))
+        self.same(made, pages.catalogue_searches(read("Catalogue.md")))
 
     def test_choosing_a_model(self):
         page = read("Choosing-a-model.md")
-        self.same(pages.choosing(page, self.comparison, figures.Catalogue(self.rows)), page)
+        self.same(pages.choosing(page, self.handles, self.catalogue), page)
 
     def test_a_missing_table_is_an_error(self):
         page = read("Choosing-a-model.md").replace("<!-- scripts/accuracy_report: dense -->", "")
         with self.assertRaises(ValueError):
-            pages.choosing(page, self.comparison, figures.Catalogue(self.rows))
+            pages.choosing(page, self.handles, self.catalogue)
 
 
 if __name__ == "__main__":

@@ -17,6 +17,13 @@ CHOICES = {choice["fluid"]: choice for choice in MAKE.read_table("choices.csv")}
 MODELS = ("srk", "pr", "rk", "vdw", "mh", "cii", "ig", "izg")
 MODEL_NAMES = {model: MAKE.MODELS[model][1] for model in MODELS}
 SATURATING = MODELS[:6]
+VOLUME_MODELS = ("srk", "pr", "rk")  # these have the option volume=translated
+TRANSLATED = {model: f"{model} translated" for model in VOLUME_MODELS}
+COLUMN_NAMES = MODEL_NAMES | {TRANSLATED[model]: f"{MODEL_NAMES[model]}, translated" for model in VOLUME_MODELS}
+VAPOR_BRANCH = "mh vapor"
+OPTIONS = {model: f"model={model}" for model in MODELS} | {  # of the handle of each column
+    TRANSLATED[model]: f"model={model}; volume=translated" for model in VOLUME_MODELS} | {
+    VAPOR_BRANCH: "model=mh; states=metastable; phase=vapor"}
 FLUIDS = {  # name in the reference tables: name in Fluids/
     "Argon": "argon", "Nitrogen": "nitrogen", "Methane": "methane", "Ethane": "ethane", "n-Propane": "propane",
     "n-Butane": "nbutane", "Toluene": "toluene", "CarbonDioxide": "co2", "R134a": "r134a", "MDM": "mdm",
@@ -51,6 +58,13 @@ def places():
     return words
 
 
+def dense_places():
+    """{p/Pc: where the supercritical states of this pressure are, in words}."""
+    rows = [row for row in sum(STATES.values(), []) if REGIONS[row["region"]] == "dense"]
+    return {float(pressure): f"{span([row for row in rows if row['pr'] == pressure], 'Tr')} Tc and {pressure} Pc"
+            for pressure in sorted({row["pr"] for row in rows}, key=float)}
+
+
 def conductivity_factor(fluid):
     """From the library's conductivity to W/(m K); ten times larger beside another viscosity than Chung's dense gas."""
     return ENTRY_POINTS_FACTOR * (1 if CHOICES[fluid]["transport"] == "dense" else 10)
@@ -65,22 +79,40 @@ def conductivity_remark():
         f", of {' and '.join(fluids)} times {factor:.5g}" for factor, fluids in others)
 
 
-Quantity = collections.namedtuple("Quantity", "key region title remark")
+# `of_volume`: a translation of the volume changes the quantity.
+Quantity = collections.namedtuple("Quantity", "key region title remark of_volume")
 QUANTITIES = (
-    *(Quantity(key, "saturation", title, "") for key, title in (
-        ("psat", "Saturation pressure"), ("dl", "Density of the saturated liquid"),
-        ("dv", "Density of the saturated vapor"), ("hvap", "Enthalpy of vaporisation"))),
-    *(Quantity(f"{key} {region}", region, title, remark)
+    *(Quantity(key, "saturation", title, "", of_volume) for key, title, of_volume in (
+        ("psat", "Saturation pressure", False),
+        ("dl", "Density of the saturated liquid", True),
+        ("dv", "Density of the saturated vapor", True),
+        ("hvap", "Enthalpy of vaporisation", False),
+        ("cpl", "Isobaric heat capacity of the saturated liquid", False),
+        ("wl", "Speed of sound in the saturated liquid", True),
+        ("etal", "Viscosity of the saturated liquid", True),
+        ("lambdal", "Thermal conductivity of the saturated liquid", True))),
+    *(Quantity(f"{key} {region}", region, title, remark, of_volume)
       for region in REGIONS.values()
-      for key, title, remark in (
-          ("d", "Density at given t, p", ""),
-          ("h", "Enthalpy difference to the most dilute state", "in per cent of R Tc"),
-          ("cp", "Isobaric heat capacity", ""),
-          ("w", "Speed of sound", ""),
-          ("gamma", "Fundamental derivative of gas dynamics", ""),
-          ("eta", "Viscosity", ""),
-          ("lambda", "Thermal conductivity", conductivity_remark()))),
+      for key, title, remark, of_volume in (
+          ("d", "Density at given t, p", "", True),
+          ("h", "Enthalpy difference to the most dilute state", "in per cent of R Tc", True),
+          ("cp", "Isobaric heat capacity", "", False),
+          ("w", "Speed of sound", "", True),
+          ("gamma", "Fundamental derivative of gas dynamics", "", True),
+          ("eta", "Viscosity", "", True),
+          ("lambda", "Thermal conductivity", "", True))),
 )
+
+
+def columns_of_models(region):
+    return SATURATING if region == "saturation" else MODELS
+
+
+def columns(region, of_volume=True):
+    """The columns of a table: the models that have states of the region, and the further options of handles."""
+    return [column for model in columns_of_models(region)
+            for column in (model, of_volume and TRANSLATED.get(model),
+                           model == "mh" and region == "vapor" and VAPOR_BRANCH) if column]
 
 
 # The sources of the constants.

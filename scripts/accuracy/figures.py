@@ -12,6 +12,12 @@ class Comparison:
     def __init__(self, deviations):
         self._deviations = deviations
 
+    def only(self, wanted):
+        """The comparison of the points that are wanted."""
+        return Comparison({key: {column: [point for point in points if wanted(point)]
+                                 for column, points in columns.items()}
+                           for key, columns in self._deviations.items()})
+
     def asked(self, key, fluid, model):
         """All points; none if the reference has no such number, or the model no such state."""
         return self._deviations[key].get((fluid, model), [])
@@ -62,11 +68,20 @@ class Comparison:
 
 
 class Catalogue:
-    """The rows of measure.catalogue()."""
+    """The rows of measure.catalogue(), and measure.lines()."""
     LIMIT = 3  # per cent, as in scripts/choose_fluids.py
 
-    def __init__(self, rows):
-        self.rows = rows
+    def __init__(self, rows, lines):
+        self.rows, self._lines = rows, lines
+
+    def with_line(self, model):
+        """For each of measure.LINE_TEMPERATURES, how many fluids have saturated states there through handles."""
+        return [sum(column) for column in zip(*(self._lines[row["file"], model][0] for row in self.rows))]
+
+    def model_at_Tb(self, model, fluids):
+        """{fluid: deviation of the handle's saturation pressure at Tb} of those of the fluids that answer."""
+        values = {fluid: self._lines[fluid, model][1] for fluid in fluids}
+        return {fluid: value for fluid, value in values.items() if value is not None}
 
     def with_sign(self, model, sign):
         """How many fluids have a sign under a model, and with how many of them a neighbouring Pc has another one."""

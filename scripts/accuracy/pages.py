@@ -4,13 +4,15 @@ comments. Nothing is computed here."""
 import re
 import textwrap
 
-from accuracy.facts import (FLUIDS, MODEL_NAMES, MODELS, QUANTITIES, ROOT, SATURATING, TABLE,
+from accuracy.facts import (CHOICES, FLUIDS, MODEL_NAMES, QUANTITIES, ROOT, SATURATING, TABLE, TRANSLATED, VAPOR_BRANCH,
+                            VOLUME_MODELS, columns, columns_of_models, conductivity_remark, dense_places,
                             heat_capacity_from_equation, other_critical_points, places, source_counts)
-from accuracy.measure import NEIGHBOURS, SEARCH_FRACTIONS, SEARCH_ISOTHERMS, SEARCH_PAIRS
+from accuracy.measure import LINE_TEMPERATURES, NEIGHBOURS, SEARCH_FRACTIONS, SEARCH_ISOTHERMS, SEARCH_PAIRS
 
 FOLDER = ROOT / "Documentation"
-PLACES = places()
+PLACES, DENSE_PLACES = places(), dense_places()
 BAND = 2  # per cent, the half of the grey band in every panel of the pictures
+HOPELESS = 1000  # per cent; with a larger median a model has no panel
 
 
 def digits(value, count):
@@ -52,15 +54,23 @@ what follows from it.
 {scope}
 
 Deviations are (ours / reference - 1) in per cent. Cells show the mean and the largest size over the states, and in
-brackets how many states answered, where not all did. "–": none did. Saturation is asked by "tq", the other states by
-"pt" from the default first values. Phases whose densities differ by less than 1.5 times count as not answered.
+brackets how many states answered, where not all did. "–": none did. The answers are those of [handles](Handles.md) with
+stable states: `ostrel_fluid_saturation` by t, and "pt" for the other states. Where the reference is a vapor and the
+model already a liquid, the state counts as not answered. What [the entry points](#through-the-entry-points) answer
+otherwise has a table of its own.
 
-The models: {models} (Z is the mean over the vapor states).
+The models: {models} (Z is the mean over the vapor states). "translated" means the option `volume=translated`, which
+{translated} have. It does not change saturation pressures, enthalpies of vaporisation and heat capacities. "mh vapor"
+means `states=metastable; phase=vapor`, a vapor also where the stable state of the model is a liquid.
 
-In the pictures each model has a panel with its own scale. The grey band is {band} % wide on each side of zero in every
-panel. Grey lines without a name are the other fluids. Single-phase states are shown at the highest pressure of each
-isotherm of vapor and gas: 0.97 of the saturation pressure below Tc, 0.8 Pc above. A line that leaves its panel goes far
-beyond all others.
+Liquids are compared on the saturation line, and supercritical states above it. The reference tables have no compressed
+liquid below the critical temperature.
+
+In the pictures each model has a panel with its own scale; translated volumes have panels on the saturation line. A
+model has no panel if fewer than half of the fluids answer at half of their states, or if its median is above {hopeless}
+%. The grey band is {band} % wide on each side of zero in every panel. Grey lines without a name are the other fluids.
+Single-phase states are shown at the highest pressure of each isotherm of vapor and gas, 0.97 of the saturation pressure
+below Tc and 0.8 Pc above, unless the model has a liquid there. A line that leaves its panel goes far beyond all others.
 
 ## Summary
 
@@ -93,12 +103,8 @@ def mean_and_largest(comparison, key, fluid, model):
     return text if len(points) == len(asked) else f"{text} ({len(points)} of {len(asked)})"
 
 
-def models_of(region):
-    return SATURATING if region == "saturation" else MODELS
-
-
 def fluids_table(comparison, quantity):
-    models = models_of(quantity.region)
+    models = columns(quantity.region, quantity.of_volume)
     rows = [(fluid, *(mean_and_largest(comparison, quantity.key, fluid, model) for model in models))
             for fluid in FLUIDS.values() if any(comparison.asked(quantity.key, fluid, model) for model in models)]
     return table(("fluid", *models), rows)
@@ -112,21 +118,48 @@ def median_and_share(comparison, key, model):
     return digits(median, 3) + (f" ({100 * answered / asked:.0f} %)" if answered < asked else "")
 
 
-def accuracy(comparison):
-    names = ", ".join(f"{model} {name}" for model, name in MODEL_NAMES.items())
-    parts = [filled(ACCURACY_HEAD.format(fluids=len(FLUIDS), scope=scope(), models=names, band=BAND))]
+def region_summaries(cells, columns_of, wanted=lambda texts: True):
+    """For each region its heading and its table of cells(key, column). Only rows whose texts are wanted stay."""
+    parts = []
     for region, place in PLACES.items():
+        models = columns_of(region)
         rows = [(f"{quantity.title}{f' ({quantity.remark})' if quantity.remark else ''}",
-                 *(median_and_share(comparison, quantity.key, model) for model in models_of(region)))
+                 *(cells(quantity.key, model) for model in models))
                 for quantity in QUANTITIES if quantity.region == region]
-        parts += [f"{sentence(place)}:\n", table(("quantity", *models_of(region)), rows)]
+        rows = [row for row in rows if wanted(row[1:])]
+        if rows:
+            parts += [f"{sentence(place)}:\n", table(("quantity", *models), rows)]
+    return parts
+
+
+ENTRY_POINTS_HEAD = """
+## Through the entry points
+
+The same medians for the entry points, with saturation by "tq" and the other states by "pt" from the default first
+values. Cells and rows that would say the same as those above are left out. Phases whose densities differ by less than
+1.5 times count as not answered. Thermal conductivity: {conductivity}.
+[Choosing-a-model.md](Choosing-a-model.md#entry-points) says what follows for hosts of the entry points.
+"""
+
+
+def accuracy(handles, entry_points):
+    names = ", ".join(f"{model} {name}" for model, name in MODEL_NAMES.items())
+
+    def other_text(key, model):
+        text = median_and_share(entry_points, key, model)
+        return text if text != median_and_share(handles, key, model) else ""
+    parts = [filled(ACCURACY_HEAD.format(fluids=len(FLUIDS), scope=scope(), models=names, band=BAND, hopeless=HOPELESS,
+                                         translated=listed(VOLUME_MODELS)))]
+    parts += region_summaries(lambda key, model: median_and_share(handles, key, model), columns)
+    parts.append(filled(ENTRY_POINTS_HEAD.format(conductivity=conductivity_remark())))
+    parts += region_summaries(other_text, columns_of_models, any)
     for title, picture, quantities in sections():
         parts.append(f"## {title}\n")
         if quantities[0].remark:
             parts.append(f"{sentence(quantities[0].remark)}.\n")
         parts.append(f"![{title}: deviation over reduced temperature](Accuracy/{picture})\n")
         for quantity in quantities:
-            parts += [f"{sentence(PLACES[quantity.region])}:\n", fluids_table(comparison, quantity)]
+            parts += [f"{sentence(PLACES[quantity.region])}:\n", fluids_table(handles, quantity)]
     return "\n".join(parts)
 
 
@@ -142,7 +175,8 @@ def sections():
 CATALOGUE_HEAD = """# Catalogue
 
 The {count} fluids of `Fluids/` that come from the table, and what each equation of state does for them, made by
-`scripts/accuracy_report`. All load under all eight models: the last digits of Pc are chosen so. In the columns:
+`scripts/accuracy_report`. All load under all eight models: the last digits of Pc are chosen so. The signs are those of
+the entry points; handles have [more saturated states](#saturation-lines-of-handles). In the columns:
 
 - **s** saturation: "tq" at 0.7 and 0.9 Tc has a liquid more than twice as dense as the vapor;
 - **=** the saturation table stands, but its phases are equal or nearly so at one of them;
@@ -157,22 +191,37 @@ the others [the rule for Tb](../Fluids/README.md#where-the-files-come-from) sees
 {limit} %.
 """
 
+LINES_HEAD = """## Saturation lines of handles
+
+How many of the {count} fluids have saturated states, by the option `model` and by T/Tc. Where a line ends is explained
+in [Handles.md](Handles.md#where-saturation-lines-end).
+
+"""
 SEARCH_HEAD = """## What the searches find
 
-Of {fluids} fluids under their default models, in per cent: how many find the state by "ph", "ps" and "hs" from the
-default first values, at a temperature and a fraction of the saturation pressure or of Pc. What is missing to 100 fails
-with a message or, worse, answers another state with the same two values, of liquid density or denser: ask for a second
-output where that would matter, or use "pt".
+Through the entry points, of {fluids} fluids under their default models, in per cent: how many find the state by "ph",
+"ps" and "hs" from the default first values, at a temperature and a fraction of the saturation pressure or of Pc. What
+is missing to 100 fails with a message or, worse, answers another state with the same two values, of liquid density or
+denser: ask for a second output where that would matter, or use "pt". Handles find {found} of the {asked} such states of
+all {count} fluids.
 
 """
 FLUIDS_HEAD = "## Fluids\n\n"
 
 
-def searches(shares, fluids):
-    """The section on the searches."""
+def lines_section(answers):
+    rows = [(model, *map(str, answers.with_line(model))) for model in SATURATING]
+    head = filled(LINES_HEAD.format(count=len(answers.rows)))
+    return head + "\n" + table(("", *map(str, LINE_TEMPERATURES)), rows) + "\n"
+
+
+def searches(shares, fluids, found, asked):
+    """The section on the searches: the shares of some fluids by the entry points, the states that handles find of those
+    that were asked for."""
     rows = [(f"{T}, of {of}" if pair == SEARCH_PAIRS[0] else "", pair, *(f"{share:.0f}" for share in by_fraction))
             for (T, of), by_pair in zip(SEARCH_ISOTHERMS, shares) for pair, by_fraction in zip(SEARCH_PAIRS, by_pair)]
-    return SEARCH_HEAD.format(fluids=fluids) + table(("T/Tc", "pair", *map(str, SEARCH_FRACTIONS)), rows) + "\n"
+    head = filled(SEARCH_HEAD.format(fluids=fluids, found=found, asked=asked, count=len(CHOICES)))
+    return head + "\n" + table(("T/Tc", "pair", *map(str, SEARCH_FRACTIONS)), rows) + "\n"
 
 
 def catalogue(answers, search_section):
@@ -187,7 +236,8 @@ def catalogue(answers, search_section):
         count=len(rows), defaults=f"{listed(defaults)} {'is' if len(defaults) == 1 else 'are'}", asked=len(values),
         good=answers.within(values), limit=answers.LIMIT, neighbours=NEIGHBOURS, tested=len(tested),
         passed=answers.within(tested)))
-    return head + "\n" + search_section + FLUIDS_HEAD + table(rows[0].keys(), (row.values() for row in rows))
+    head += "\n" + lines_section(answers) + search_section + FLUIDS_HEAD
+    return head + table(rows[0].keys(), (row.values() for row in rows))
 
 
 def catalogue_rows(page):
@@ -216,27 +266,49 @@ def at_place(point):
 
 
 def saturation_block(comparison, _):
-    rows, others = [], ("rk", "cii", "vdw")
-    for key, title in titles("saturation").items():
-        mean, fluid = comparison.worst_mean(key, "srk")
-        point, at = comparison.worst_point(key, "srk")
-        rows.append((title, per_cent(comparison.median(key, "srk")), f"{per_cent(mean)} ({fluid})",
-                     f"{digits(point.deviation, 2)} % ({at}, {at_place(point)})",
-                     *(per_cent(comparison.median(key, model)) for model in others)))
-    head = ["", *(f"srk: {what}" for what in ("median", "largest mean", "largest at one state")),
-            *(f"{model}: median" for model in others)]
+    rows, best, others = [], ("pr", "srk"), ("rk", "cii", "vdw")
+    for key in ("psat", "dv", "hvap", "cpl"):
+        worst = (comparison.worst_point(key, model) for model in best)
+        rows.append((titles("saturation")[key],
+                     *(median_and_worst(comparison, key, model) for model in (*best, *others)),
+                     *(f"{digits(point.deviation, 2)} ({fluid}, {at_place(point)})" for point, fluid in worst),
+                     ", ".join(comparison.worse_than(key, *best)) or "none"))
+    head = ("", *best, *others, *(f"{model}: largest at one state" for model in best), "pr is worse than srk for")
     return f"{sentence(PLACES['saturation'])}:\n\n" + table(head, rows)
+
+
+def at_pressure(comparison, pressure):
+    return comparison.only(lambda point: point.pr == pressure)
+
+
+WARM = 0.9  # T/Tc above which the volumes of saturated liquids are worst
+WITH_TRANSLATED = [column for model in ("pr", "srk", "rk") for column in (model, TRANSLATED[model])]
+
+
+def liquid_block(comparison, _):
+    rows = []
+    for words, low, high in ((f"below {WARM} Tc", 0, WARM), (f"from {WARM} Tc", WARM, 1)):
+        part = comparison.only(lambda point, low=low, high=high: low <= point.Tr < high)
+        rows += [(f"{titles('saturation')[key]}, {words}",
+                  *(median_and_worst(part, key, model) for model in WITH_TRANSLATED))
+                 for key in ("dl", "wl", "etal", "lambdal")]
+    for pressure, place in DENSE_PLACES.items():
+        part = at_pressure(comparison, pressure)
+        rows.append((f"Density, {place}", *(median_and_worst(part, "d dense", model) for model in WITH_TRANSLATED)))
+    return table(("", *WITH_TRANSLATED), rows)
 
 
 def boiling_block(_, answers):
     words = {"equation": "critical point and acentric factor from a reference equation",
-             "fitted": "Tb of the file fitted to the boiling temperature", "other": "all others"}
+             "fitted": "Tb of the file fitted to the boiling temperature with srk", "other": "all others"}
     rows = []
     for group, fluids in answers.groups().items():
-        values = answers.at_Tb(fluids)
-        rows.append((words[group], str(len(values)), per_cent(answers.median_size(values)), str(answers.within(values)),
-                     ", ".join(f"{fluid} {digits(value, 2)}" for value, fluid in answers.beyond(values)) or "none"))
-    head = ("constants of the fluid", "fluids", "median", f"within {answers.LIMIT} %", "beyond, in per cent")
+        for model in ("pr", "srk"):
+            values = answers.model_at_Tb(model, fluids)
+            beyond = ", ".join(f"{fluid} {digits(value, 2)}" for value, fluid in answers.beyond(values))
+            rows.append((words[group] if model == "pr" else "", str(len(values)) if model == "pr" else "", model,
+                         per_cent(answers.median_size(values)), str(answers.within(values)), beyond or "none"))
+    head = ("constants of the fluid", "fluids", "", "median", f"within {answers.LIMIT} %", "beyond, in per cent")
     return table(head, rows)
 
 
@@ -248,46 +320,43 @@ def median_and_worst(comparison, key, model, with_models=()):
     return f"{digits(median, 2)} ({digits(mean, 2)} {fluid})"
 
 
-def region_table(comparison, region, models, keys, more=()):
+def region_table(comparison, region, models, keys, more=(), place=None):
     """A row for each quantity, a column for each model, and columns of more figures: (heading, function of the key)."""
     rows = [(title, *(median_and_worst(comparison, f"{key} {region}", model) for model in models),
              *(function(f"{key} {region}") for _, function in more))
             for key, title in ((key, titles(region)[f"{key} {region}"]) for key in keys)]
-    return f"{sentence(PLACES[region])}:\n\n" + table(("", *models, *(heading for heading, _ in more)), rows)
+    return f"{sentence(place or PLACES[region])}:\n\n" + table(("", *models, *(heading for heading, _ in more)), rows)
 
 
 THERMODYNAMIC = ("d", "h", "cp", "w", "gamma")
 TRANSPORT = ("eta", "lambda")
 
 
-def mh_worse(comparison):
-    return "mh is worse than srk for", lambda key: ", ".join(comparison.worse_than(key, "mh", "srk")) or "none"
+def mh_worse(comparison, mh):
+    return f"{mh} is worse than srk for", lambda key: ", ".join(comparison.worse_than(key, mh, "srk")) or "none"
 
 
 def vapor_block(comparison, _):
-    return "\n".join(region_table(comparison, region, ("srk", "pr", "rk", "mh"), THERMODYNAMIC, [mh_worse(comparison)])
-                     for region in ("vapor", "gas"))
+    models = ("pr", TRANSLATED["pr"], "srk", TRANSLATED["srk"])
+    (stable, asked), (branch, _) = (comparison.counts("d vapor", model) for model in ("mh", VAPOR_BRANCH))
+    return "\n".join([*(region_table(comparison, region, (*models, mh), THERMODYNAMIC, [mh_worse(comparison, mh)])
+                        for region, mh in (("vapor", VAPOR_BRANCH), ("gas", "mh"))),
+                      filled(f"\"{VAPOR_BRANCH}\" is mh with `states=metastable; phase=vapor`, which has {branch} of "
+                             f"the {asked} vapor states. With stable states mh has {stable}; at the others it is "
+                             "a liquid.")])
 
 
 def dense_block(comparison, _):
-    key = "d dense"
-    answered, asked = comparison.counts(key, "mh")
-    by_fluid = {fluid: len(comparison.answered(key, fluid, "mh")) for fluid in FLUIDS.values()}
-    fewest, fluid = min((count, fluid) for fluid, count in by_fluid.items())
-    missing = [point for fluid in FLUIDS.values() for point in comparison.asked(key, fluid, "mh")
-               if point.deviation is None]
-    pressures = listed(sorted({digits(point.pr, 2) for point in missing}))
-    temperatures = [digits(end(point.Tr for point in missing), 3) for end in (min, max)]
-    others = [(f"{model} where mh answers", lambda key, model=model: median_and_worst(comparison, key, model, ("mh",)))
-              for model in ("srk", "pr")]
-    return region_table(comparison, "dense", ("srk", "pr", "mh"), THERMODYNAMIC, [*others, mh_worse(comparison)]) + (
-        "\n" + filled(f"mh answers at {answered} of the {asked} states ({100 * answered / asked:.0f} %), of {fluid} at "
-                      f"{fewest} of {len(comparison.asked(key, fluid, 'mh'))}. The states without an answer are at "
-                      f"{pressures} Pc and from {' to '.join(temperatures)} Tc."))
+    parts = []
+    for pressure, place in DENSE_PLACES.items():
+        part = at_pressure(comparison, pressure)
+        parts.append(region_table(part, "dense", ("pr", "pr translated", "srk", "srk translated", "mh"),
+                                  THERMODYNAMIC, [mh_worse(part, "mh")], f"supercritical, {place}"))
+    return "\n".join(parts)
 
 
 def transport_block(comparison, _):
-    return "\n".join(region_table(comparison, region, ("srk", "pr", "mh", "cii", "ig"), TRANSPORT)
+    return "\n".join(region_table(comparison, region, ("pr", "pr translated", "srk", "mh", "ig"), TRANSPORT)
                      for region in ("vapor", "gas", "dense"))
 
 
@@ -302,29 +371,36 @@ def ideal_block(comparison, _):
 
 
 def cases_block(comparison, _):
-    columns = [("psat", "srk"), ("dv", "srk"), ("dl", "srk")]
-    columns += [(f"d {region}", model) for region in ("vapor", "gas", "dense") for model in ("srk", "mh")]
-    names = {"psat": "vapor pressure", "dv": "saturated vapor", "dl": "saturated liquid"}
-    head = ["", *(f"{names.get(key) or 'density, ' + key.split()[1]}: {model}" for key, model in columns)]
-    rows = [(fluid, *(mean_and_largest(comparison, key, fluid, model) for key, model in columns))
+    cases = [("psat", "pr"), ("psat", "srk"), ("dl", "srk"), ("dl", "pr"), ("dl", "pr translated")]
+    cases += [(f"d {region}", model) for region, models in (
+        ("vapor", ("pr", "srk", VAPOR_BRANCH)), ("gas", ("srk", "mh")), ("dense", ("pr", "mh"))) for model in models]
+    names = {"psat": "vapor pressure", "dl": "saturated liquid"}
+    head = ["", *(f"{names.get(key) or 'density, ' + key.split()[1]}: {model}" for key, model in cases)]
+    rows = [(fluid, *(mean_and_largest(comparison, key, fluid, model) for key, model in cases))
             for fluid in ("toluene", "water", "ammonia", "co2", "mdm", "r134a")]
     return table(head, rows)
 
 
-def pr_block(_, answers):
+def tables_block(_, answers):
     count, uncertain = answers.with_sign("pr", "s")
     return filled(f"With pr, {count} of {len(answers.rows)} fluids have two distinct phases at 0.7 and 0.9 Tc, and for "
                   f"{uncertain} of these rounding decides. With mh {answers.with_sign('mh', 's')[0]} have, with srk "
                   f"{answers.with_sign('srk', 's')[0]}.")
 
 
+def lines_block(_, answers):
+    with_line = answers.with_line("mh")
+    at = ", ".join(f"{count} at {T} Tc" for T, count in zip(LINE_TEMPERATURES, with_line))
+    return filled(f"Of {len(answers.rows)} fluids, so many have saturated states with mh: {at}.")
+
+
 def scope_block(*_):
     return filled(scope())
 
 
-BLOCKS = {"scope": scope_block, "saturation": saturation_block, "boiling": boiling_block, "tables": pr_block,
-          "vapor": vapor_block, "dense": dense_block, "transport": transport_block, "ideal": ideal_block,
-          "cases": cases_block}
+BLOCKS = {"scope": scope_block, "saturation": saturation_block, "boiling": boiling_block, "liquid": liquid_block,
+          "lines": lines_block, "vapor": vapor_block, "dense": dense_block, "transport": transport_block,
+          "ideal": ideal_block, "tables": tables_block, "cases": cases_block}
 BLOCK = re.compile(r"(<!-- scripts/accuracy_report: (\w+) -->\n).*?(<!-- end -->\n)", re.S)
 
 

@@ -7,8 +7,8 @@ import matplotlib
 matplotlib.use("svg")
 from matplotlib import lines, pyplot, ticker  # noqa: E402
 
-from accuracy.facts import FLUIDS, MODEL_NAMES, MODELS  # noqa: E402
-from accuracy.pages import BAND, sections  # noqa: E402
+from accuracy.facts import COLUMN_NAMES, FLUIDS, MODELS, columns  # noqa: E402
+from accuracy.pages import BAND, HOPELESS, sections  # noqa: E402
 from slim_svg import slim  # noqa: E402
 
 matplotlib.rcParams.update({"svg.fonttype": "none", "font.size": 7, "axes.linewidth": 0.5, "xtick.major.width": 0.5,
@@ -118,29 +118,33 @@ def panel(axis, curves, saturation):
         axis.spines[side].set_visible(False)
 
 
-def figure_of(comparison, keys, unit):
+def title_of(model):
+    return COLUMN_NAMES[model] + (f" ({model})" if model in MODELS else "")
+
+
+def figure_of(comparison, keys, models, unit):
     """A picture, as text."""
     saturation = " " not in keys[0]
     panels = {}
-    for model in MODELS:
-        curves = {fluid: curve(comparison, keys, fluid, model) for fluid in FLUIDS.values()}
-        curves = {fluid: points for fluid, points in curves.items() if points}
-        if curves:
-            panels[model] = curves
-    columns = 3 if saturation else 4
-    rows = -(-len(panels) // columns)
-    width, height = 9 / columns, 1.75
-    figure, axes = pyplot.subplots(rows, columns, figsize=(9, rows * height), squeeze=False)
+    for model in models:
+        median = comparison.median(keys[0], model)
+        if median is not None and median <= HOPELESS:
+            curves = {fluid: curve(comparison, keys, fluid, model) for fluid in FLUIDS.values()}
+            panels[model] = {fluid: points for fluid, points in curves.items() if points}
+    across = 4 if len(panels) > 6 else 3
+    rows = -(-len(panels) // across)
+    width, height = 9 / across, 1.75
+    figure, axes = pyplot.subplots(rows, across, figsize=(9, rows * height), squeeze=False)
     figure.subplots_adjust(left=0.42 / 9, right=1 - 0.1 / 9, bottom=0.34 / height / rows, top=1 - 0.2 / height / rows,
-                           wspace=0.36 / (width - 0.36), hspace=0.4 / (height - 0.4))
+                           wspace=0.42 / (width - 0.42), hspace=0.4 / (height - 0.4))
     for axis in axes.flat[len(panels):]:
         axis.set_axis_off()
     for axis, (model, curves) in zip(axes.flat, panels.items()):
         panel(axis, curves, saturation)
         unit_of_row = f", {unit}" if axis in axes[:, 0] else ""
-        axis.set_title(f"{MODEL_NAMES[model]} ({model}){unit_of_row}", loc="left", fontsize=7.5, pad=3)
+        axis.set_title(f"{title_of(model)}{unit_of_row}", loc="left", fontsize=7.5, pad=3)
     for place, axis in enumerate(axes.flat[:len(panels)]):
-        if place + columns < len(panels):
+        if place + across < len(panels):
             axis.tick_params(bottom=False, labelbottom=False)
         else:
             axis.set_xlabel("T/Tc", labelpad=1)
@@ -160,5 +164,7 @@ def draw(comparison, folder):
         file.unlink()
     for title, name, quantities in sections():
         keys = [quantity.key for quantity in quantities if quantity.region != "dense"]
-        unit = "% of R Tc" if quantities[0].remark.startswith("in ") else "%"
-        folder.joinpath(name).write_text(figure_of(comparison, keys, unit), encoding="utf-8")
+        first = quantities[0]
+        models = columns(first.region, first.of_volume) if first.region == "saturation" else MODELS
+        unit = "% of R Tc" if first.remark.startswith("in ") else "%"
+        folder.joinpath(name).write_text(figure_of(comparison, keys, models, unit), encoding="utf-8")
