@@ -86,7 +86,8 @@ public:
             const double change = std::abs(next - T);
             if (change <= 1e-16 * T || change >= last)
                 return T;
-            last = change > 1e-13 * T ? infinite : change;
+            if (change <= 1e-13 * T)
+                last = change;
             // The error of ln P at the next temperature is a small part of the square of the one here.
             if (std::abs(y) < 2e-7 && T < 0.99 * of_.T_c) {
                 if constexpr (requires { of_.saturated_with_slopes(T); }) {

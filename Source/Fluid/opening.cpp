@@ -177,6 +177,7 @@ std::string folder_of(const options &wanted) {
 /// "a (b), c (d) or e"
 std::string listed_fluids(const std::vector<fluid_index::fluid> &fluids) {
     std::vector<std::string> texts;
+    texts.reserve(fluids.size());
     for (const fluid_index::fluid &one : fluids)
         texts.push_back(printable(fluid_index::described(one)));
     return joined(texts, " or ");

@@ -14,10 +14,10 @@ namespace fluid {
 
 using opened = std::unique_ptr<ostrel_fluid>;
 
-int open_name(const char *name, const char *options, opened &result);
-int open_file(const char *path, const char *options, opened &result);
-int open_text(const char *text, const char *options, opened &result);
-int open_database(const char *location, const char *name, const char *options, opened &result);
+int open_name(const char *name, const char *option_text, opened &result);
+int open_file(const char *path, const char *option_text, opened &result);
+int open_text(const char *text, const char *option_text, opened &result);
+int open_database(const char *location, const char *name, const char *option_text, opened &result);
 
 struct found_fluid {
     std::string file;

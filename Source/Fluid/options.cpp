@@ -38,7 +38,7 @@ int take(std::string_view text, std::string_view entry, options &result) {
     if (sign == std::string_view::npos)
         return refuse(text, {"the option ", key, " has no value; options are written key=value; key=value"});
     const std::string_view value = without_blanks(entry.substr(sign + 1));
-    const std::size_t place = static_cast<std::size_t>(known - std::begin(all_options));
+    const auto place = static_cast<std::size_t>(known - std::begin(all_options));
     if (result.chosen[place])
         return refuse(text, {"the option ", key, " stands there twice; each of ", keys(), " may stand once"});
     if (known->values.empty()) {

@@ -156,6 +156,7 @@ struct evaluation {
 
 template <class Run>
 int evaluate_with(const ostrel_fluid *of, const char *inputs, const char *outputs, std::size_t count,
+                  // NOLINTNEXTLINE(readability-non-const-parameter): the run writes through both pointers
                   const double *first, const double *second, double *values, int *status, Run run) {
     named_pair pair;
     if (const int problem = read_pair_of(of, inputs, pair); problem != OSTREL_OK)
