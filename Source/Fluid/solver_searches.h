@@ -57,7 +57,7 @@ solved solver<Model>::on_isotherm(double T, double x, double r_low, double r_hig
             return result(high);
         if (r_low > 0 && close(low))
             return result(low);
-        if (X == letter::u && close(dilute))
+        if (X != letter::s && close(dilute))
             return result(dilute);
         return none({OSTREL_NO_STATE, T});
     }
@@ -112,7 +112,7 @@ solved solver<Model>::from_T_X(double T, double x) const {
         if (states_ == allowed_states::metastable_vapor)
             return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
         if (states_ == allowed_states::metastable_liquid)
-            return on_isotherm<X>(T, x, i.liquid_end(), i.top(), X == letter::h);
+            return on_isotherm<X>(T, x, i.liquid_end(), i.top(), X == letter::h || surface_.has_loops);
         if (T < surface_.T_line || !line_.exists()) {
             if (surface_.line_ends || !line_.exists())
                 return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
