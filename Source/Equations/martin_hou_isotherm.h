@@ -296,7 +296,8 @@ private:
         for (std::size_t k = 0; k < roots.number && found.top == infinite; ++k)
             if (roots.root[k] > hidden)
                 found.top = r_c_ + roots.root[k];
-        if (below_critical_)
+        // Some isotherms below the critical temperature rise everywhere all the same.
+        if (below_critical_ && polynomial_roots::value(slope_, first_turn) < 1e-9)
             found.gas = found.liquid = r_c_ + (std::abs(first_turn) < 0.1 * r_c_ ? first_turn : 0.0);
         else
             found.gas = found.top;

@@ -89,7 +89,7 @@ public:
             if (change <= 1e-13 * T)
                 last = change;
             // The error of ln P at the next temperature is a small part of the square of the one here.
-            if (std::abs(y) < 2e-7 && T < 0.99 * of_.T_c) {
+            if (std::abs(y) < 2e-7 && T < 0.97 * of_.T_c) {
                 if constexpr (requires { of_.saturated_with_slopes(T); }) {
                     // The volumes go along: ln r changes by its slope.
                     const double moved = (next - T) / T;

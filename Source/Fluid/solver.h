@@ -322,12 +322,12 @@ public:
             if (T >= surface_.T_c)
                 return below_top(result, i, i.single(P));
             if (states_ == allowed_states::metastable_vapor)
-                return P <= i.P(i.gas_end()) ? single(result, i.gas(P)) : none(result);
+                return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
             if (states_ == allowed_states::metastable_liquid)
                 return P >= i.P(i.liquid_end()) ? below_top(result, i, i.liquid(P)) : none(result);
             if (T < surface_.T_line || !line_.exists()) {
                 if (surface_.line_ends || !line_.exists())
-                    return P <= i.P(i.gas_end()) ? single(result, i.gas(P)) : none(result);
+                    return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
                 return below_top(result, i, i.liquid(P));
             }
             int side = line_.side_of_pressure(T, P);
@@ -431,6 +431,10 @@ private:
     }
     solved below_top(const solved &result, const isotherm &i, double r) const {
         return r < i.top() || (r == i.top() && P_reaches(result.P, i)) ? single(result, r) : none(result);
+    }
+    static bool gas_reaches(const isotherm &i, double P) {
+        const double end = i.gas_end();
+        return end == infinite || P <= i.P(end);
     }
     /// Whether P is that of the densest state, but for rounding.
     static bool P_reaches(double P, const isotherm &i) { return P <= i.P(i.top()) * (1.0 + 1e-14); }

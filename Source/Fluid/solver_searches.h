@@ -176,7 +176,7 @@ solved solver<Model>::isobar_search(double P, double x, branch below_critical, d
         if (!surface_type::saturates || T >= T_c)
             r = i.single(P);
         else if (below_critical == branch::gas)
-            r = P <= i.P(i.gas_end()) ? i.gas(P) : 0.0;
+            r = gas_reaches(i, P) ? i.gas(P) : 0.0;
         else
             r = P >= i.P(i.liquid_end()) ? i.liquid(P) : 0.0;
         return r < i.top() ? r : -1.0;
@@ -253,6 +253,8 @@ solved solver<Model>::from_P_X(double P, double x) const {
             return found.status == OSTREL_OK ? found : along_isobar<X>(P, x, branch::gas, T_c, infinite, 1.2 * T_c);
         }
         const double lowest = surface_.line_ends ? surface_.T_line : 0.0;
+        if (!line_.exists())
+            return along_isobar<X>(P, x, branch::gas, 0.0, infinite, T_c);
         if (P >= surface_.P_c) {
             if (surface_.has_loops) { // the liquid and the gas are apart
                 const solved found = isobar_search<X>(P, x, branch::liquid, lowest, T_c * (1.0 - 1e-15), 0.9 * T_c);
@@ -261,7 +263,7 @@ solved solver<Model>::from_P_X(double P, double x) const {
             }
             return along_isobar<X>(P, x, branch::liquid, lowest, infinite, from_critical());
         }
-        if (!line_.exists() || P < line_.lowest().P)
+        if (P < line_.lowest().P)
             return along_isobar<X>(P, x, branch::gas, 0.0, infinite, T_c);
         // A look at the nodes of the line, between which the saturated phases at P are about a straight line.
         const auto [cell, T_near] = line_.near(P);

@@ -173,7 +173,7 @@ TEST_F(names, lists_of_outputs) {
 
 TEST_F(names, any_number_of_outputs) {
     const double t[] = {400, 500}, v[] = {0.5, 0.25};
-    for (const std::size_t count : {1, 15, 16, 17, 32, 1000}) {
+    for (const std::size_t count : {1U, 15U, 16U, 17U, 32U, 1000U}) {
         std::string outputs;
         for (std::size_t i = 0; i < count; ++i)
             outputs += i == 0 ? "v" : i % 2 == 0 ? ",v" : ",t";

@@ -165,7 +165,7 @@ TEST_F(requests, failed_states_are_NaN_and_the_others_are_not) {
         values.fill(marked);
         EXPECT_EQ(ostrel_fluid_evaluate(fluid, "pt", "t,p", 4, p.data(), t.data(), values.data(), wanted),
                   OSTREL_NOT_A_NUMBER);
-        for (const std::size_t place : {2, 3, 4, 5})
+        for (const std::size_t place : {2U, 3U, 4U, 5U})
             EXPECT_EQ(bits(values[place]), support::bits_of_nan);
         EXPECT_EQ(values[0], 400);
         EXPECT_EQ(values[7], 4e5);
