@@ -287,7 +287,9 @@ public:
         const jets E = exp(jets(-k_) * T), inverse = jets(1) / (v * jets(1 / Zc) - jets(b / Zc));
         jets sum = 0, power = inverse;
         for (int i = 0; i < 4; ++i) {
-            sum = sum + (jets(A_[i]) + jets(B_[i]) * T + jets(C_[i]) * E) * power * jets(Real(1) / (i + 1));
+            sum = sum + (jets(A_[static_cast<std::size_t>(i)]) + jets(B_[static_cast<std::size_t>(i)]) * T +
+                         jets(C_[static_cast<std::size_t>(i)]) * E) *
+                            power * jets(Real(1) / (i + 1));
             power = power * inverse;
         }
         return repulsion + sum * jets(Zc);
@@ -302,7 +304,9 @@ public:
         Real sum = Real(T) * inverse / Zc, power = inverse;
         for (int i = 0; i < 4; ++i) {
             power *= inverse;
-            sum += (absolute(A_[i]) + absolute(B_[i] * T) + absolute(C_[i] * E)) * power;
+            sum += (absolute(A_[static_cast<std::size_t>(i)]) + absolute(B_[static_cast<std::size_t>(i)] * T) +
+                    absolute(C_[static_cast<std::size_t>(i)] * E)) *
+                   power;
         }
         return sum / absolute(P_T);
     }
