@@ -298,13 +298,13 @@ constexpr bool are_options(std::string_view text) {
 }
 
 // A call of one of these in an error of the compiler says what is wrong with the literal.
-void there_is_no_such_input_pair();
-void saturation_is_at_t_or_p();
-void there_is_no_such_output();
-void one_of_these_outputs_does_not_exist();
-void there_is_no_such_constant();
-void there_is_no_such_text();
-void these_options_are_not_valid();
+inline void there_is_no_such_input_pair() {}
+inline void saturation_is_at_t_or_p() {}
+inline void there_is_no_such_output() {}
+inline void one_of_these_outputs_does_not_exist() {}
+inline void there_is_no_such_constant() {}
+inline void there_is_no_such_text() {}
+inline void these_options_are_not_valid() {}
 
 /// A name that was checked when the program was compiled, or one that the library is to check.
 template <bool (*is_right)(std::string_view), void (*complain)()>
