@@ -541,6 +541,22 @@ private:
     };
 
     enum class branch { gas, liquid };
+    /// r at T and P: above the critical temperature the only one, below it that of the branch.
+    double root_on(const isotherm &i, double T, double P, branch below_critical) const {
+        if (!surface_type::saturates || T >= surface_.T_c)
+            return i.single(P);
+        return below_critical == branch::gas ? i.gas(P) : i.liquid(P);
+    }
+    /// Whether an end of Newton's method along an isobar is a stable state of the branch.
+    bool is_on(const point &end, branch below_critical) const {
+        if constexpr (!surface_type::saturates)
+            return true;
+        const isotherm there = surface_.at(end.T);
+        if (end.T >= surface_.T_c)
+            return end.r < there.top();
+        return there.beside_gas(end.r) == (below_critical == branch::gas) && there.slope(end.r) > 0 &&
+               end.r < there.top();
+    }
     template <letter X>
     solved along_isobar(double P, double x, branch below_critical, double T_low, double T_high, double start) const;
     template <letter X>

@@ -139,27 +139,13 @@ template <class Model>
 template <letter X>
 solved solver<Model>::along_isobar(double P, double x, branch below_critical, double T_low, double T_high,
                                    double start) const {
-    const double T_c = surface_.T_c;
     const isotherm i = surface_.at(start);
-    const double r = !surface_type::saturates || start >= T_c ? i.single(P)
-                     : below_critical == branch::gas          ? i.gas(P)
-                                                              : i.liquid(P);
+    const double r = root_on(i, start, P, below_critical);
     if (r > 0 && r < i.top()) {
         const point end = at_critical(newton<letter::p, X>(P, x, start, r));
-        if (end.converged && end.T >= T_low * (1.0 - 1e-13) && end.T <= T_high * (1.0 + 1e-13)) {
-            bool wanted = true;
-            if constexpr (surface_type::saturates) {
-                if (end.T < T_c) {
-                    const isotherm there = surface_.at(end.T);
-                    wanted = there.beside_gas(end.r) == (below_critical == branch::gas) && there.slope(end.r) > 0 &&
-                             end.r < there.top();
-                } else {
-                    wanted = end.r < surface_.at(end.T).top();
-                }
-            }
-            if (wanted)
-                return of_single(end.T, P, end.r);
-        }
+        if (end.converged && end.T >= T_low * (1.0 - 1e-13) && end.T <= T_high * (1.0 + 1e-13) &&
+            is_on(end, below_critical))
+            return of_single(end.T, P, end.r);
     }
     return isobar_search<X>(P, x, below_critical, T_low, T_high, start);
 }
@@ -236,7 +222,7 @@ solved solver<Model>::from_P_X(double P, double x) const {
         // A step along the isobar from a temperature.
         const auto step_from = [&](double T, branch on) {
             const isotherm i = surface_.at(T);
-            const double r = T >= T_c ? i.single(P) : on == branch::gas ? i.gas(P) : i.liquid(P);
+            const double r = root_on(i, T, P, on);
             if (!(r < i.top()))
                 return T;
             const properties p = at<caloric_of<X>>(T, r);
@@ -276,24 +262,17 @@ solved solver<Model>::from_P_X(double P, double x) const {
             const double margin = 0.02 * (X_g - X_l);
             const bool is_gas = x > X_g + margin;
             if (is_gas || x < X_l - margin) {
-                double start = 0;
-                if (is_gas) {
-                    start = std::max(T_near * (1.0 + 1e-3), gas_start<X>(a, T_near, x - X_g));
-                } else {
-                    start = std::min(T_near * (1.0 - 1e-3), liquid_start<X>(cell, x));
-                }
+                const branch on = is_gas ? branch::gas : branch::liquid;
+                const double start = is_gas ? std::max(T_near * (1.0 + 1e-3), gas_start<X>(a, T_near, x - X_g))
+                                            : std::min(T_near * (1.0 - 1e-3), liquid_start<X>(cell, x));
                 const isotherm i = surface_.at(start);
-                const double r = start >= T_c ? i.single(P) : is_gas ? i.gas(P) : i.liquid(P);
+                const double r = root_on(i, start, P, on);
                 if (r > 0 && r < i.top()) {
                     const point end = at_critical(newton<letter::p, X>(P, x, start, r, 12));
                     // A stable state with these values is the only one.
-                    if (end.converged && end.T > 0 && (is_gas ? end.T > b.T : end.T < a.T && end.T >= lowest)) {
-                        if (end.T >= T_c)
-                            return of_single(end.T, P, end.r);
-                        const isotherm there = surface_.at(end.T);
-                        if (there.beside_gas(end.r) == is_gas && there.slope(end.r) > 0 && end.r < there.top())
-                            return of_single(end.T, P, end.r);
-                    }
+                    if (end.converged && (is_gas ? end.T > b.T : end.T > 0 && end.T < a.T && end.T >= lowest) &&
+                        is_on(end, on))
+                        return of_single(end.T, P, end.r);
                 }
             }
         }

@@ -159,20 +159,14 @@ public:
     };
     isotherm at(double T) const { return {*this, T}; }
 
-    phases saturated(double T) const {
-        const double Tr = T / T_c;
-        const reduced_temperature reduced = reduce(model_, Tr, (T_c - T) / T_c);
-        const saturated_cubic::saturated of =
-            saturated_cubic::saturation(family_of<Model>(), reduced.tau, reduced.one_minus_tau);
-        return {std::exp(of.log_Pi) * Tr, 1.0 + of.slope * reduced.slope, of.r_l / width_, of.r_g / width_};
-    }
+    OSTREL_INLINE phases saturated(double T) const { return saturated_with_slopes(T).at; }
     /// The phases at T, with the slopes d ln r/d ln T.
     struct with_slopes {
         phases at;
         double slope_l;
         double slope_g;
     };
-    with_slopes saturated_with_slopes(double T) const {
+    OSTREL_INLINE with_slopes saturated_with_slopes(double T) const {
         const double Tr = T / T_c;
         const reduced_temperature reduced = reduce(model_, Tr, (T_c - T) / T_c);
         const saturated_cubic::saturated of =
