@@ -399,7 +399,8 @@ private:
     OSTREL_INLINE bool plain(double t, double x) const {
         const double T = t * per_T_;
         const double v = B == letter::v ? x : 1.0 / x;
-        return T >= plain_low_ && T <= plain_high_ && v > constants_.v_min && finite(v) && solver_.plain(T, v * per_v_);
+        const double V = v * per_v_;
+        return T >= plain_low_ && T <= plain_high_ && v > constants_.v_min && finite(V) && solver_.plain(T, V);
     }
 
     /// Both saturated phases from one solve, with the bits that one_state gives for the qualities 0 and 1.

@@ -284,6 +284,14 @@ TEST(states, statuses_at_the_ends) {
     }
 }
 
+TEST(states, a_pressure_alone_has_the_statuses_of_all_outputs) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(path_of("toluene")).status, OSTREL_OK);
+    for (const double v : {1e308, 1e303, 1e290, 1e-308})
+        EXPECT_EQ(status_of(fluid, "tv", 300.0, v, "p"), status_of(fluid, "tv", 300.0, v, "t")) << v;
+    EXPECT_EQ(status_of(fluid, "tv", 300.0, 1e308, "p"), OSTREL_OUT_OF_RANGE);
+}
+
 TEST(states, saturation_refuses_numbers_that_are_none) {
     handle fluid;
     ASSERT_EQ(fluid.open_file(path_of("toluene")).status, OSTREL_OK);
