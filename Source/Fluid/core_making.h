@@ -4,6 +4,7 @@
 
 #include "Fluid/evaluation.h"
 
+#include <limits>
 #include <string>
 
 namespace fluid {
@@ -32,11 +33,31 @@ inline double rackett_volume(double Zc) {
     return std::pow(Zc, 1.0 + std::pow(0.3, 2.0 / 7.0));
 }
 
+/// What is wrong with the constants of a file; empty if states can be computed from them.
+inline std::string flaw_of(const equations::gas_constants &constants) {
+    const auto flaw = [&](const equations::constant &entry) -> std::string {
+        const double value = constants.*entry.value;
+        const bool used = equations::applies(entry, constants.vapor) && entry.value != &equations::gas_constants::v_ref;
+        if (!used || (value > 0 && value < std::numeric_limits<double>::infinity()))
+            return "";
+        return std::string(entry.name) + ", " + std::string(entry.meaning) + ", must be a positive number";
+    };
+    std::string result = flaw(equations::molar_mass);
+    for (const equations::constant &entry : equations::reference_and_critical)
+        if (result.empty())
+            result = flaw(entry);
+    if (result.empty() && constants.vapor && constants.Tb >= constants.Tc)
+        result = "Tb, the normal boiling temperature, must be below Tc";
+    return result;
+}
+
 template <class Model>
 std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model model, const settings &wanted,
                                       std::string &why) {
     constexpr bool cubic_of_two = std::is_base_of_v<equations::redlich_kwong, Model> ||
                                   std::is_base_of_v<cubic_attraction::soave_parameters, Model>;
+    if (why = flaw_of(fluid.constants); !why.empty())
+        return nullptr;
     const double Zc = fluid.constants.Zc;
     records::error_text message;
     const auto lowest = equations::complete(model, fluid.constants, fluid.heat, message);
@@ -56,9 +77,13 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
     auto made = std::make_unique<core_of<Model>>(fluid, model, Zc, wanted);
     if (wanted.translated_volume) {
         if constexpr (cubic_of_two) {
-            const double T = 0.7 * made->states().T_c();
+            const solved liquid = made->states().from_T_q(0.7 * made->states().T_c(), 0.0);
             const double unit = made->gas_constants().Zc; // v_ref in R Tc/Pc
-            made->translate(made->states().V_of(made->states().surface().saturated(T).r_l) - rackett_volume(Zc) / unit);
+            if (liquid.status != OSTREL_OK) {
+                why = "volume=translated needs the saturated liquid at 0.7 Tc, which this fluid does not have";
+                return nullptr;
+            }
+            made->translate(liquid.V - rackett_volume(Zc) / unit);
         } else {
             why = "volume=translated is for the models rk, srk and pr";
             return nullptr;

@@ -195,7 +195,7 @@ private:
         // In ln(T) the pressure and the liquid's r fall and rise monotonically.
         const auto beyond = [&](double T) {
             const reduced_temperature reduced = reduce(model_, T / T_c, (T_c - T) / T_c);
-            if (reduced.tau < saturated_cubic::lowest_tau)
+            if (!(reduced.tau >= saturated_cubic::lowest_tau))
                 return true;
             const phases at_T = saturated(T);
             return !(at_T.P >= P_lowest) || at_T.r_l >= top_;

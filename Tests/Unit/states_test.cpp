@@ -556,6 +556,34 @@ TEST(states, models_without_critical_data) {
     }
 }
 
+// Constants with which no state can be computed are refused by their names.
+TEST(states, constants_that_are_no_constants) {
+    struct flaw {
+        const char *right, *wrong, *name;
+    };
+    const std::string tail = "4\n" + support::constant_heat + support::constant_transport;
+    const std::string text = support::vapor_section + tail;
+    const flaw flaws[] = {
+        {"20.0    MM", "0 MM", "MM, molar mass"},
+        {"300.0   Tc", "-300.0 Tc", "Tc, critical temperature"},
+        {"50.0    Pc", "1e400 Pc", "Pc, critical pressure"},
+        {"0.27    Zc", "0 Zc", "Zc, critical compressibility factor"},
+        {"200.0   Tb", "300.0 Tb", "Tb, the normal boiling temperature, must be below Tc"},
+    };
+    handle whole;
+    ASSERT_EQ(whole.open_text(text).status, OSTREL_OK);
+    for (const flaw &one : flaws) {
+        std::string broken = text;
+        const std::size_t at = broken.find(one.right);
+        ASSERT_NE(at, std::string::npos) << one.right;
+        broken.replace(at, std::strlen(one.right), one.wrong);
+        handle fluid;
+        const auto [status, message] = fluid.open_text(broken);
+        EXPECT_EQ(status, OSTREL_BAD_FILE) << one.wrong;
+        EXPECT_NE(message.find(one.name), std::string::npos) << message;
+    }
+}
+
 // Loops above the critical temperature: the branch connected with the gas is meant, and the liquid's is apart from it.
 TEST(states, loops_above_the_critical_temperature) {
     for (const char *const file : {"helium", "acn", "ozone", "apinene"}) {
