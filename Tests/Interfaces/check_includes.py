@@ -21,7 +21,8 @@ ROOMS = {
                       "Source/Algebra/", "Source/Equations/", "Source/Requests/", "Host/", "Include/"),
     "Source/": ("Source/", "Include/"),
     "Host/": ("Source/host.h", "Source/Records/", "Source/visibility.h", "Include/"),
-    "CommandLine/": ("Source/", "Host/", "Include/"),
+    "Studies/": ("Include/",),
+    "CommandLine/": ("Source/", "Host/", "Include/", "Studies/"),
 }
 # The outer files of Source/ stay outside of the rooms, and the library knows nothing of the two around it.
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
@@ -52,7 +53,7 @@ def complaints(files):
 
 
 def files_of(root):
-    folders = ("Source", "Include", "Host", "CommandLine")
+    folders = ("Source", "Include", "Host", "Studies", "CommandLine")
     return {path.relative_to(root).as_posix(): path.read_text(encoding="utf-8")
             for folder in folders for end in ("h", "hpp", "cpp") for path in (root / folder).rglob(f"*.{end}")}
 
