@@ -37,8 +37,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The value [SI] of a number, with or without blanks and a unit behind it. Without a unit the number is in the SI unit.
-/// `si` is the SI unit of the wanted quantity. Throws wrong_value.
+/// The value [SI] of a number, with or without blanks and a unit behind it. Without a unit the number is in the SI
+/// unit. `si` is the SI unit of the wanted quantity. Throws wrong_value.
 double parse_value(std::string_view text, std::string_view si);
 
 /// A difference, for which 10 degC are 10 K.
