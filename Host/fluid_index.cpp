@@ -262,8 +262,8 @@ fluid index::facts(const std::string &folder, std::string_view file) {
 }
 
 void index::read_heading(std::string_view line) {
-    constexpr std::string_view names[columns] = {"file", "name",   "aliases", "refrigerant", "formula",
-                                                 "cas",  "family", "Tt",      "cp_Tmin",     "cp_Tmax"};
+    constexpr std::string_view names[columns] = {"file",   "name", "aliases", "refrigerant", "formula", "cas",
+                                                 "family", "Tt",   "Tb",      "cp_Tmin",     "cp_Tmax"};
     const std::vector<std::string> fields = fields_of(line);
     for (std::size_t i = 0; i < columns; ++i) {
         const auto place = std::find(fields.begin(), fields.end(), names[i]);
@@ -364,6 +364,7 @@ fluid index::fluid_of(std::size_t row) const {
                  .cas = take(cas),
                  .family = take(family),
                  .triple_temperature = temperature(take(Tt)),
+                 .boiling_temperature = temperature(take(Tb)),
                  .heat_capacity_lowest = temperature(take(cp_Tmin)),
                  .heat_capacity_highest = temperature(take(cp_Tmax))};
     if (!names_file(result.file))

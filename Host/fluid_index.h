@@ -31,6 +31,7 @@ struct fluid {
     std::string cas{}; ///< CAS number
     std::string family{};
     double triple_temperature = unknown;    ///< [K]
+    double boiling_temperature = unknown;   ///< [K], of the real fluid at 101325 Pa; of some fluids it sublimes there
     double heat_capacity_lowest = unknown;  ///< [K], where the fit of the heat capacity begins
     double heat_capacity_highest = unknown; ///< [K], where it ends
 };
@@ -74,7 +75,7 @@ public:
 private:
     index() = default;
     /// The columns of the index, in the order of their names in fluid_index.cpp.
-    enum column { file, name, aliases, refrigerant, formula, cas, family, Tt, cp_Tmin, cp_Tmax, columns };
+    enum column { file, name, aliases, refrigerant, formula, cas, family, Tt, Tb, cp_Tmin, cp_Tmax, columns };
     struct row {
         std::size_t text; ///< where its line begins in text_
         std::size_t keys; ///< where its names begin in keys_

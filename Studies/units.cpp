@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
-#include <optional>
+#include <vector>
 
 namespace studies {
 namespace {
@@ -128,9 +129,9 @@ std::string quoted(std::string_view text) {
     return result + '"';
 }
 
-double parse(std::string_view text, std::string_view si, bool difference) {
-    const std::string_view written = without_blanks(text);
-    std::string_view rest = written;
+/// Takes the number off the front of a text, and leaves what stands behind it.
+double take_number(std::string_view written, std::string_view &rest) {
+    rest = written;
     if (rest.size() > 1 && rest.front() == '+' && rest[1] != '-')
         rest.remove_prefix(1);
     double value = 0;
@@ -140,7 +141,14 @@ double parse(std::string_view text, std::string_view si, bool difference) {
     if (status != std::errc{})
         throw wrong_value(quoted(written) + " is not a number, with or without a unit");
     rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
-    const std::string_view name = without_blanks(rest);
+    rest = without_blanks(rest);
+    return value;
+}
+
+double parse(std::string_view text, std::string_view si, bool difference) {
+    const std::string_view written = without_blanks(text);
+    std::string_view name;
+    const double value = take_number(written, name);
     if (name.empty())
         return value;
     const unit *const found = unit_named(name);
@@ -176,6 +184,46 @@ double parse_value(std::string_view text, std::string_view si) {
 }
 double parse_difference(std::string_view text, std::string_view si) {
     return parse(text, si, true);
+}
+
+double range::at(std::size_t i) const {
+    if (i == 0 || count < 2)
+        return first;
+    if (i + 1 >= count)
+        return last;
+    const double part = static_cast<double>(i) / static_cast<double>(count - 1);
+    return logarithmic ? first * std::pow(last / first, part) : first + (last - first) * part;
+}
+
+range parse_range(std::string_view text, std::string_view si) {
+    constexpr std::size_t most_values = 1'000'000'000;
+    std::vector<std::string_view> parts;
+    for (std::string_view rest = text;;) {
+        const std::size_t end = rest.find(':');
+        parts.push_back(without_blanks(rest.substr(0, end)));
+        if (end == std::string_view::npos)
+            break;
+        rest.remove_prefix(end + 1);
+    }
+    if (parts.size() == 1)
+        return {parse_value(text, si), parse_value(text, si)};
+    if (parts.size() < 3 || parts.size() > 4 || (parts.size() == 4 && parts[3] != "log"))
+        throw wrong_value(quoted(text) + " is no range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log");
+    range result{parse_value(parts[0], si), parse_value(parts[1], si)};
+    std::string_view units[2];
+    take_number(parts[0], units[0]);
+    take_number(parts[1], units[1]);
+    if (units[0].empty() != units[1].empty())
+        throw wrong_value(quoted(text) + ": one end has a unit and the other has none; write the unit at both");
+    const auto [end, status] = std::from_chars(parts[2].data(), parts[2].data() + parts[2].size(), result.count);
+    if (status != std::errc{} || end != parts[2].data() + parts[2].size() || result.count < 1 ||
+        result.count > most_values)
+        throw wrong_value(quoted(text) + ": " + quoted(parts[2]) + " is no number of values; it must be from 1 to " +
+                          std::to_string(most_values));
+    result.logarithmic = parts.size() == 4;
+    if (result.logarithmic && !(result.first > 0 && result.last > 0))
+        throw wrong_value(quoted(text) + ": both ends of a logarithmic range must be above 0");
+    return result;
 }
 
 std::string_view quantity_of(std::string_view si) {

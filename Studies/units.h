@@ -3,6 +3,7 @@
 // places where people write and read numbers.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -40,6 +41,20 @@ public:
 /// The value [SI] of a number, with or without blanks and a unit behind it. Without a unit the number is in the SI
 /// unit. `si` is the SI unit of the wanted quantity. Throws wrong_value.
 double parse_value(std::string_view text, std::string_view si);
+
+/// Values from a first to a last one, in equal steps or in equal ratios.
+struct range {
+    double first = 0;      ///< [SI]
+    double last = 0;       ///< [SI]
+    std::size_t count = 1; ///< at least 1
+    bool logarithmic = false;
+
+    /// The value [SI] at place i, from 0; the first and the last one exactly.
+    double at(std::size_t i) const;
+};
+
+/// "VALUE", "FIRST:LAST:COUNT" or "FIRST:LAST:COUNT:log". Both ends have a unit or none has one. Throws wrong_value.
+range parse_range(std::string_view text, std::string_view si);
 
 /// A difference, for which 10 degC are 10 K.
 double parse_difference(std::string_view text, std::string_view si);

@@ -5,7 +5,7 @@ import io
 import re
 import unicodedata
 
-COLUMNS = ("file", "name", "aliases", "refrigerant", "formula", "cas", "family", "Tt", "cp_Tmin", "cp_Tmax")
+COLUMNS = ("file", "name", "aliases", "refrigerant", "formula", "cas", "family", "Tt", "Tb", "cp_Tmin", "cp_Tmax")
 REFRIGERANT = re.compile(r"R[CE]?\d[\w()-]*")
 
 
@@ -52,6 +52,6 @@ def text(files, rows, aliases, heat_capacity_fit):
         if file == fluid:
             names = names_of(row, [alias["alias"] for alias in aliases if alias["fluid"] == fluid])
         _, lowest, highest = heat_capacity_fit(row)
-        writer.writerow({"file": file, **names, "family": row["family"], "Tt": triple_temperature(row),
+        writer.writerow({"file": file, **names, "family": row["family"], "Tt": triple_temperature(row), "Tb": row["Tb"],
                          "cp_Tmin": lowest, "cp_Tmax": highest})
     return lines.getvalue()

@@ -63,6 +63,7 @@ class Index(unittest.TestCase):
             for column in ("cas", "formula", "family"):
                 self.assertEqual(row[column], fact[column])
             self.assertIn(row["Tt"], ("", fact["Tt"]))
+            self.assertEqual(row["Tb"], fact["Tb"])
             checked += 1
         for alias in read("aliases.csv"):
             row = rows[alias["fluid"]]

@@ -66,6 +66,39 @@ TEST(units, differences_have_no_zero_of_their_own) {
     EXPECT_EQ(parse_difference("0.1 bar", "Pa"), 1e4);
 }
 
+TEST(units, ranges) {
+    const studies::range linear = studies::parse_range("1bar:2 bar:5", "Pa");
+    EXPECT_EQ(linear.count, 5U);
+    EXPECT_EQ(linear.at(0), 1e5);
+    EXPECT_EQ(linear.at(1), 1.25e5);
+    EXPECT_EQ(linear.at(4), 2e5);
+    const studies::range logarithmic = studies::parse_range("1e3:1e7:5:log", "Pa");
+    EXPECT_NEAR(logarithmic.at(1), 1e4, 1e-9);
+    EXPECT_EQ(logarithmic.at(4), 1e7);
+    EXPECT_EQ(studies::parse_range("300 K", "K").count, 1U);
+    EXPECT_EQ(studies::parse_range("27 degC", "K").at(0), 300.15);
+    EXPECT_EQ(studies::parse_range("5:5:1", "K").at(0), 5.0);
+    for (const auto &[text, message] : {
+             std::pair("1:2", "is no range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log"),
+             std::pair("1:2:3:lin", "is no range"),
+             std::pair("1:2:3:log:4", "is no range"),
+             std::pair("1:2bar:3", "one end has a unit and the other has none"),
+             std::pair("1:2:0", "\"0\" is no number of values"),
+             std::pair("1:2:1.5", "\"1.5\" is no number of values"),
+             std::pair("1:2:99999999999999999999999", "is no number of values"),
+             std::pair("0:2:3:log", "both ends of a logarithmic range must be above 0"),
+             std::pair("1:x:3", "\"x\" is not a number"),
+             std::pair("", "is not a number"),
+         }) {
+        try {
+            studies::parse_range(text, "Pa");
+            ADD_FAILURE() << text;
+        } catch (const studies::wrong_value &reason) {
+            EXPECT_NE(std::string_view(reason.what()).find(message), std::string_view::npos) << reason.what();
+        }
+    }
+}
+
 TEST(units, every_unit_comes_back) {
     for (const studies::unit &one : studies::units()) {
         const std::string text = "25 " + std::string(one.name);
