@@ -55,6 +55,9 @@ struct definition {
 definition fluids();
 definition info();
 definition prop();
+definition sat();
+definition table();
+definition eval();
 definition check();
 definition db();
 

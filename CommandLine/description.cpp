@@ -42,7 +42,7 @@ void add(report &rows, const gas_constants &fluid, std::span<const constant> con
                                  std::string(entry.unit), std::string(entry.meaning)});
 }
 
-report table() {
+report table_of_constants() {
     return {.columns = {{"name"}, {"value"}, {"unit"}, {"meaning"}}};
 }
 
@@ -140,7 +140,7 @@ void describe(std::ostream &out, const parameter_file &file) {
     const gas_constants &read = file.constants;
     out << printable(read.name.trimmed()) << '\n' << printable(read.label.trimmed()) << '\n' << file.path << "\n\n";
     out << "Constants in the file, " << (read.vapor ? "with critical data" : "with a reference state") << '\n';
-    report constants = table();
+    report constants = table_of_constants();
     add(constants, read, {&equations::molar_mass, 1});
     add(constants, read, equations::reference_and_critical);
     add(constants, read, equations::of_transport);
@@ -157,7 +157,7 @@ void describe(std::ostream &out, const parameter_file &file) {
     if (!file.not_initialised.empty())
         return;
     out << "\nWith this model\n";
-    report model = table();
+    report model = table_of_constants();
     add(model, gas_properties::gas, completed);
     write_columns(out, model, "  ");
 }

@@ -60,17 +60,6 @@ std::string fluid_folder() {
     return folder;
 }
 
-std::vector<std::string> fluid_names() {
-    constexpr std::size_t length = 256;
-    std::string entries(500 * length, ' ');
-    std::int32_t count = 0;
-    ostrel::ostrel_fluids(count, entries.data(), length);
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
-        names.emplace_back(records::trimmed(std::string_view(entries).substr(i * length, length)));
-    return names;
-}
-
 std::string path_of(const std::string &fluid) {
     return fluid_folder() + fluid + ".osd";
 }

@@ -16,8 +16,6 @@ std::string error_text(std::string_view text);
 
 /// The folder of the fluids, with its separator; fails if there is none.
 std::string fluid_folder();
-/// The names of the folder's parameter files.
-std::vector<std::string> fluid_names();
 /// The parameter file of a fluid.
 std::string path_of(const std::string &fluid);
 

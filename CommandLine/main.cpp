@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The command ostrel: the library on the command line.
 #include "CommandLine/command.h"
+#include "CommandLine/stopping.h"
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
 
@@ -89,7 +90,8 @@ int run(int argc, char **argv) {
             "Folder of the parameter files, in place of $OSTREL_FLUIDS and of the installed one")
         ->type_name("FOLDER")
         ->trigger_on_parse();
-    for (const auto &each : {command::fluids, command::info, command::prop, command::check, command::db})
+    for (const auto &each : {command::fluids, command::info, command::prop, command::sat, command::table, command::eval,
+                             command::check, command::db})
         add(program, each());
     program.footer("Each command has a --help of its own, with examples.\n"
                    "Exit codes: 0 done, 1 the request failed (the reason is on standard error), 2 wrong usage.");
@@ -117,6 +119,8 @@ int main(int argc, char **argv) {
         for (const std::string &line : reason.advice())
             if (!line.empty())
                 std::cerr << line << '\n';
+    } catch (const command::stopped_by_signal &stop) {
+        status = stop.exit_code();
     } catch (const std::exception &reason) {
         std::cerr << "ostrel: " << reason.what() << '\n';
     }

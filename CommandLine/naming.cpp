@@ -47,13 +47,6 @@ std::string nearest_fluids(std::string_view words) {
                                 : "Did you mean " + joined(described_files(found.fluids), ", ", " or ") + "?";
 }
 
-std::vector<std::string> fluids_found(std::string_view words) {
-    std::vector<std::string> files;
-    for (fluid_index::fluid &found : fluid_index::index(fluid_folder()).search(words))
-        files.push_back(std::move(found.file));
-    return files;
-}
-
 void add_temperature_notes(std::vector<std::string> &notes, const fluid_index::fluid &facts, double t) {
     constexpr double rounding = 1e-9; // A state that was searched from other inputs is not exactly at a limit.
     if (t < facts.triple_temperature * (1 - rounding))

@@ -10,10 +10,6 @@
 
 namespace command {
 
-/// The help text of an argument that fluid_named understands.
-inline constexpr const char *fluid_argument =
-    "A fluid: its file's name, or its name, refrigerant number, formula or CAS number";
-
 struct named_fluid {
     fluid_index::fluid facts;         ///< with the file's name
     std::vector<std::string> notes{}; ///< which file was taken, unless the words are its own name
@@ -25,9 +21,6 @@ named_fluid fluid_named(const std::string &words);
 
 /// "Did you mean a, b or c?", or nothing if no fluid's name is near.
 std::string nearest_fluids(std::string_view words);
-
-/// The names of the files of the fluids that the words find, the best first.
-std::vector<std::string> fluids_found(std::string_view words);
 
 /// Adds a note for each limit of the fluid outside which a temperature [K] is.
 void add_temperature_notes(std::vector<std::string> &notes, const fluid_index::fluid &facts, double t);

@@ -1,255 +1,121 @@
 // SPDX-License-Identifier: MIT
 // ostrel prop: computes properties of a fluid at one state.
-#include "CommandLine/command.h"
-#include "CommandLine/loading.h"
-#include "CommandLine/naming.h"
-#include "CommandLine/notes.h"
-#include "CommandLine/report.h"
-#include "CommandLine/suggestions.h"
-#include "Ostrel_Main.h"
-#include "Thermodynamics/gas_properties.h"
+#include "CommandLine/entry_points.h"
+#include "CommandLine/fluid_choice.h"
+#include "CommandLine/outputs.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <iterator>
 #include <memory>
-#include <optional>
-#include <sstream>
 
 namespace command {
 namespace {
 
-using ostrel::described;
-
 struct request {
-    std::string fluid;
+    fluid_choice fluid;
     std::string pair;
     std::string texts[2];
-    std::array<double, 2> inputs{}; ///< the numbers in `texts`
     std::vector<std::string> outputs;
+    units_option units;
+    bool entry_points = false;
     report_form form;
 };
 
-/// The row of a table that the library takes for this name, or null.
-template <class Row, class Name>
-const Row *find(std::span<const Row> rows, std::string_view written, Name name) {
-    const auto row = std::find_if(rows.begin(), rows.end(), [&](const Row &candidate) {
-        return ostrel::tolower_os(written) == records::fixed_text<8>(name(candidate));
-    });
-    return row != rows.end() ? &*row : nullptr;
-}
-const ostrel::described_pair *find_pair(std::string_view written) {
-    return find(ostrel::described_input_pairs(), written, [](const auto &row) { return row.name; });
-}
-const ostrel::described_output *find_output(std::string_view written) {
-    return find(ostrel::described_outputs(), written, [](const auto &row) { return row.text.name; });
+void add_line(std::string &lines, const std::string &line) {
+    lines += (lines.empty() ? "" : "\n") + line;
 }
 
-std::vector<std::string> pair_names() {
-    std::vector<std::string> names;
-    for (const auto &row : ostrel::described_input_pairs())
-        names.emplace_back(row.name);
-    return names;
-}
-std::vector<std::string> output_names() {
-    std::vector<std::string> names;
-    for (const auto &row : ostrel::described_outputs())
-        names.emplace_back(row.text.name);
-    return names;
-}
+void serve(const request &asked) {
+    const units_option &units = asked.units;
+    const studies::unit_system system = units.system();
+    const chosen_fluid chosen = asked.fluid.open();
+    const ostrel::fluid &fluid = chosen.fluid;
+    const auto si = units_of_pair(fluid, asked.pair);
+    const double first = value_of("VALUE1", asked.texts[0], si[0]);
+    const double second = value_of("VALUE2", asked.texts[1], si[1]);
+    const wanted_outputs wanted(fluid, asked.outputs, system);
 
-bool has_quality(const request &asked) {
-    const auto *const pair = find_pair(asked.pair);
-    return pair != nullptr && pair->second.name == "q";
-}
+    const ostrel::unchecked pair(asked.pair);
+    if (const auto there = fluid.try_value(pair, first, second, "t"); !there)
+        throw failure(there.error().message);
+    const auto answer =
+        fluid.evaluate(pair, ostrel::unchecked(wanted.asked()), std::span(&first, 1), std::span(&second, 1));
+    const int status = answer.status()[0];
+    const std::span<const double> values = answer[0];
+    const std::span<const double> behind = values.subspan(wanted.size());
 
-/// Whether the library can serve the output at this state. Unknown names are refused here only at a quality other than
-/// 1; otherwise the library refuses them.
-bool served(const request &asked, std::string_view output) {
-    const auto *const row = find_output(output);
-    return !ostrel::mixture(asked.pair, asked.inputs[1]) || (row != nullptr && row->any_quality);
-}
-
-/// Advice after a request that failed: the possible names, or another way to the result.
-std::vector<std::string> advice(const request &asked, const std::string &output, const std::string &text) {
-    const auto list = [](std::string_view written, std::string_view what, const std::vector<std::string> &names) {
-        std::vector<std::string> lines;
-        if (std::string meant = did_you_mean(written, names); !meant.empty())
-            lines.push_back(std::move(meant));
-        lines.push_back(std::string(what) + joined(names, " ", " "));
-        return lines;
-    };
-    if (find_pair(asked.pair) == nullptr)
-        return list(asked.pair, "Input pairs: ", pair_names());
-    if (find_output(output) == nullptr)
-        return list(output, "Outputs: ", output_names());
-    if (!served(asked, output))
-        return {"Ask t and v, and then the pair tv: for q = 0 that is the saturated liquid."};
-    if (has_quality(asked) && !has_saturated_states())
-        return {"An ideal gas has no saturated states."};
-    if (text.find("ERROR: in v__P_T") != std::string::npos)
-        return {"The search from its own first values did not converge: there may be no such state."};
-    if (text.find("ERROR: in ") != std::string::npos)
-        return {"The search from its own first values did not converge; the state may exist all the same: pt finds it "
-                "from p and t."};
-    return {};
-}
-
-double ask(const request &asked, const std::string &output) {
-    const auto [value, text] = request_property(asked.fluid, asked.pair, asked.inputs[0], asked.inputs[1], output);
-    if (!text.empty())
-        throw failure(text, advice(asked, output, text));
-    return value;
-}
-
-double number_of(const std::string &name, std::string_view text) {
-    std::string_view digits = text;
-    if (digits.starts_with('+'))
-        digits.remove_prefix(1);
-    double value = 0;
-    const auto [end, status] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    if (status != std::errc{} || end != digits.data() + digits.size())
-        throw wrong_argument(name + ": \"" + std::string(text) + "\" is not a number that this program can hold");
-    return value;
-}
-
-/// Notes on results of a pair with a quality about which the library gives no message.
-void add_quality_notes(std::vector<std::string> &notes, const request &asked, double t) {
-    if (asked.inputs[1] < 0 || asked.inputs[1] > 1)
-        notes.emplace_back("q is outside 0 to 1: the values are extrapolated beyond the saturated states.");
-    // Next to the critical point it is right that the phases are equal.
-    if (!has_saturated_states() || !(t < 0.999 * gas_properties::gas.Tc))
-        return;
-    const answer liquid = request_property(asked.fluid, asked.pair, asked.inputs[0], 0, "v");
-    const answer vapor = request_property(asked.fluid, asked.pair, asked.inputs[0], 1, "v");
-    if (liquid.text.empty() && vapor.text.empty() && equal_phases(liquid.value, vapor.value))
-        notes.emplace_back("The model's saturated phases are equal here: its saturation table has collapsed.");
-}
-
-/// A note if another state seems to have the same two values.
-void add_other_state(std::vector<std::string> &notes, const request &asked, double t, double v, double p) {
-    constexpr std::string_view searched[] = {"ph", "ps", "hs"};
-    const auto *const pair = find_pair(asked.pair);
-    if (pair == nullptr || std::find(std::begin(searched), std::end(searched), pair->name) == std::end(searched))
-        return;
-    const answer other = request_property(asked.fluid, "pt", p, t, "v");
-    if (other.text.empty() && std::abs(other.value - v) > 0.01 * std::abs(v))
-        notes.push_back("Another state may have the same two values: pt at this p and t finds v = " +
-                        number(other.value) + " m3/kg, not " + number(v) + ".");
-}
-
-/// Adds notes on the state. Afterwards the library keeps another state.
-void add_state_notes(report &found, const request &asked, const fluid_index::fluid &facts) {
-    const double t = ask(asked, "t");
-    const double v = ask(asked, "v");
-    const double p = ask(asked, "p");
-    std::vector<std::string> not_finite;
-    for (const auto &row : found.rows) {
-        const auto &name = std::get<std::string>(row[0]);
-        if (name == "p" && ostrel::mixture(asked.pair, asked.inputs[1]))
-            found.notes.emplace_back("p is the equation's own at this volume, not the saturation pressure.");
-        if (!std::isfinite(std::get<double>(row[1])))
-            not_finite.push_back(name);
+    report found = {.name = "properties",
+                    .columns = {{"name"}, {"value"}, {"unit"}, {"meaning"}, {"note", "", true}},
+                    .asked = {{"fluid", std::string(fluid.text("name"))},
+                              {"source", std::string(fluid.text("source"))},
+                              {"options", std::string(fluid.text("options"))},
+                              {"pair", asked.pair},
+                              {"value1", first},
+                              {"value2", second}}};
+    const auto remarks = wanted.remarks_on(values);
+    std::string notes;
+    for (const studies::remark *const remark : remarks)
+        if (remark->outputs.empty())
+            add_line(notes, remark->text);
+    for (const std::string &note : chosen.notes)
+        add_line(notes, note);
+    const std::string phase(studies::phase_name(static_cast<int>(behind[3])));
+    found.rows.push_back({std::string("phase"), phase, std::string(), std::string(), std::move(notes)});
+    const std::vector<std::string> &names = wanted.names();
+    if (std::find(names.begin(), names.end(), "q") == names.end())
+        found.rows.push_back(
+            {std::string("q"), value_or_none(behind[2]), std::string(), std::string("vapor quality"), std::string()});
+    const std::vector<column> columns = wanted.columns();
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        if (names[i] == "phase")
+            continue;
+        std::string note;
+        for (const studies::remark *const remark : remarks)
+            if (std::find(remark->outputs.begin(), remark->outputs.end(), names[i]) != remark->outputs.end())
+                add_line(note, remark->text);
+        if (status == OSTREL_TWO_PHASE && std::isnan(values[i]))
+            add_line(note, names[i] + " has no meaning between the phases.");
+        found.rows.push_back(
+            {columns[i].name, wanted.shown(i, values[i]), columns[i].unit, wanted.meaning(i), std::move(note)});
     }
-    if (t <= 0 || v <= 0)
-        found.notes.push_back("There is no such state: t = " + number(t) + " K, v = " + number(v) + " m3/kg.");
-    else if (p < 0)
-        found.notes.push_back("The equation's p is negative here, " + number(p) + " Pa: this is no stable state.");
-    if (t > 0)
-        add_temperature_notes(found.notes, facts, t);
-    if (!not_finite.empty())
-        found.notes.push_back("Not finite: " + joined(not_finite, " ", " "));
-    if (has_quality(asked))
-        add_quality_notes(found.notes, asked, t);
-    add_other_state(found.notes, asked, t, v, p);
-}
-
-void serve(request asked) {
-    asked.inputs = {number_of("VALUE1", asked.texts[0]), number_of("VALUE2", asked.texts[1])};
-    if (records::trimmed(asked.fluid).empty())
-        throw wrong_argument("FLUID: a name is wanted");
-    const named_fluid fluid = fluid_named(asked.fluid);
-    asked.fluid = fluid.facts.file;
-    load_fluid(asked.fluid);
-
-    report found = {
-        .name = "properties",
-        .columns = {{"name"}, {"value"}, {"unit"}, {"meaning"}},
-        .asked = {
-            {"fluid", asked.fluid}, {"pair", asked.pair}, {"value1", asked.inputs[0]}, {"value2", asked.inputs[1]}}};
-    found.notes = fluid.notes;
-    std::vector<std::string> wanted = asked.outputs;
-    std::vector<std::string> left_out;
-    if (wanted.empty())
-        for (const std::string &name : output_names())
-            (served(asked, name) ? wanted : left_out).push_back(name);
-    // The library refuses these outputs only if they are the first request for a state.
-    for (const std::string &name : wanted)
-        if (!served(asked, name))
-            ask(asked, name);
-
-    for (const std::string &name : wanted) {
-        const double value = ask(asked, name);
-        const described text = find_output(name)->text;
-        found.rows.push_back({std::string(text.name), value, std::string(text.unit), std::string(text.meaning)});
-        for (const auto &[output, note] :
-             {std::pair("eta", viscosity_note()), std::pair("lambda", conductivity_note())})
-            if (text.name == output && !note.empty())
-                found.notes.push_back(note);
-    }
-    if (!left_out.empty()) {
-        found.notes.push_back("At a quality other than 1 these are not served: " + joined(left_out, " ", " "));
-        if (asked.inputs[1] == 0)
-            found.notes.emplace_back("For the saturated liquid ask the pair tv with the t and v above.");
-    }
-    add_state_notes(found, asked, fluid.facts);
     write(found, asked.form);
-}
-
-/// The pairs and the outputs for the help text, from the library's tables.
-std::string tables() {
-    std::ostringstream text;
-    report pairs = {.columns = {{"pair"}, {"first"}, {"second"}}};
-    const auto value = [](const described &what) {
-        return std::string(what.meaning) + (what.unit == "-" ? "" : " " + std::string(what.unit));
-    };
-    for (const auto &row : ostrel::described_input_pairs())
-        pairs.rows.push_back({std::string(row.name), value(row.first), value(row.second)});
-    text << "Pairs, and what the values are:\n";
-    write_columns(text, pairs, "  ");
-    report outputs = {.columns = {{"name"}, {"unit"}, {"meaning"}}};
-    for (const auto &row : ostrel::described_outputs())
-        outputs.rows.push_back({std::string(row.text.name), std::string(row.text.unit), std::string(row.text.meaning)});
-    text << "\nOutputs:\n";
-    write_columns(text, outputs, "  ");
-    return text.str();
 }
 
 } // namespace
 
 definition prop() {
     const auto asked = std::make_shared<request>();
-    std::vector<argument> arguments = {{"FLUID", &asked->fluid, fluid_argument, true},
-                                       {"PAIR", &asked->pair, "Input pair, for example pt", true},
-                                       {"VALUE1", &asked->texts[0], "First value of the pair, in SI units", true},
-                                       {"VALUE2", &asked->texts[1], "Second value of the pair", true},
-                                       {"OUTPUT", &asked->outputs, "Wanted properties; all if none is named"}};
+    std::vector<argument> arguments = asked->fluid.arguments();
+    const argument positions[] = {{"PAIR", &asked->pair, "Input pair, for example pt", true},
+                                  {"VALUE1", &asked->texts[0], "First value, in SI units or with a unit", true},
+                                  {"VALUE2", &asked->texts[1], "Second value of the pair", true},
+                                  {"OUTPUT", &asked->outputs, "Wanted properties; all if none is named"}};
+    arguments.insert(arguments.begin() + 1, std::begin(positions), std::end(positions));
+    arguments.push_back(asked->units.option());
+    arguments.push_back({"--entry-points", &asked->entry_points,
+                         "The numbers that hosts of ostrel_prop get: SI values, the file's equation"});
     std::ranges::move(asked->form.options(), std::back_inserter(arguments));
     return {.name = "prop",
             .meaning = "Compute properties of a fluid at one state",
             .arguments = std::move(arguments),
-            .notes = tables() + R"(
-With a quality other than 1 only t, p, v and d are served. By Chung's models lambda comes out 17.506 times
-smaller than the unit says, eta of the dilute gas 10 times larger; a note below the numbers says when.
+            .notes = table_of_pairs() + "\n" + table_of_outputs() + R"help(
+The state is the stable one, a mixture inside the dome, unless --states says otherwise. Its phase and its
+quality are always shown. A "-" stands where an output has no value. Notes say which numbers are rough.
 
 Examples:
-  ostrel prop toluene pt 1e5 500
-  ostrel prop R-134a tq 300 1 p d
-  ostrel prop toluene ps 1e5 -200 t d
-  ostrel prop toluene tq 500 1 --json)",
-            .run = [asked] { serve(*asked); }};
+  ostrel prop toluene pt 1.2bar 400K d h s cp c
+  ostrel prop R-134a tq 300 1 p d --units engineering
+  ostrel prop water ps 5bar "1.5 kJ/(kg K)" t q --model pr --volume translated
+  ostrel prop toluene tq 500 1 --json)help",
+            .run = [asked] {
+                if (asked->entry_points)
+                    serve_from_entry_points(
+                        {asked->fluid.words, asked->pair, {asked->texts[0], asked->texts[1]}, asked->outputs},
+                        asked->form);
+                else
+                    serve(*asked);
+            }};
 }
 
 } // namespace command
