@@ -39,7 +39,8 @@ struct argument {
     std::variant<std::string *, std::vector<std::string> *, bool *> value; ///< the variable that receives it
     std::string meaning;
     bool required = false;
-    std::string excludes{}; ///< an earlier option that may not be given together with this one
+    std::string excludes{};             ///< an earlier option that may not be given together with this one
+    std::vector<std::string> choices{}; ///< its values, if there are few, for the completion of command lines
 };
 
 /// A command as the program offers it, with its help.
@@ -60,5 +61,18 @@ definition table();
 definition eval();
 definition check();
 definition db();
+
+/// All commands, in the order of the help.
+std::vector<definition> all();
+/// The program's own texts.
+inline constexpr const char *program_meaning =
+    "Thermodynamic and transport properties of pure fluids from simple equations of state.";
+inline constexpr const char *fluids_option = "--fluids";
+inline constexpr const char *fluids_meaning =
+    "Folder of the parameter files, in place of $OSTREL_FLUIDS and of the installed one";
+inline constexpr const char *program_notes =
+    "Each command has a --help of its own, with examples.\n"
+    "Exit codes: 0 done, 1 the request failed (the reason is on standard error), 2 wrong usage,\n"
+    "130 and 143 stopped by an interrupt or by a request to end.";
 
 } // namespace command

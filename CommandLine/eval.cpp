@@ -195,8 +195,12 @@ definition eval() {
     arguments.insert(arguments.begin() + 1, std::begin(positions), std::end(positions));
     const argument more[] = {
         asked->units.option(),
-        {"--bad-lines", &asked->bad_lines,
-         "stop (the standard) at a line that cannot be read, skip it, or keep a line without values for it"},
+        {"--bad-lines",
+         &asked->bad_lines,
+         "stop (the standard) at a line that cannot be read, skip it, or keep a line without values for it",
+         false,
+         "",
+         {"stop", "skip", "keep"}},
         {"--heading", &asked->heading, "Print the names and units of the columns first"},
         {"--echo", &asked->echo, "Print each line of the input in front of its answer"},
         {"--json-lines", &asked->json_lines, "A JSON object on each line, in place of CSV"}};

@@ -7,6 +7,19 @@
 #include <filesystem>
 
 namespace command {
+namespace {
+
+std::vector<std::string> split(std::string_view text, char separator) {
+    std::vector<std::string> parts;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(separator), text.size());
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return parts;
+}
+
+} // namespace
 
 std::vector<argument> fluid_choice::arguments(const std::vector<std::string> &without) {
     std::vector<argument> result = {{"FLUID", &words, fluid_argument, true}};
@@ -15,7 +28,7 @@ std::vector<argument> fluid_choice::arguments(const std::vector<std::string> &wi
         if (key == "folder" || std::find(without.begin(), without.end(), key) != without.end())
             continue;
         std::string meaning = std::string(row.unit) + ": " + std::string(row.description);
-        result.push_back({"--" + key, &options[key], std::move(meaning)});
+        result.push_back({"--" + key, &options[key], std::move(meaning), false, "", split(row.unit, '|')});
     }
     result.push_back({"--database", &database, "An SQLite file that has the fluid, as ostrel db writes them"});
     return result;

@@ -79,22 +79,20 @@ void add(CLI::App &parent, const command::definition &what) {
 }
 
 int run(int argc, char **argv) {
-    CLI::App program("Thermodynamic and transport properties of pure fluids from simple equations of state.", "ostrel");
+    CLI::App program(command::program_meaning, "ostrel");
     program.require_subcommand(1);
     program.fallthrough();
     program.set_version_flag("--version", version(), "Print the versions of the package and of its interface");
     program.set_help_flag("-h,--help", "Print this help");
     program
         .add_option_function<std::string>(
-            "--fluids", [](const std::string &folder) { setenv("OSTREL_FLUIDS", folder.c_str(), 1); },
-            "Folder of the parameter files, in place of $OSTREL_FLUIDS and of the installed one")
+            command::fluids_option, [](const std::string &folder) { setenv("OSTREL_FLUIDS", folder.c_str(), 1); },
+            command::fluids_meaning)
         ->type_name("FOLDER")
         ->trigger_on_parse();
-    for (const auto &each : {command::fluids, command::info, command::prop, command::sat, command::table, command::eval,
-                             command::check, command::db})
-        add(program, each());
-    program.footer("Each command has a --help of its own, with examples.\n"
-                   "Exit codes: 0 done, 1 the request failed (the reason is on standard error), 2 wrong usage.");
+    for (const command::definition &each : command::all())
+        add(program, each);
+    program.footer(command::program_notes);
     try {
         program.parse(arguments(argc, argv));
     } catch (const CLI::RequiredError &stop) {

@@ -57,7 +57,8 @@ auto argument_value(const std::string &name, Make make) {
 } // namespace
 
 argument units_option::option() {
-    return {"--units", &word, "si or engineering (bar, degC, kJ/kg, kJ/(kg K), mPa s); values that are given have any"};
+    return {"--units", &word, "si or engineering (bar, degC, kJ/kg, kJ/(kg K), mPa s); values that are given have any",
+            false,     "",    {"si", "engineering"}};
 }
 
 studies::unit_system units_option::system() const {

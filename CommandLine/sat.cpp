@@ -144,7 +144,7 @@ definition sat() {
                      {"VALUE", &asked->values,
                       "Temperatures (or pressures, with --by p), or ranges FIRST:LAST:COUNT[:log], with units; "
                       "round ones if none is given"});
-    arguments.push_back({"--by", &asked->input, "t (the standard) or p: what the values are"});
+    arguments.push_back({"--by", &asked->input, "t (the standard) or p: what the values are", false, "", {"t", "p"}});
     arguments.push_back({"--outputs", &asked->outputs, "Outputs of both phases, with commas between them (d,h,s)"});
     arguments.push_back(asked->units.option());
     std::ranges::move(asked->form.options(), std::back_inserter(arguments));

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+#include "CommandLine/command.h"
+
+namespace command {
+
+std::vector<definition> all() {
+    return {fluids(), info(), prop(), sat(), table(), eval(), check(), db()};
+}
+
+} // namespace command
