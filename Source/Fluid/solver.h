@@ -489,7 +489,13 @@ private:
             if (size < 0.2) {
                 T += dT;
                 r /= 1.0 - dlog; // V, in which a gas and a liquid are simple, changes by its own step
-                if (settled(size, last) || (size < 1e-6 && size >= 0.25 * last))
+                bool end = settled(size, last);
+                double noise = 0.25; // a step that is not smaller than this part of the last one is rounding
+                if constexpr (X == letter::s && Y == letter::u) { // steps are in proportion to 1/P
+                    end = end && size * std::abs(p.P_T * dT - p.P_V * dlog / r) <= 1e-15 * std::abs(p.P);
+                    noise = 1.0;
+                }
+                if (end || (size < 1e-6 && size >= noise * last))
                     return {T, r, true};
             } else {
                 double fraction = 1.0;

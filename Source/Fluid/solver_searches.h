@@ -578,9 +578,11 @@ solved solver<Model>::from_s_X(double s, double x) const {
         }
         const bool gas_first = s > critical_.s;
         const double r_c = r_of(1.0 - offset_);
+        // Near P = 0 each step halves the distance of u.
+        constexpr int steps = X == letter::u ? 45 : 25;
         for (const bool gas : {gas_first, !gas_first}) {
-            const point end = gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, 25)
-                                  : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, 25);
+            const point end = gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, steps)
+                                  : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, steps);
             if (fits(end))
                 return single_phase(end);
         }
