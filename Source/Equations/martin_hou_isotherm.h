@@ -73,7 +73,7 @@ public:
     }
     /// Whether the isotherm has a saturation.
     bool saturates() const {
-        if (!(gas_end() < liquid_end()))
+        if (!(gas_end() < liquid_end() && liquid_end() < infinite))
             return false;
         const pressure high = highest();
         return key(high) > key(lowest()) && excess(high, branch(high, true), branch(high, false)) <= 0;
@@ -179,8 +179,9 @@ private:
             result.r_l = newton(now, result.r_l);
             result.r_g = newton(now, result.r_g);
             // At least half of the distance between the phases that is expected, and both stable.
+            const double flattest = std::min(slope(result.r_l), slope(result.r_g));
             if (!(result.r_g > 0.5 * start.r_g && result.r_l > result.r_g + 0.7 * (start.r_l - start.r_g)) ||
-                !(slope(result.r_l) > 0 && slope(result.r_g) > 0))
+                !(flattest > 0))
                 return {};
             const double change = excess(now, result.r_l, result.r_g) / (1 / result.r_g - 1 / result.r_l);
             const double moved = near_ ? std::abs(change / now.from_critical) : std::abs(change / now.P);
@@ -188,7 +189,9 @@ private:
                 now = {now.P + change, now.from_critical + change};
             else
                 now.from_critical = (now.P *= std::exp(change / now.P)) - 1.0;
-            if (moved < 1e-8) {
+            // Near the critical point the phases move far with the pressure, in units of their distance.
+            const double shifted = near_ ? std::abs(change) / (flattest * (result.r_l - result.r_g)) : 0.0;
+            if (moved < 1e-8 && moved * shifted < 1e-16) {
                 result.r_l = newton(now, result.r_l);
                 result.r_g = newton(now, result.r_g);
                 result.P = now.P;
@@ -289,6 +292,12 @@ private:
             found.liquid = r_c_ + roots.root[1];
             if (roots.number > 2)
                 found.top = r_c_ + roots.root[2];
+            return found;
+        }
+        // Some cold isotherms never rise again behind the gas.
+        if (below_critical_ && roots.number == 1 &&
+            (turns.number == 0 || (roots.root[0] < first_turn && polynomial_roots::value(slope_, first_turn) < -1e-9))) {
+            found.gas = r_c_ + roots.root[0];
             return found;
         }
         // Below the critical temperature rounding hides the ends here. At it, they are at x = 0.

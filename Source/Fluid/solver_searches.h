@@ -115,7 +115,7 @@ solved solver<Model>::from_T_X(double T, double x) const {
             return on_isotherm<X>(T, x, i.liquid_end(), i.top(), X == letter::h || surface_.has_loops);
         if (T < surface_.T_line || !line_.exists()) {
             if (surface_.line_ends || !line_.exists())
-                return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
+                return on_isotherm<X>(T, x, 0.0, i.gas_end(), X == letter::h && !line_.exists());
             return on_isotherm<X>(T, x, i.liquid(0.0), i.top(), X == letter::h);
         }
         const mixture m = mix(T, surface_.saturated(T));
