@@ -116,6 +116,8 @@ public:
                 if (now.P == underflow && change < 0)
                     break;
             }
+            if (key(next) == key(now))
+                break;
             if (!(key(next) > key(low) && key(next) < key(high)))
                 next = middle(low, high);
             const double moved = std::abs(key(next) - key(now));
