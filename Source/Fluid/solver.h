@@ -576,7 +576,7 @@ private:
     }
     /// Whether a gas below the end of a saturation line, which only counts if there is no other state.
     bool behind_line(double T) const {
-        return states_ == allowed_states::stable && surface_.line_ends && T < surface_.T_line;
+        return states_ == allowed_states::stable && surface_.line_ends && T < surface_.T_line && line_.exists();
     }
     /// The equilibrium along an isochore: X and its slope in T. Nothing outside the surface.
     struct on_isochore {

@@ -542,7 +542,8 @@ solved solver<Model>::from_s_X(double s, double x) const {
             return value_and_slope{h - line.P * V - x, a.by_T - a.by_V * b.by_T / b.by_V};
         };
         const auto dome_state = [&](double low, double high, double start) {
-            const double T = bracketed(low, high, start, true, in_dome);
+            const bool smooth = high < 0.98 * T_c; // unlike beside the critical point
+            const double T = bracketed(low, high, start, true, in_dome, 1e-15, smooth);
             const mixture m = mix(T, surface_.saturated(T));
             const double q = (s - m.l.s) / (m.g.s - m.l.s);
             solved result = of_mixture(T, m, q);
