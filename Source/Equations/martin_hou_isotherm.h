@@ -298,7 +298,8 @@ private:
         }
         // Some cold isotherms never rise again behind the gas.
         if (below_critical_ && roots.number == 1 &&
-            (turns.number == 0 || (roots.root[0] < first_turn && polynomial_roots::value(slope_, first_turn) < -1e-9))) {
+            (turns.number == 0 ||
+             (roots.root[0] < first_turn && polynomial_roots::value(slope_, first_turn) < -1e-9))) {
             found.gas = r_c_ + roots.root[0];
             return found;
         }

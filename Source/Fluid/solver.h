@@ -409,6 +409,10 @@ public:
     /// The entropy and another caloric value are given.
     template <letter X>
     solved from_s_X(double s, double x) const;
+    /// The gas below the end of the saturation line that has two values: P and a caloric one, V and another one, or the
+    /// entropy and another caloric one.
+    template <letter X, letter Y>
+    solved beyond_line(double x, double y) const;
 
 private:
     void prepare() {

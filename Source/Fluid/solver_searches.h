@@ -61,14 +61,27 @@ solved solver<Model>::on_isotherm(double T, double x, double r_low, double r_hig
             return result(dilute);
         return none({OSTREL_NO_STATE, T});
     }
-    constexpr int intervals = 96;
     const double begin = r_low > 0 ? low : std::min(high - 1.0, dilute);
+    // Where the gas is not dilute, its turns may be near each other.
+    const double dense_begin = r_low > 0 ? low : std::clamp(-4.0, begin, high);
+    const double dense_end = r_low > 0 ? high : std::clamp(5.0, begin, high);
+    constexpr int dilute_intervals = 16;
+    constexpr int dense_intervals = 96;
+    const int first = r_low > 0 ? 0 : dilute_intervals;
+    const int intervals = first + dense_intervals + (dense_end < high ? dilute_intervals : 0);
+    const auto place_of = [&](int k) {
+        if (k < first)
+            return begin + (dense_begin - begin) * k / first;
+        if (k <= first + dense_intervals)
+            return dense_begin + (dense_end - dense_begin) * (k - first) / dense_intervals;
+        return dense_end + (high - dense_end) * (k - first - dense_intervals) / dilute_intervals;
+    };
     double a = begin;
     value_and_slope at_a = f(a);
     if (r_low == 0 && at_a.value == 0)
         return result(a);
     for (int k = 1; k <= intervals; ++k) {
-        const double b = k == intervals ? high : begin + (high - begin) * k / intervals;
+        const double b = k == intervals ? high : place_of(k);
         const value_and_slope at_b = f(b);
         double turn = b;
         if ((at_a.slope > 0) != (at_b.slope > 0)) {
@@ -296,7 +309,7 @@ solved solver<Model>::from_P_X(double P, double x) const {
             along_isobar<X>(P, x, branch::liquid, lowest, T_s, std::max({step(m.l, l), lowest, 0.3 * T_s}));
         if (found.status == OSTREL_OK || !surface_.line_ends)
             return found;
-        return isobar_search<X>(P, x, branch::gas, 0.0, lowest, 0.9 * lowest); // the gas below the end of the line
+        return beyond_line<letter::p, X>(P, x);
     }
 }
 
@@ -501,12 +514,42 @@ solved solver<Model>::from_V_X(double V, double x) const {
         const solved above = isochore_search<X>(V, x, T_c, T_turn, 0.0);
         if (above.status == OSTREL_OK)
             return above;
-        return isochore_search<X>(V, x, 0.0, surface_.T_line, 0.0);
+        return line_.exists() ? beyond_line<letter::v, X>(V, x) : isochore_search<X>(V, x, 0.0, T_c, 0.0);
     }
     if (states_ != allowed_states::stable || !surface_.line_ends)
         return isochore_search<X>(V, x, 0.0, T_turn, 0.0);
     const solved above = isochore_search<X>(V, x, surface_.T_line, T_turn, 0.0);
-    return above.status == OSTREL_OK ? above : isochore_search<X>(V, x, 0.0, std::min(surface_.T_line, T_turn), 0.0);
+    return above.status == OSTREL_OK ? above : beyond_line<letter::v, X>(V, x);
+}
+
+// The gas below the end of the saturation line.
+
+template <class Model>
+template <letter X, letter Y>
+solved solver<Model>::beyond_line(double x, double y) const {
+    solved failure = {OSTREL_NO_STATE};
+    if (!surface_.line_ends || !line_.exists() || states_ != allowed_states::stable)
+        return failure;
+    const double T_line = surface_.T_line;
+    if constexpr (X == letter::p) {
+        return isobar_search<Y>(x, y, branch::gas, 0.0, T_line, 0.9 * T_line);
+    } else if constexpr (X == letter::v) {
+        double high = T_line * (1.0 - 4e-16);
+        if constexpr (Y == letter::p)
+            high = std::min(high, surface_.turn(x + offset_));
+        return isochore_search<Y>(x, y, 0.0, high, 0.0);
+    } else { // Newton's method from places on the isentrope
+        for (const double part : {1.0 - 1e-9, 0.97, 0.9, 0.8, 0.65, 0.5, 0.3}) {
+            const double T = part * T_line;
+            const solved start = on_isotherm<letter::s>(T, x, 0.0, surface_.at(T).gas_end(), false);
+            if (start.status != OSTREL_OK)
+                continue;
+            const point end = newton<letter::s, Y>(x, y, T, start.r, 60);
+            if (end.converged && end.T < T_line && is_state(end.T, end.r))
+                return of_single(end.T, pressure(end.T, end.r), end.r);
+        }
+        return failure;
+    }
 }
 
 // Given s and another caloric value.
@@ -516,9 +559,8 @@ template <letter X>
 solved solver<Model>::from_s_X(double s, double x) const {
     const double T_c = surface_.T_c;
     const solved failure = {OSTREL_NO_STATE};
-    bool below_line = false; // whether a gas below the end of the saturation line counts
     const auto fits = [&](const point &end) {
-        if (!end.converged || !is_state(end.T, end.r) || (behind_line(end.T) && !below_line))
+        if (!end.converged || !is_state(end.T, end.r) || behind_line(end.T))
             return false;
         return X == letter::h || pressure(end.T, end.r) > 0;
     };
@@ -639,24 +681,15 @@ solved solver<Model>::from_s_X(double s, double x) const {
     above(low);
     if (best.status != OSTREL_OK || behind_line(best.T))
         above(high);
-    const auto last_resort = [&] { // the gas below the end of the saturation line
-        below_line = surface_.line_ends;
-        for (const double log_r : {-1.0, -4.0, -16.0}) {
-            const point end = newton<letter::s, X>(s, x, 0.9 * surface_.T_line, std::exp(log_r), 60);
-            if (below_line && fits(end))
-                return single_phase(end);
-        }
-        return failure;
-    };
     if (best.status != OSTREL_OK)
-        return last_resort();
+        return beyond_line<letter::s, X>(s, x);
     if (best.q >= 0) {
         const double value = value_of<X>(mixed(mix(best.T, surface_.saturated(best.T)), best.q, best.V)).value;
-        return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : last_resort();
+        return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : beyond_line<letter::s, X>(s, x);
     }
     const solved result = finish<letter::s, X>(s, x, best);
     const double value = value_of<X>(at(result.T, result.r)).value;
-    return std::abs(value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : last_resort();
+    return std::abs(value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : beyond_line<letter::s, X>(s, x);
 }
 
 } // namespace fluid

@@ -11,9 +11,10 @@
 //               a gas below t_sat_min, in pairs without t, if a state at or above t_sat_min has the same values
 //   fold        "pv" and "ts" of SRK and PR where dP/dT < 0 at constant volume
 //   tie         "pt": the pressure is that of saturation within rounding, so that either phase is right
-//   dim         a unit is more than a hundredth of the state, as in "tu" of a gas that is nearly ideal. In "su": the state
-//               that was found has the same values within rounding. A cold liquid and the mixtures beside it, in which the
-//               pressure is nearly 0, differ in u by less than that
+//   dim         a unit is more than a hundredth of the state, as in "tu" of a gas that is nearly ideal. In "su": the
+//   state
+//               that was found has the same values within rounding. A cold liquid and the mixtures beside it, in which
+//               the pressure is nearly 0, differ in u by less than that
 #pragma once
 
 #include "Tests/Support/wide_surface.h"
@@ -120,12 +121,19 @@ public:
         }
     }
 
+    /// The line at t. Where the handle refuses the phases since cv of the liquid is negative, the search starts at the
+    /// next temperature that has them.
     wide_surface::line line_at(double t) const {
-        double liquid = 0, vapor = 0;
-        if (!(t < T_) || t < lowest_ ||
-            ostrel_fluid_saturation(handle(), "t", "v", 1, &t, &liquid, &vapor, nullptr) != 0)
+        double liquid = 0, vapor = 0, warm = t;
+        if (!(t < T_) || !(t >= lowest_))
             return {};
-        return surface_.saturated(t / T_, liquid / v_, vapor / v_);
+        while (ostrel_fluid_saturation(handle(), "t", "v", 1, &warm, &liquid, &vapor, nullptr) != 0)
+            if ((warm *= 1.002) > T_)
+                return {};
+        wide_surface::line found = surface_.saturated(warm / T_, liquid / v_, vapor / v_);
+        for (; warm > t && found.found; found = surface_.saturated(warm / T_, found.liquid.v, found.vapor.v))
+            warm = std::max(warm / 1.002, t);
+        return found;
     }
     /// What the surface has at t and v; `line` is that of t.
     known_state look(wide T, wide v, const wide_surface::line &line) const {
