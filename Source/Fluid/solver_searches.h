@@ -10,7 +10,7 @@ namespace fluid {
 template <class Model>
 template <letter X, letter Y>
 solved solver<Model>::finish(double x, double y, const solved &rough) const {
-    const point end = newton<X, Y>(x, y, rough.T, rough.r, 8);
+    const point end = at_critical(newton<X, Y>(x, y, rough.T, rough.r, 8));
     const bool near = std::abs(end.T - rough.T) < 1e-3 * rough.T && std::abs(end.r - rough.r) < 1e-2 * rough.r;
     if (!near || !is_state(end.T, end.r))
         return rough;
@@ -477,6 +477,8 @@ solved solver<Model>::from_V_X(double V, double x) const {
         if (!(change < infinite) || T < 1e-3 * T_c)
             break;
         if (settled(change, last) || (change < 1e-6 && change >= 0.25 * last)) {
+            if (states_ != allowed_states::stable) // a metastable branch ends at T_c
+                T = at_critical({T, r, true}).T;
             if (T < T_turn && !behind_line(T) && where(T, r) == place::single) {
                 if (T_turn < infinite) {
                     // Of two temperatures with the same pressure the one nearer to the ideal gas's is meant.
@@ -624,8 +626,8 @@ solved solver<Model>::from_s_X(double s, double x) const {
         // Near P = 0 each step halves the distance of u.
         constexpr int steps = X == letter::u ? 45 : 25;
         for (const bool gas : {gas_first, !gas_first}) {
-            const point end = gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, steps)
-                                  : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, steps);
+            const point end = at_critical(gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, steps)
+                                              : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, steps));
             if (fits(end))
                 return single_phase(end);
         }
@@ -681,15 +683,26 @@ solved solver<Model>::from_s_X(double s, double x) const {
     above(low);
     if (best.status != OSTREL_OK || behind_line(best.T))
         above(high);
-    if (best.status != OSTREL_OK)
+    const auto last_resort = [&] { // Newton's method from other places on the isentrope
+        for (const double part : {1.0, 1.02, 1.1, 1.3, 1.7, 2.5, 4.0, 8.0, 0.95, 0.8, 0.6, 0.4}) {
+            const solved start = from_T_X<letter::s>(part * T_c, s);
+            if (start.status != OSTREL_OK || start.q >= 0)
+                continue;
+            const point end = at_critical(newton<letter::s, X>(s, x, start.T, start.r, 60));
+            if (fits(end))
+                return single_phase(end);
+        }
         return beyond_line<letter::s, X>(s, x);
+    };
+    if (best.status != OSTREL_OK)
+        return last_resort();
     if (best.q >= 0) {
         const double value = value_of<X>(mixed(mix(best.T, surface_.saturated(best.T)), best.q, best.V)).value;
-        return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : beyond_line<letter::s, X>(s, x);
+        return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : last_resort();
     }
     const solved result = finish<letter::s, X>(s, x, best);
     const double value = value_of<X>(at(result.T, result.r)).value;
-    return std::abs(value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : beyond_line<letter::s, X>(s, x);
+    return std::abs(value - x) <= 1e-9 * (std::abs(x) + result.T) ? result : last_resort();
 }
 
 } // namespace fluid
