@@ -22,7 +22,7 @@ CHOICES = (("nbutane", "mh"), ("water", "mh"), ("water", "cii"), ("ammonia", "ci
            ("nbutane", "srk"), ("mlinolen", "srk"), ("nnonadec", "pr"), ("helium", "vdw"),
            ("water", "pr; volume=translated"))
 LOWEST = {("nbutane", "mh"): mpf("0.816"), ("water", "mh"): mpf("0.96"), ("water", "cii"): mpf("0.7"),
-          ("ammonia", "cii"): mpf("0.6")}  # Tc; these lines end
+          ("ammonia", "cii"): mpf("0.32")}  # Tc; these lines end
 TEMPERATURES = ("0.3", "0.45", "0.7", "0.9", "0.97", "0.999", "0.99999", "0.99999999")
 
 
