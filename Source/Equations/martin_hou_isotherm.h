@@ -193,7 +193,7 @@ private:
                 now.from_critical = (now.P *= std::exp(change / now.P)) - 1.0;
             // Near the critical point the phases move far with the pressure, in units of their distance.
             const double shifted = near_ ? std::abs(change) / (flattest * (result.r_l - result.r_g)) : 0.0;
-            if (moved < 1e-8 && moved * shifted < 1e-16) {
+            if (moved < 1e-8 && moved * shifted < 1e-14) {
                 result.r_l = newton(now, result.r_l);
                 result.r_g = newton(now, result.r_g);
                 result.P = now.P;

@@ -263,8 +263,14 @@ private:
                                     double given_second) const {
         constexpr letter A = input_pairs[row].first;
         constexpr letter B = input_pairs[row].second;
-        if (found.status == OSTREL_OK && !(found.T >= safe_low_ && found.T <= safe_high_))
-            found = checked_else_beyond<A, B>(found, first, second);
+        if (found.status == OSTREL_OK && !(found.T >= safe_low_ && found.T <= safe_high_)) {
+            found.status = checked(found);
+            if constexpr (solver<Model>::surface_type::saturates && A != letter::t && B != letter::t &&
+                          B != letter::q) {
+                if (found.status == OSTREL_NO_STATE)
+                    found = beyond_line<A, B>(first, second);
+            }
+        }
         if (found.status != OSTREL_OK)
             return failed(found.status, inputs, given_first, given_second);
         ostrel_state state = {found.T * gas_.T_ref,
@@ -313,30 +319,25 @@ private:
                 q};
     }
 
-    /// A state whose heat capacity is refused leaves its place to the gas below the end of the saturation line.
+    /// The gas below the end of the saturation line, which takes the place of a state whose heat capacity is refused.
     template <letter A, letter B>
-    solved checked_else_beyond(solved found, double first, double second) const {
-        found.status = checked(found);
-        if constexpr (solver<Model>::surface_type::saturates && A != letter::t && B != letter::t && B != letter::q) {
-            if (found.status == OSTREL_NO_STATE) {
-                constexpr letter Y = B == letter::d ? letter::v : B;
-                const double a = reduced<A>(first);
-                const double b = reduced<B>(second);
-                solved other;
-                if constexpr (A == letter::p && Y == letter::v)
-                    other = solver_.template beyond_line<letter::v, letter::p>(b, a);
-                else if constexpr (A == letter::p)
-                    other = solver_.template beyond_line<letter::p, Y>(a, b);
-                else if constexpr (A == letter::v || A == letter::d)
-                    other = solver_.template beyond_line<letter::v, Y>(a, b);
-                else if constexpr (A == letter::h)
-                    other = solver_.template beyond_line<letter::s, letter::h>(b, a);
-                else
-                    other = solver_.template beyond_line<letter::s, letter::u>(a, b);
-                if (other.status == OSTREL_OK && (other.status = checked(other)) == OSTREL_OK)
-                    return other;
-            }
-        }
+    [[gnu::noinline]] solved beyond_line(double first, double second) const {
+        constexpr letter Y = B == letter::d ? letter::v : B;
+        const double a = reduced<A>(first);
+        const double b = reduced<B>(second);
+        solved found;
+        if constexpr (A == letter::p && Y == letter::v)
+            found = solver_.template beyond_line<letter::v, letter::p>(b, a);
+        else if constexpr (A == letter::p)
+            found = solver_.template beyond_line<letter::p, Y>(a, b);
+        else if constexpr (A == letter::v || A == letter::d)
+            found = solver_.template beyond_line<letter::v, Y>(a, b);
+        else if constexpr (A == letter::h)
+            found = solver_.template beyond_line<letter::s, letter::h>(b, a);
+        else
+            found = solver_.template beyond_line<letter::s, letter::u>(a, b);
+        if (found.status == OSTREL_OK)
+            found.status = checked(found);
         return found;
     }
     /// Refuses states where the heat capacity has no value or is not positive.

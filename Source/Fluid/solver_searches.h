@@ -623,14 +623,17 @@ solved solver<Model>::from_s_X(double s, double x) const {
         }
         const bool gas_first = s > critical_.s;
         const double r_c = r_of(1.0 - offset_);
-        // Near P = 0 each step halves the distance of u.
-        constexpr int steps = X == letter::u ? 45 : 25;
-        for (const bool gas : {gas_first, !gas_first}) {
-            const point end = at_critical(gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, steps)
-                                              : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, steps));
-            if (fits(end))
-                return single_phase(end);
-        }
+        const auto by_newton = [&](int steps) {
+            for (const bool gas : {gas_first, !gas_first}) {
+                const point end = at_critical(gas ? newton<letter::s, X>(s, x, 1.2 * T_c, 0.3 * r_c, steps)
+                                                  : newton<letter::s, X>(s, x, 0.9 * T_c, 3.0 * r_c, steps));
+                if (fits(end))
+                    return single_phase(end);
+            }
+            return failure;
+        };
+        if (const solved found = by_newton(25); found.status == OSTREL_OK)
+            return found;
         if (dome && !tried) {
             const double low = surface_.T_line;
             double high = T_c * (1.0 - 1e-12);
@@ -648,6 +651,10 @@ solved solver<Model>::from_s_X(double s, double x) const {
                 if (found.status == OSTREL_OK)
                     return found;
             }
+        }
+        if constexpr (X == letter::u) { // near P = 0 each step only halves the distance of u
+            if (const solved found = by_newton(60); found.status == OSTREL_OK)
+                return found;
         }
     } else {
         const point end = newton<letter::s, X>(s, x, T_c, 1.0, 60);
