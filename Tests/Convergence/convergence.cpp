@@ -3,6 +3,7 @@
 //
 //   convergence FOLDER STATES PLAIN [MODEL [FLUID]]
 //
+// FLUID may be any one of FOLDER; without it the program takes those of convergence.h.
 // FOLDER has the parameter files, STATES is the number of states of each model and fluid. Every PLAIN-th of them is
 // asked of the entry points, too (0: none of them), whose searches start at one fixed state. They fail if they give an
 // error text, or if T or v is wrong by more than 1 % and by more than a change of the inputs by 2e-5 would do: their
@@ -85,9 +86,8 @@ int main(int count, char **arguments) {
             continue;
         convergence::tallies of_model;
         std::vector<std::string> told;
-        for (const std::string name : convergence::fluids) {
-            if (count > 5 && name != arguments[5])
-                continue;
+        const std::vector<std::string> all_fluids(std::begin(convergence::fluids), std::end(convergence::fluids));
+        for (const std::string &name : count > 5 ? std::vector<std::string>{arguments[5]} : all_fluids) {
             const convergence::fluid_states states(folder, name, model);
             const entry_points plain(folder, name, code, own_folder);
             states.judge_many(wanted, of_model, told, [&](long number, const convergence::known_state &known) {
