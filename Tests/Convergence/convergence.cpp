@@ -3,11 +3,11 @@
 //
 //   convergence FOLDER STATES PLAIN [MODEL [FLUID]]
 //
-// FLUID may be any one of FOLDER; without it the program takes those of convergence.h.
 // FOLDER has the parameter files, STATES is the number of states of each model and fluid. Every PLAIN-th of them is
 // asked of the entry points, too (0: none of them), whose searches start at one fixed state. They fail if they give an
 // error text, or if T or v is wrong by more than 1 % and by more than a change of the inputs by 2e-5 would do: their
 // surfaces differ from those of the handles by about 1e-6, and have no mixtures.
+// FLUID may be any one of FOLDER; without it the program takes those of convergence.h.
 #include "Tests/Convergence/convergence.h"
 #include "ostrel.h"
 
