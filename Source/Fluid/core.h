@@ -99,13 +99,15 @@ class core {
 public:
     virtual ~core() = default;
 
-    /// Makes the states of a fluid. `parameters` are as a file gives them, with the model that is wanted, and not yet
-    /// completed. Returns none if they cannot be completed or a reference state does not exist; `why` then has a
-    /// sentence.
+    /// Makes the states of a fluid. `parameters` are as a file gives them, with the model that is wanted, which must be
+    /// one that has translated volumes if they are wanted, and not yet completed. Returns none if they cannot be
+    /// completed or a reference state does not exist; `why` then has a sentence.
     static std::unique_ptr<const core> make(const equations::fluid_parameters &parameters, const settings &wanted,
                                             std::string &why);
 
     virtual const core_constants &constants() const = 0;
+
+    // With allowed_states::surface only t with v or d can be solved from, and there is no saturation.
 
     /// Solves `count` states. `pair` is a row of input_pairs and says what `first` and `second` are, unless `swapped`,
     /// which says that the caller gave the letters in the other order; first and second of the states are in the

@@ -250,9 +250,6 @@ private:
         const double b = reduced<B>(second);
         if (!(finite(a) && finite(b)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
-        constexpr bool of_surface = A == letter::t && (B == letter::v || B == letter::d);
-        if (!of_surface && wanted_.states == allowed_states::surface)
-            return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
         return kept<row>(is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number)
                                                           : find<A, B>(a, b, first),
                          inputs, first, second, given_first, given_second);
@@ -414,8 +411,6 @@ private:
             of_liquid.status = OSTREL_NOT_A_NUMBER;
         else if (!in_range(A, given) || !finite(a))
             of_liquid.status = OSTREL_OUT_OF_RANGE;
-        else if (wanted_.states == allowed_states::surface)
-            of_liquid.status = OSTREL_BAD_ARGUMENT;
         solved l;
         solved g;
         if (of_liquid.status == OSTREL_OK) {
@@ -724,10 +719,8 @@ private:
             return -p.P_T / (p.V * p.P_V * g.T_ref);
         case property::jt:
             return p.h_V / (p.T * p.P_T * p.P_T - p.cv * p.P_V) * (g.T_ref / g.P_ref);
-        case property::prandtl:
+        default: // prandtl
             return at_critical ? infinite : conducts.eta * cp * g.R / conducts.lambda;
-        default:
-            return the_nan;
         }
     }
 
