@@ -114,13 +114,13 @@ public:
     /// caller's order then. Returns OSTREL_OK or the first status of a state that is not.
     virtual int solve(std::size_t pair, bool swapped, std::size_t count, const double *first, const double *second,
                       ostrel_state *states) const = 0;
-    /// The outputs of solved states, values[state * outputs + output]; `status` may be null.
+    /// The outputs of solved states, values[state * outputs + output].
     virtual int outputs(std::span<const output> wanted, std::size_t count, const ostrel_state *states, double *values,
                         int *status) const = 0;
     /// Both, without keeping the states; the same bits.
     virtual int evaluate(std::size_t pair, bool swapped, std::span<const output> wanted, std::size_t count,
                          const double *first, const double *second, double *values, int *status) const = 0;
-    /// The saturated phases at temperatures or, with `at_pressure`, at pressures. liquid, vapor and status may be null.
+    /// The saturated phases at temperatures or, with `at_pressure`, at pressures. liquid and vapor may be null.
     virtual int saturation(bool at_pressure, std::span<const output> wanted, std::size_t count, const double *values_in,
                            double *liquid, double *vapor, int *status) const = 0;
 };

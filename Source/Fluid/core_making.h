@@ -86,7 +86,7 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
             liquid = made->states().from_T_q(zero.T / g.T_ref, 0.0);
         else
             liquid = made->states().from_P_q(zero.P / g.P_ref, 0.0);
-        if (liquid.status != OSTREL_OK || !g.vapor) {
+        if (liquid.status != OSTREL_OK) {
             why = std::string("this fluid does not have the state of reference=") + zero.name;
             return nullptr;
         }

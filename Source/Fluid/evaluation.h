@@ -146,8 +146,7 @@ private:
         return row;
     }
     static void note(int of_state, std::size_t i, int *status, int &result) {
-        if (status != nullptr)
-            status[i] = of_state;
+        status[i] = of_state;
         if (result == OSTREL_OK)
             result = of_state;
     }
@@ -280,7 +279,7 @@ private:
         }
         keep_input<A>(state, first);
         keep_input<B>(state, second);
-        if (!(finite(state.t) && finite(state.p) && finite(state.v)))
+        if (!(finite(state.p) && finite(state.v)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
         state.phase = phase_of(state, found.r);
         if (!(state.q >= 0))
@@ -300,7 +299,7 @@ private:
     }
 
     bool is_critical(letter A, letter B, double first, double second) const {
-        if (!solver<Model>::surface_type::saturates || !gas_.vapor || wanted_.states == allowed_states::surface)
+        if (!solver<Model>::surface_type::saturates || wanted_.states == allowed_states::surface)
             return false;
         return (A == letter::p && B == letter::t && first == gas_.Pc && second == gas_.Tc) ||
                (B == letter::q && solver_.line().exists() && first == (A == letter::t ? gas_.Tc : gas_.Pc));
@@ -558,7 +557,7 @@ private:
     double T_of_saturation(double p) const {
         double T = 0;
         phases line;
-        if (p == gas_.Pc && solver_.line().exists() && gas_.vapor)
+        if (p == gas_.Pc && solver_.line().exists())
             return gas_.Tc;
         return solver_.saturation_at_P(p * per_P_, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
     }

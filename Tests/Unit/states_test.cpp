@@ -55,6 +55,10 @@ std::string path_of(const char *file) {
     return std::string(OSTREL_TESTS "/Fluids/") + file + ".osd";
 }
 
+std::string shipped(const char *file) {
+    return std::string(OSTREL_TESTS "/../Fluids/") + file + ".osd";
+}
+
 constexpr const char *metastable_liquid = "states=metastable; phase=liquid";
 constexpr const char *metastable_vapor = "states=metastable; phase=vapor";
 
@@ -264,6 +268,8 @@ TEST(states, statuses_at_the_ends) {
         {{"toluene", nullptr}, "ts", 0.8, 1e9, OSTREL_NO_STATE},
         {{"toluene", nullptr}, "th", 4.0, -1e9, OSTREL_NO_STATE},
         {{"toluene", nullptr}, "pt", 1e-20, 0.2, OSTREL_OK},
+        // A volume that overflows when it is reduced.
+        {{"toluene", nullptr}, "dh", 1e-308, 0.0, OSTREL_OUT_OF_RANGE},
     };
     for (const expected_status &row : rows) {
         handle fluid;
@@ -376,6 +382,11 @@ TEST(states, zeros_of_the_conventions) {
             EXPECT_NEAR(ask(fluid, one.inputs, one.given, 0.0, "h").value, one.h, 1e-6);
             EXPECT_NEAR(ask(fluid, one.inputs, one.given, 0.0, "s").value, one.s, 1e-9);
         }
+    // Constants that are wrong in themselves are the file's fault.
+    handle whole;
+    std::string text = support::vapor_file();
+    text.replace(text.find("200.0   Tb"), 5, "300.0");
+    EXPECT_EQ(whole.open_text(text, "reference=nbp").status, OSTREL_BAD_FILE);
     for (const opened_kind &kind : {opened_kind{"n2-ig", "reference=nbp"}, opened_kind{"nitrogen", "reference=iir"},
                                     opened_kind{"water", "model=cii; reference=ashrae"}}) {
         handle fluid;
@@ -412,6 +423,20 @@ TEST(states, translated_volumes) {
                 const double h = ask(translated, "pt", p, t, "h").value;
                 EXPECT_NEAR(h, ask(plain, "pt", p, t, "h").value - p * constant, 1e-9 * std::abs(h) + 1e-6);
             }
+    }
+}
+
+// With a boiling point beside the critical one, alpha is so steep that the saturation pressure at 0.7 Tc underflows.
+TEST(states, translated_volumes_need_a_saturated_liquid) {
+    std::string text = support::vapor_file("4\n");
+    text.replace(text.find("200.0   Tb"), 5, "295.0");
+    handle fluid;
+    EXPECT_EQ(fluid.open_text(text).status, OSTREL_OK);
+    for (const char *const model : {"model=srk", "model=pr"}) {
+        EXPECT_EQ(fluid.open_text(text, model).status, OSTREL_OK);
+        const auto [status, message] = fluid.open_text(text, (std::string(model) + "; volume=translated").c_str());
+        EXPECT_NE(status, OSTREL_OK);
+        EXPECT_NE(message.find("needs the saturated liquid at 0.7 Tc"), std::string::npos) << message;
     }
 }
 
@@ -498,7 +523,98 @@ TEST(states, the_critical_point) {
             EXPECT_EQ(found.value, INFINITY) << output;
         }
         EXPECT_EQ(ask(fluid, "pt", p, t, "dp/dv|t").value, 0.0);
+        EXPECT_EQ(ask(fluid, "pt", p, t, "dv/dp|t").value, -INFINITY);
+        const one_value none = ask(fluid, "pt", p, t, "dt/dp|t");
+        EXPECT_EQ(none.status, OSTREL_OK);
+        EXPECT_EQ(bits(none.value), bits_of_nan);
     }
+}
+
+// A neighbour of the critical temperature or pressure may have the same reduced value, and then has the critical
+// volume.
+TEST(states, beside_the_critical_point) {
+    for (const char *const file : {"acetald", "acetylen", "acetanhy", "toluene"})
+        for (const char *const model : {"model=pr", "model=vdw", "model=srk", "model=rk"}) {
+            handle fluid;
+            ASSERT_EQ(fluid.open_file(shipped(file), model).status, OSTREL_OK);
+            const double t = fluid.constant("t_crit");
+            const double p = fluid.constant("p_crit");
+            const double v = fluid.constant("v_crit");
+            for (const double t_beside : {std::nextafter(t, 0.0), t, std::nextafter(t, INFINITY)})
+                for (const double p_beside : {std::nextafter(p, 0.0), p, std::nextafter(p, INFINITY)}) {
+                    const one_value found = ask(fluid, "pt", p_beside, t_beside, "v");
+                    EXPECT_EQ(found.status, OSTREL_OK);
+                    EXPECT_NEAR(found.value, v, 1e-4 * v) << file << " " << model;
+                }
+        }
+}
+
+// At the least volumes that a number can have above v_min, v - b is rounded, and may be negative.
+TEST(states, the_least_volumes) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(shipped("acn"), "model=pr").status, OSTREL_OK);
+    const double t = fluid.constant("t_crit");
+    const double v_min = fluid.constant("v_min");
+    EXPECT_EQ(status_of(fluid, "tv", 0.9 * t, std::nextafter(v_min, INFINITY)), OSTREL_NO_STATE);
+    EXPECT_EQ(status_of(fluid, "vh", std::nextafter(v_min, INFINITY), 0.0), OSTREL_NO_STATE);
+    for (const double above : {1e-13, 1e-10, 1e-5})
+        EXPECT_EQ(status_of(fluid, "tv", 0.9 * t, v_min * (1 + above)), OSTREL_OK);
+    // Where nothing but rounding distinguishes u from that of the densest liquid.
+    ASSERT_EQ(fluid.open_file(shipped("toluene"), "model=pr").status, OSTREL_OK);
+    const double v = fluid.constant("v_min") + 1e-8 * (1 - 1e-6) * fluid.constant("v_ref");
+    for (const double tr : {0.7, 0.9, 1.5, 4.0}) {
+        const double other_t = tr * fluid.constant("t_crit");
+        const one_value found = ask(fluid, "tu", other_t, ask(fluid, "tv", other_t, v, "u").value, "v");
+        EXPECT_EQ(found.status, OSTREL_OK);
+        EXPECT_NEAR(found.value, v, 1e-12 * v);
+    }
+}
+
+// Below the saturation line's underflow there are liquids, whose volume and pressure give each other.
+TEST(states, liquids_below_the_line) {
+    for (const char *const model : {"model=srk", "model=pr", "model=vdw"}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(path_of("toluene"), model).status, OSTREL_OK);
+        const double t = 0.6 * fluid.constant("t_sat_min");
+        for (const double p : {1e3, 1e6, 1e8}) {
+            const one_value v = ask(fluid, "pt", p, t, "v");
+            EXPECT_EQ(v.status, OSTREL_OK) << model;
+            const one_value back = ask(fluid, "tv", t, v.value, "p");
+            EXPECT_EQ(back.status, OSTREL_OK) << model;
+            EXPECT_NEAR(back.value, p, 1e-6 * p + 1.0) << model;
+        }
+    }
+}
+
+// Martin and Hou's helium has no saturation line, and isotherms whose densest state has a finite pressure.
+TEST(states, without_a_line_and_with_a_top) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(shipped("helium"), "model=mh").status, OSTREL_OK);
+    const double t = fluid.constant("t_crit");
+    const double p = fluid.constant("p_crit");
+    EXPECT_EQ(status_of(fluid, "pq", 0.5 * p, 0.5), OSTREL_NO_SATURATION);
+    EXPECT_EQ(status_of(fluid, "tq", 0.9 * t, 0.5), OSTREL_NO_SATURATION);
+    EXPECT_EQ(bits(ask(fluid, "pt", p, 5 * t, "tsat").value), bits_of_nan);
+    EXPECT_EQ(bits(ask(fluid, "pt", p, 5 * t, "psat").value), bits_of_nan);
+    for (const char *const file : {"acn", "ozone", "apinene", "helium"}) {
+        ASSERT_EQ(fluid.open_file(shipped(file), "model=mh").status, OSTREL_OK);
+        const double above = 1.001 * fluid.constant("t_crit");
+        EXPECT_EQ(status_of(fluid, "pt", 0.5 * fluid.constant("p_crit"), above), OSTREL_OK) << file;
+        for (const double pr : {2.0, 1e2, 1e8})
+            EXPECT_EQ(status_of(fluid, "pt", pr * fluid.constant("p_crit"), above), OSTREL_NO_STATE) << file;
+    }
+}
+
+// Of a fluid whose critical temperature is below 1 K, a temperature can be too large for its unit.
+TEST(states, temperatures_that_overflow) {
+    std::string text = support::vapor_file("4\n");
+    text.replace(text.find("300.0   Tc"), 5, "0.5").replace(text.find("200.0   Tb"), 5, "0.4");
+    handle fluid;
+    ASSERT_EQ(fluid.open_text(text).status, OSTREL_OK) << ostrel_last_message();
+    const double t = 1.7e308;
+    int status = -1;
+    EXPECT_EQ(status_of(fluid, "tq", t, 0.5), OSTREL_OUT_OF_RANGE);
+    EXPECT_EQ(ostrel_fluid_saturation(fluid, "t", "t", 1, &t, nullptr, nullptr, &status), OSTREL_OUT_OF_RANGE);
 }
 
 // A fluid without critical data is an ideal gas at most.
@@ -537,6 +653,12 @@ TEST(states, heat_capacity_in_intervals) {
             const double h = ask(fluid, "tv", t, dilute, "h").value;
             EXPECT_NEAR(ask(fluid, "vh", dilute, h, "t").value, t, 1e-9 * t);
         }
+        // The surface ends there, too.
+        ASSERT_EQ(fluid.open_text(support::vapor_section + model + heat + support::constant_transport, "states=surface")
+                      .status,
+                  OSTREL_OK);
+        EXPECT_EQ(status_of(fluid, "tv", 150.0, dilute), OSTREL_OUT_OF_RANGE);
+        EXPECT_EQ(status_of(fluid, "tv", 151.0, dilute), OSTREL_OK);
     }
 }
 
@@ -588,9 +710,7 @@ TEST(states, constants_that_are_no_constants) {
 TEST(states, loops_above_the_critical_temperature) {
     for (const char *const file : {"helium", "acn", "ozone", "apinene"}) {
         handle fluid;
-        ASSERT_EQ(fluid.open_file(std::string(OSTREL_TESTS "/../Fluids/") + file + ".osd", "model=mh").status,
-                  OSTREL_OK)
-            << ostrel_last_message();
+        ASSERT_EQ(fluid.open_file(shipped(file), "model=mh").status, OSTREL_OK) << ostrel_last_message();
         const double t_c = fluid.constant("t_crit");
         const double v_c = fluid.constant("v_crit");
         for (const double t : {0.9, 0.97, 0.999, 1.001, 1.02, 1.2, 2.0})
@@ -654,6 +774,8 @@ TEST(states, small_and_negative_heat_capacities) {
         ASSERT_EQ(fluid.open_text(text(model, "-2.0")).status, OSTREL_OK);
         EXPECT_EQ(status_of(fluid, "tv", 350.0, 1.0), OSTREL_NO_STATE);
         EXPECT_EQ(status_of(fluid, "td", 350.0, 1.0, "p"), OSTREL_NO_STATE);
+        EXPECT_EQ(status_of(fluid, "tq", 200.0, 0.5), model[0] == '1' ? OSTREL_NO_SATURATION : OSTREL_NO_STATE);
+        ASSERT_EQ(fluid.open_text(text(model, "-50.0")).status, OSTREL_OK); // the liquid's is negative, too
         EXPECT_EQ(status_of(fluid, "tq", 200.0, 0.5), model[0] == '1' ? OSTREL_NO_SATURATION : OSTREL_NO_STATE);
         ASSERT_EQ(fluid.open_text(text(model, "-2.0"), "states=surface").status, OSTREL_OK);
         EXPECT_EQ(status_of(fluid, "tv", 350.0, 1.0), OSTREL_OK);

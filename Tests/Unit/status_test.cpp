@@ -138,6 +138,8 @@ TEST(message, is_valid_UTF_8_and_fits) {
         return message.substr(begin, message.find('"', begin) - begin);
     };
     EXPECT_EQ(shown("Käse α 氷 🧪"), "Käse α 氷 🧪");
+    EXPECT_EQ(shown("\xE0\xA0\x80|\xED\x9F\xBF|\xF4\x8F\xBF\xBF"), "\xE0\xA0\x80|\xED\x9F\xBF|\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(shown("\xE2\x82|\xF0\x9F\xA7|\xC3|"), "??|???|?|");
     EXPECT_EQ(shown("a\nb\x7F\x1B"), "a?b??");
     EXPECT_EQ(shown("\xE9t\xE9"), "?t?");
     EXPECT_EQ(shown("\xC0\x80|\xE0\x80\x80|\xED\xA0\x80|\xF0\x80\x80\x80|\xF4\x90\x80\x80|\xF8|\xC3"),
