@@ -311,8 +311,7 @@ private:
 
     /// Refuses states where the heat capacity has no value or is not positive.
     int checked(const solved &found) const {
-        if (heat_.function_type == ideal_gas_heat::piecewise && !heat_.T_k.empty() &&
-            found.T * gas_.T_ref <= heat_.T_k.front())
+        if (heat_.function_type == ideal_gas_heat::piecewise && found.T * gas_.T_ref <= heat_.T_k.front())
             return OSTREL_OUT_OF_RANGE;
         if (wanted_.states == allowed_states::surface)
             return OSTREL_OK;

@@ -555,10 +555,20 @@ TEST(states, the_least_volumes) {
     ASSERT_EQ(fluid.open_file(shipped("acn"), "model=pr").status, OSTREL_OK);
     const double t = fluid.constant("t_crit");
     const double v_min = fluid.constant("v_min");
-    EXPECT_EQ(status_of(fluid, "tv", 0.9 * t, std::nextafter(v_min, INFINITY)), OSTREL_NO_STATE);
-    EXPECT_EQ(status_of(fluid, "vh", std::nextafter(v_min, INFINITY), 0.0), OSTREL_NO_STATE);
     for (const double above : {1e-13, 1e-10, 1e-5})
         EXPECT_EQ(status_of(fluid, "tv", 0.9 * t, v_min * (1 + above)), OSTREL_OK);
+    for (const char *const file : {"acetacid", "acetanhy", "acn", "acrolein", "anisole", "water", "argon", "methane"})
+        for (const char *const model : {"model=vdw", "model=rk", "model=srk", "model=pr"}) {
+            ASSERT_EQ(fluid.open_file(shipped(file), model).status, OSTREL_OK);
+            const double t_c = fluid.constant("t_crit");
+            double v = fluid.constant("v_min");
+            EXPECT_EQ(status_of(fluid, "tv", 0.9 * t_c, v), OSTREL_OUT_OF_RANGE);
+            for (int k = 0; k < 3; ++k) {
+                v = std::nextafter(v, INFINITY);
+                const one_value p = ask(fluid, "tv", 0.9 * t_c, v, "p");
+                EXPECT_TRUE(p.status == OSTREL_NO_STATE || (p.status == OSTREL_OK && p.value > 0)) << file << model;
+            }
+        }
     // Where nothing but rounding distinguishes u from that of the densest liquid.
     ASSERT_EQ(fluid.open_file(shipped("toluene"), "model=pr").status, OSTREL_OK);
     const double v = fluid.constant("v_min") + 1e-8 * (1 - 1e-6) * fluid.constant("v_ref");
@@ -757,6 +767,26 @@ TEST(states, the_line_and_its_inverse) {
             EXPECT_EQ(bits(ask(fluid, "pt", p, t, "psat").value), bits(p));
         }
         EXPECT_NE(status_of(fluid, "tq", lowest * (1 - 1e-6), 0.0), OSTREL_OK);
+    }
+}
+
+// The volumes at a saturation pressure are those at its temperature, up to the critical point, where dv/dT has no
+// bound.
+TEST(states, saturated_volumes_go_with_their_temperature) {
+    for (const opened_kind &kind : {opened_kind{"toluene", nullptr}, opened_kind{"toluene", "model=pr"},
+                                    opened_kind{"toluene", "model=vdw"}, opened_kind{"water", "model=cii"}}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(path_of(kind.file), kind.options).status, OSTREL_OK);
+        for (int k = 0; k < 1500; ++k) {
+            const double distance = std::pow(10.0, -1.0 - 0.004 * k);
+            const double p = ask(fluid, "tq", (1 - distance) * fluid.constant("t_crit"), 0.0, "p").value * (1 - 1e-9);
+            const double t = ask(fluid, "pq", p, 0.0, "t").value;
+            for (const double q : {0.0, 1.0}) {
+                const double v = ask(fluid, "tq", t, q, "v").value;
+                EXPECT_NEAR(ask(fluid, "pq", p, q, "v").value, v, 1e-15 * (1 + 1 / std::sqrt(distance)) * v)
+                    << described(kind) << " " << 1 - distance << " Tc, q = " << q;
+            }
+        }
     }
 }
 

@@ -176,4 +176,32 @@ TEST(message, that_is_too_long_is_cut_between_characters) {
         << message;
 }
 
+// Wherever the room ends, be it between two parts, the message is whole or ends with dots.
+TEST(message, of_any_length_fits) {
+    const support::temporary_folder folder;
+    const std::string many(250, 'x');
+    std::string index = "file,name,formula\n";
+    for (const char *const file : {"tracera", "tracerb", "tracerc"}) {
+        index += std::string(file) + ',' + many + ",X\n";
+        folder.write(std::string(file) + ".osd", "");
+    }
+    folder.write("index.csv", index);
+    std::string long_path = folder.path();
+    while (long_path.size() < 160)
+        long_path += "/.";
+    std::size_t whole = 0, cut = 0, longest = 0;
+    for (std::size_t length = 1; length <= 200; ++length) {
+        support::handle fluid;
+        const auto [status, message] =
+            fluid.open(("tracer" + std::string(length, '-')).c_str(), ("folder=" + long_path).c_str());
+        EXPECT_EQ(status, OSTREL_CANNOT_OPEN);
+        longest = std::max(longest, message.size());
+        ++(message.ends_with("?") ? whole : cut);
+        EXPECT_TRUE(message.ends_with("?") || message.ends_with("...")) << message;
+    }
+    EXPECT_GT(whole, 0U);
+    EXPECT_GT(cut, 0U);
+    EXPECT_EQ(longest, 1023U);
+}
+
 } // namespace
