@@ -919,6 +919,26 @@ TEST(states, ends_of_the_branches) {
             }
         }
     handle fluid;
+    // Of Martin and Hou's liquid the last pressures.
+    ASSERT_EQ(fluid.open_file(path_of("tolu-mh"), metastable_liquid).status, OSTREL_OK);
+    for (const double tr : {0.96, 0.97, 0.98, 0.99, 0.993, 0.997, 0.999, 0.9999}) {
+        const double t = tr * fluid.constant("t_crit");
+        double inside = fluid.constant("p_crit");
+        double outside = inside * 1e-3;
+        ASSERT_EQ(status_of(fluid, "pt", inside, t), OSTREL_OK);
+        ASSERT_EQ(status_of(fluid, "pt", outside, t), OSTREL_NO_STATE);
+        for (double middle = 0.5 * (inside + outside); middle != inside && middle != outside;
+             middle = 0.5 * (inside + outside))
+            (status_of(fluid, "pt", middle, t) == OSTREL_OK ? inside : outside) = middle;
+        double denser = INFINITY;
+        for (int k = 0; k < 8; ++k) {
+            const double v = ask(fluid, "pt", inside, t, "v").value;
+            EXPECT_LE(v, denser * (1 + 1e-7)) << tr;
+            EXPECT_NEAR(ask(fluid, "pt", inside, t, "dp_dv").value * v / fluid.constant("p_crit"), 0.0, 1e-6) << tr;
+            denser = v;
+            inside = std::nextafter(inside, INFINITY);
+        }
+    }
     ASSERT_EQ(fluid.open_file(path_of("toluene")).status, OSTREL_OK);
     double p = fluid.constant("p_crit");
     for (int k = 0; k < 4; ++k) {
