@@ -739,6 +739,26 @@ TEST(states, loops_above_the_critical_temperature) {
     }
 }
 
+// Far above the critical temperature alpha of a heavy fluid grows again. Isotherms have a loop there, and only the gas
+// before it counts.
+TEST(states, loops_where_alpha_has_come_back) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(shipped("mlinolen"), "model=srk").status, OSTREL_OK);
+    const double p_c = fluid.constant("p_crit");
+    for (const double tr : {8.6, 9.0, 10.0, 20.0}) {
+        const double t = tr * fluid.constant("t_crit");
+        for (const double pr : {1e-3, 0.1, 1.0}) {
+            const one_value v = ask(fluid, "pt", pr * p_c, t, "v");
+            EXPECT_EQ(v.status, OSTREL_OK) << tr << " " << pr;
+            EXPECT_LT(ask(fluid, "tv", t, v.value, "dp_dv").value, 0) << tr << " " << pr;
+            EXPECT_NEAR(ask(fluid, "tv", t, v.value, "p").value, pr * p_c, 1e-9 * pr * p_c) << tr << " " << pr;
+        }
+        for (const double pr : {1e2, 1e6}) // above the loop
+            EXPECT_EQ(status_of(fluid, "pt", pr * p_c, t), OSTREL_NO_STATE) << tr << " " << pr;
+        EXPECT_EQ(status_of(fluid, "tv", t, 0.4 * fluid.constant("v_crit")), OSTREL_NO_STATE) << tr;
+    }
+}
+
 // The whole saturation line, from where it begins to the critical point, and back from the pressures.
 TEST(states, the_line_and_its_inverse) {
     for (const opened_kind &kind :
