@@ -305,8 +305,7 @@ private:
                (B == letter::q && solver_.line().exists() && first == (A == letter::t ? gas_.Tc : gas_.Pc));
     }
     solved critical(double q) const {
-        return {OSTREL_OK, critical_temperature(), 1.0, 1.0 - solver_.offset(), solver_.r_of(1.0 - solver_.offset()),
-                q};
+        return {OSTREL_OK, critical_temperature(), 1.0, 1.0 - solver_.offset(), r_c_, q};
     }
 
     /// Refuses states where the heat capacity has no value or is not positive.
