@@ -912,6 +912,27 @@ TEST(states, pressures_that_two_temperatures_have) {
     EXPECT_GT(p_before, 0);
 }
 
+// The acentric factor of a fluid that boils at a very low temperature is so small that alpha grows with the
+// temperature.
+TEST(states, where_alpha_grows) {
+    std::string text = support::vapor_file("4\n");
+    text.replace(text.find("200.0   Tb"), 5, "2.0");
+    for (const char *const model : {"model=srk", "model=pr"}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_text(text, model).status, OSTREL_OK) << ostrel_last_message();
+        for (const double vr : {0.3, 0.35, 0.5, 1.0, 3.0})
+            for (const double tr : {1.1, 2.0, 5.0, 20.0}) {
+                const double v = vr * fluid.constant("v_crit");
+                const one_value p = ask(fluid, "tv", tr * fluid.constant("t_crit"), v, "p");
+                if (p.status != OSTREL_OK || p.value <= 0)
+                    continue;
+                const one_value back = ask(fluid, "pv", p.value, v, "t");
+                EXPECT_EQ(back.status, OSTREL_OK) << model << " " << vr << " " << tr;
+                EXPECT_NEAR(ask(fluid, "tv", back.value, v, "p").value, p.value, 1e-9 * p.value);
+            }
+    }
+}
+
 // The last states before the spinodals are found by every pair, and so are pressures beside the critical one.
 TEST(states, ends_of_the_branches) {
     for (const char *const file : {"toluene", "co2-pr", "tolu-cii"})
