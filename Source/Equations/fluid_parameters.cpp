@@ -38,16 +38,8 @@ void write(records::record_writer &out, fluid_parameters &fluid) {
 void complete(fluid_parameters &fluid, records::error_text &message) {
     std::visit(
         [&](auto &model) {
-            const auto found = complete(model, fluid.constants, fluid.heat, message);
-            if (!found)
-                return;
-            fluid.lowest = *found;
-            const auto cp = [&](double t, double vr) {
-                return equation_of(model, fluid.constants, fluid.heat).properties(t, vr, [](const auto &state) {
-                    return state.cp();
-                });
-            };
-            transport::complete(fluid.transport, fluid.heat, fluid.constants, cp, message);
+            if (const auto found = complete(model, fluid, message))
+                fluid.lowest = *found;
         },
         fluid.model);
 }

@@ -47,6 +47,21 @@ void write_sections(records::record_writer &out, gas_constants &fluid, std::int3
 OSTREL_VISIBLE void read(records::record_reader &in, fluid_parameters &fluid);
 /// Writes a whole parameter file.
 OSTREL_VISIBLE void write(records::record_writer &out, fluid_parameters &fluid);
+/// Completes a model, the heat capacity, the reference state and transport; the model need not be that of the fluid.
+/// Returns the bounds; a message says what could not be completed.
+template <class Model>
+std::optional<bounds> complete(Model &model, fluid_parameters &fluid, records::error_text &message) {
+    const std::optional<bounds> lowest = complete(model, fluid.constants, fluid.heat, message);
+    if (lowest) {
+        const auto cp = [&](double t, double vr) {
+            return equation_of(model, fluid.constants, fluid.heat).properties(t, vr, [](const auto &state) {
+                return state.cp();
+            });
+        };
+        transport::complete(fluid.transport, fluid.heat, fluid.constants, cp, message);
+    }
+    return lowest;
+}
 /// Completes the parameters; call it once after each reading. Reports why a fluid cannot be completed.
 OSTREL_VISIBLE void complete(fluid_parameters &fluid, records::error_text &message);
 

@@ -16,16 +16,14 @@ equations::exact_model<Model> exact(const Model &read) {
 
 std::unique_ptr<const core> core::make(const equations::fluid_parameters &parameters, const settings &wanted,
                                        std::string &why) {
-    return std::visit(
-        [&]<class Model>(const Model &read) -> std::unique_ptr<const core> {
-            if constexpr (equations::is_model<Model>) {
-                return make_core(parameters, exact(read), wanted, why);
-            } else {
-                why = "the file has no known model";
-                return nullptr;
-            }
+    std::unique_ptr<const core> made;
+    std::visit(
+        [&]<class Model>(const Model &read) {
+            if constexpr (equations::is_model<Model>)
+                made = make_core(parameters, exact(read), wanted, why);
         },
         parameters.model);
+    return made;
 }
 
 } // namespace fluid

@@ -99,26 +99,28 @@ class core {
 public:
     virtual ~core() = default;
 
-    /// Makes the states of a fluid. `parameters` are as a file gives them, with the model that is wanted, and not yet
-    /// completed. Returns none if they cannot be completed or a reference state does not exist; `why` then has a
-    /// sentence.
+    /// Makes the states of a fluid. `parameters` are as a file gives them, with the model that is wanted, which must be
+    /// one that has translated volumes if they are wanted, and not yet completed. Returns none if they cannot be
+    /// completed or a reference state does not exist; `why` then has a sentence.
     static std::unique_ptr<const core> make(const equations::fluid_parameters &parameters, const settings &wanted,
                                             std::string &why);
 
     virtual const core_constants &constants() const = 0;
+
+    // With allowed_states::surface only t with v or d can be solved from, and there is no saturation.
 
     /// Solves `count` states. `pair` is a row of input_pairs and says what `first` and `second` are, unless `swapped`,
     /// which says that the caller gave the letters in the other order; first and second of the states are in the
     /// caller's order then. Returns OSTREL_OK or the first status of a state that is not.
     virtual int solve(std::size_t pair, bool swapped, std::size_t count, const double *first, const double *second,
                       ostrel_state *states) const = 0;
-    /// The outputs of solved states, values[state * outputs + output]; `status` may be null.
+    /// The outputs of solved states, values[state * outputs + output].
     virtual int outputs(std::span<const output> wanted, std::size_t count, const ostrel_state *states, double *values,
                         int *status) const = 0;
     /// Both, without keeping the states; the same bits.
     virtual int evaluate(std::size_t pair, bool swapped, std::span<const output> wanted, std::size_t count,
                          const double *first, const double *second, double *values, int *status) const = 0;
-    /// The saturated phases at temperatures or, with `at_pressure`, at pressures. liquid, vapor and status may be null.
+    /// The saturated phases at temperatures or, with `at_pressure`, at pressures. liquid and vapor may be null.
     virtual int saturation(bool at_pressure, std::span<const output> wanted, std::size_t count, const double *values_in,
                            double *liquid, double *vapor, int *status) const = 0;
 };

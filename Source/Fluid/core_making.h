@@ -60,23 +60,15 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
         return nullptr;
     const double Zc = fluid.constants.Zc;
     records::error_text message;
-    const auto lowest = equations::complete(model, fluid.constants, fluid.heat, message);
-    if (lowest) {
-        const auto cp = [&](double t, double vr) {
-            return equations::equation_of(model, fluid.constants, fluid.heat).properties(t, vr, [](const auto &state) {
-                return state.cp();
-            });
-        };
-        transport::complete(fluid.transport, fluid.heat, fluid.constants, cp, message);
-    }
+    equations::complete(model, fluid, message);
     if (!message.clear()) {
         why = message.trimmed();
         return nullptr;
     }
     ideal_gas_heat::count_equal_terms(fluid.heat);
     auto made = std::make_unique<core_of<Model>>(fluid, model, Zc, wanted);
-    if (wanted.translated_volume) {
-        if constexpr (cubic_of_two) {
+    if constexpr (cubic_of_two) {
+        if (wanted.translated_volume) {
             const solved liquid = made->states().from_T_q(0.7 * made->states().T_c(), 0.0);
             const double unit = made->gas_constants().Zc; // v_ref in R Tc/Pc
             if (liquid.status != OSTREL_OK) {
@@ -84,9 +76,6 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
                 return nullptr;
             }
             made->translate(liquid.V - rackett_volume(Zc) / unit);
-        } else {
-            why = "volume=translated is for the models rk, srk and pr";
-            return nullptr;
         }
     }
     if (wanted.reference != zero_point::critical) {
@@ -97,7 +86,7 @@ std::unique_ptr<const core> make_core(equations::fluid_parameters fluid, Model m
             liquid = made->states().from_T_q(zero.T / g.T_ref, 0.0);
         else
             liquid = made->states().from_P_q(zero.P / g.P_ref, 0.0);
-        if (liquid.status != OSTREL_OK || !g.vapor) {
+        if (liquid.status != OSTREL_OK) {
             why = std::string("this fluid does not have the state of reference=") + zero.name;
             return nullptr;
         }

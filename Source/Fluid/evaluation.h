@@ -146,8 +146,7 @@ private:
         return row;
     }
     static void note(int of_state, std::size_t i, int *status, int &result) {
-        if (status != nullptr)
-            status[i] = of_state;
+        status[i] = of_state;
         if (result == OSTREL_OK)
             result = of_state;
     }
@@ -250,9 +249,6 @@ private:
         const double b = reduced<B>(second);
         if (!(finite(a) && finite(b)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
-        constexpr bool of_surface = A == letter::t && (B == letter::v || B == letter::d);
-        if (!of_surface && wanted_.states == allowed_states::surface)
-            return failed(OSTREL_BAD_ARGUMENT, inputs, given_first, given_second);
         return kept<row>(is_critical(A, B, first, second) ? critical(B == letter::q ? b : not_a_number)
                                                           : find<A, B>(a, b, first),
                          inputs, first, second, given_first, given_second);
@@ -289,7 +285,7 @@ private:
         }
         keep_input<A>(state, first);
         keep_input<B>(state, second);
-        if (!(finite(state.t) && finite(state.p) && finite(state.v)))
+        if (!(finite(state.p) && finite(state.v)))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
         state.phase = phase_of(state, found.r);
         if (!(state.q >= 0))
@@ -309,14 +305,13 @@ private:
     }
 
     bool is_critical(letter A, letter B, double first, double second) const {
-        if (!solver<Model>::surface_type::saturates || !gas_.vapor || wanted_.states == allowed_states::surface)
+        if (!solver<Model>::surface_type::saturates || wanted_.states == allowed_states::surface)
             return false;
         return (A == letter::p && B == letter::t && first == gas_.Pc && second == gas_.Tc) ||
                (B == letter::q && solver_.line().exists() && first == (A == letter::t ? gas_.Tc : gas_.Pc));
     }
     solved critical(double q) const {
-        return {OSTREL_OK, critical_temperature(), 1.0, 1.0 - solver_.offset(), solver_.r_of(1.0 - solver_.offset()),
-                q};
+        return {OSTREL_OK, critical_temperature(), 1.0, 1.0 - solver_.offset(), r_c_, q};
     }
 
     /// The gas below the end of the saturation line, which takes the place of a state whose heat capacity is refused.
@@ -342,8 +337,7 @@ private:
     }
     /// Refuses states where the heat capacity has no value or is not positive.
     int checked(const solved &found) const {
-        if (heat_.function_type == ideal_gas_heat::piecewise && !heat_.T_k.empty() &&
-            found.T * gas_.T_ref <= heat_.T_k.front())
+        if (heat_.function_type == ideal_gas_heat::piecewise && found.T * gas_.T_ref <= heat_.T_k.front())
             return OSTREL_OUT_OF_RANGE;
         if (wanted_.states == allowed_states::surface)
             return OSTREL_OK;
@@ -441,8 +435,6 @@ private:
             of_liquid.status = OSTREL_NOT_A_NUMBER;
         else if (!in_range(A, given) || !finite(a))
             of_liquid.status = OSTREL_OUT_OF_RANGE;
-        else if (wanted_.states == allowed_states::surface)
-            of_liquid.status = OSTREL_BAD_ARGUMENT;
         solved l;
         solved g;
         if (of_liquid.status == OSTREL_OK) {
@@ -590,7 +582,7 @@ private:
     double T_of_saturation(double p) const {
         double T = 0;
         phases line;
-        if (p == gas_.Pc && solver_.line().exists() && gas_.vapor)
+        if (p == gas_.Pc && solver_.line().exists())
             return gas_.Tc;
         return solver_.saturation_at_P(p * per_P_, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
     }
@@ -751,10 +743,8 @@ private:
             return -p.P_T / (p.V * p.P_V * g.T_ref);
         case property::jt:
             return p.h_V / (p.T * p.P_T * p.P_T - p.cv * p.P_V) * (g.T_ref / g.P_ref);
-        case property::prandtl:
+        default: // prandtl
             return at_critical ? infinite : conducts.eta * cp * g.R / conducts.lambda;
-        default:
-            return the_nan;
         }
     }
 

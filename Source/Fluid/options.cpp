@@ -97,8 +97,6 @@ std::string canonical(const options &from, std::int32_t gas_type) {
     for (std::size_t i = 0; i < option_count; ++i) {
         std::size_t word = from.chosen[i].value_or(0);
         if (i == model_option) {
-            if (equations::find_model(gas_type) == nullptr)
-                continue;
             word = static_cast<std::size_t>(gas_type - 1);
         } else if (i == folder_option || (i == phase_option && !from.chosen[i])) {
             continue;

@@ -5,10 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <exception>
 #include <mutex>
-#include <new>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -30,19 +27,15 @@ public:
     void work() noexcept {
         const floating_point::standard_environment environment;
         failure first;
-        try {
-            for (std::size_t begin = next_.fetch_add(chunk_); begin < count_; begin = next_.fetch_add(chunk_)) {
-                const failure found = states_.compute(begin, std::min(begin + chunk_, count_));
-                if (first.status == OSTREL_OK)
-                    first = found;
-            }
-        } catch (...) {
-            first = {OSTREL_OUT_OF_MEMORY, 0};
+        for (std::size_t begin = next_.fetch_add(chunk_); begin < count_; begin = next_.fetch_add(chunk_)) {
+            const failure found = states_.compute(begin, std::min(begin + chunk_, count_));
+            if (first.status == OSTREL_OK)
+                first = found;
         }
         if (first.status == OSTREL_OK)
             return;
         const std::lock_guard lock(mutex_);
-        if (found_.status == OSTREL_OK || first.state < found_.state || first.status == OSTREL_OUT_OF_MEMORY)
+        if (found_.status == OSTREL_OK || first.state < found_.state)
             found_ = first;
     }
     failure found() const { return found_; }
@@ -72,8 +65,7 @@ public:
             threads_.reserve(count);
             while (threads_.size() < count)
                 threads_.emplace_back(function);
-        } catch (const std::system_error &) {
-        } catch (const std::bad_alloc &) {
+        } catch (...) { // no more threads, or no memory for them
         }
     }
 
@@ -95,8 +87,6 @@ failure run_by_workers(std::size_t count, unsigned workers, const range_of_state
         others.start(threads - 1, [&shared] { shared.work(); });
         shared.work();
     }
-    if (shared.found().status == OSTREL_OUT_OF_MEMORY)
-        throw std::bad_alloc();
     return shared.found();
 }
 

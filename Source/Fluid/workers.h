@@ -19,10 +19,11 @@ struct failure {
     std::size_t state = 0;
 };
 
-/// Computes the states from `begin` to `end`; any number of threads call it at the same time.
+/// Computes the states from `begin` to `end`, for which nothing allocates memory; any number of threads call it at the
+/// same time.
 class range_of_states {
 public:
-    virtual failure compute(std::size_t begin, std::size_t end) const = 0;
+    virtual failure compute(std::size_t begin, std::size_t end) const noexcept = 0;
 
 protected:
     ~range_of_states() = default;
@@ -35,7 +36,7 @@ template <class Compute>
 failure run_by_workers(std::size_t count, unsigned workers, Compute compute) {
     struct computed final : range_of_states {
         explicit computed(const Compute &how) : compute_(how) {}
-        failure compute(std::size_t begin, std::size_t end) const override { return compute_(begin, end); }
+        failure compute(std::size_t begin, std::size_t end) const noexcept override { return compute_(begin, end); }
         const Compute &compute_;
     };
     return run_by_workers(count, workers, static_cast<const range_of_states &>(computed(compute)));

@@ -3,6 +3,7 @@
 // phases, the options reference and volume, and transport of every shipped fluid.
 #include "Tests/Support/frame.h"
 #include "Tests/Support/handles.h"
+#include "Tests/Support/published_transport.h"
 
 #include <algorithm>
 #include <cmath>
@@ -290,21 +291,8 @@ TEST_F(handle_states, references) {
     }
 }
 
-// The same states by scripts/published_transport.py, which shares nothing with the library.
 TEST_F(handle_states, transport_has_the_numbers_of_an_independent_evaluation) {
-    const struct {
-        const char *name;
-        double T_r;
-        double density;      // in units of the fluid's own critical density
-        double viscosity;    // Pa s
-        double conductivity; // W/(m K)
-    } states[] = {{"toluene", 0.7, 0.001, 9.368402373e-06, 1.920877161e-02},
-                  {"toluene", 1.2, 1.5, 5.259013329e-05, 8.424963821e-02},
-                  {"ethanol", 0.7, 0.001, 1.029291738e-05, 1.761908465e-02},
-                  {"ethanol", 1.2, 1.5, 4.472349380e-05, 1.482531019e-01},
-                  {"r134a", 0.7, 0.001, 1.110835232e-05, 1.074022191e-02},
-                  {"r134a", 1.2, 1.5, 5.197160026e-05, 1.093213948e-01}};
-    for (const auto &state : states)
+    for (const support::transport_state &state : support::published_transport)
         for (const char *const options :
              {"model=srk", "model=vdw", "model=pr; volume=translated", "model=srk; reference=iir"}) {
             SCOPED_TRACE(state.name + std::string(" ") + options);

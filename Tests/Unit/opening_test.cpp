@@ -82,6 +82,15 @@ TEST_F(opening, an_unknown_name_names_the_nearest_three) {
     }
 }
 
+// Three names that are spelt alike leave no room for others.
+TEST_F(opening, names_that_are_spelt_alike_come_first) {
+    for (const char *const file : {"tracera", "tracerb", "tracerc"})
+        place.add(file, support::vapor_file());
+    const auto [status, message] = fluid.open("tracer");
+    EXPECT_EQ(status, OSTREL_CANNOT_OPEN);
+    EXPECT_THAT(message, AllOf(HasSubstr("did you mean tracera"), HasSubstr(", tracerb"), HasSubstr(" or tracerc")));
+}
+
 TEST_F(opening, names_do_not_leave_the_folder) {
     const temporary_folder other;
     const std::string path = other.write("secret.osd", support::vapor_file());
@@ -186,6 +195,9 @@ TEST_F(opening, broken_parameters_have_the_message_of_the_reader) {
     EXPECT_EQ(fluid.open_text("names\nx\ny\nconstants\nbad\n").message,
               "Ostrel error: text, record 5: expected MM (a real), found \"bad\".");
     EXPECT_EQ(fluid.open_text("").status, OSTREL_BAD_FILE);
+    place.add("empty", "");
+    EXPECT_EQ(fluid.open_file(in_folder("empty")).message,
+              "Ostrel error: file empty.osd, record 1: expected a heading, found the end of the file.");
     EXPECT_EQ(fluid.open_text("\n").status, OSTREL_BAD_FILE);
 }
 

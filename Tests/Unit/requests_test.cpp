@@ -176,6 +176,18 @@ TEST_F(requests, failed_states_are_NaN_and_the_others_are_not) {
     EXPECT_EQ(one, OSTREL_OUT_OF_RANGE);
 }
 
+TEST_F(requests, the_first_of_many_failed_states_is_told) {
+    constexpr std::size_t count = 1000; // more than are computed at a time where nobody wants statuses
+    std::vector<double> pressures(count, 1e5), temperatures(count, 400), volumes(count);
+    for (const std::size_t failed : {300U, 310U, 700U})
+        temperatures[failed] = -1;
+    temperatures[999] = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(
+        ostrel_fluid_evaluate(fluid, "pt", "v", count, pressures.data(), temperatures.data(), volumes.data(), nullptr),
+        OSTREL_OUT_OF_RANGE);
+    EXPECT_THAT(ostrel_last_message(), testing::HasSubstr("state 300 "));
+}
+
 TEST_F(requests, surfaces_take_t_with_v_or_d_only) {
     const opened_fluid surface("toluene", "states=surface");
     for (const auto &row : rows_of("inputs"))

@@ -138,6 +138,8 @@ TEST(message, is_valid_UTF_8_and_fits) {
         return message.substr(begin, message.find('"', begin) - begin);
     };
     EXPECT_EQ(shown("Käse α 氷 🧪"), "Käse α 氷 🧪");
+    EXPECT_EQ(shown("\xE0\xA0\x80|\xED\x9F\xBF|\xF4\x8F\xBF\xBF"), "\xE0\xA0\x80|\xED\x9F\xBF|\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(shown("\xE2\x82|\xF0\x9F\xA7|\xC3|"), "??|???|?|");
     EXPECT_EQ(shown("a\nb\x7F\x1B"), "a?b??");
     EXPECT_EQ(shown("\xE9t\xE9"), "?t?");
     EXPECT_EQ(shown("\xC0\x80|\xE0\x80\x80|\xED\xA0\x80|\xF0\x80\x80\x80|\xF4\x90\x80\x80|\xF8|\xC3"),
@@ -172,6 +174,34 @@ TEST(message, that_is_too_long_is_cut_between_characters) {
     EXPECT_TRUE(message.ends_with("..."));
     EXPECT_TRUE(message.ends_with("氷...") || message.ends_with("(...") || message[message.size() - 4] >= ' ')
         << message;
+}
+
+// Wherever the room ends, be it between two parts, the message is whole or ends with dots.
+TEST(message, of_any_length_fits) {
+    const support::temporary_folder folder;
+    const std::string many(250, 'x');
+    std::string index = "file,name,formula\n";
+    for (const char *const file : {"tracera", "tracerb", "tracerc"}) {
+        index += std::string(file) + ',' + many + ",X\n";
+        folder.write(std::string(file) + ".osd", "");
+    }
+    folder.write("index.csv", index);
+    std::string long_path = folder.path();
+    while (long_path.size() < 160)
+        long_path += "/.";
+    std::size_t whole = 0, cut = 0, longest = 0;
+    for (std::size_t length = 1; length <= 200; ++length) {
+        support::handle fluid;
+        const auto [status, message] =
+            fluid.open(("tracer" + std::string(length, '-')).c_str(), ("folder=" + long_path).c_str());
+        EXPECT_EQ(status, OSTREL_CANNOT_OPEN);
+        longest = std::max(longest, message.size());
+        ++(message.ends_with("?") ? whole : cut);
+        EXPECT_TRUE(message.ends_with("?") || message.ends_with("...")) << message;
+    }
+    EXPECT_GT(whole, 0U);
+    EXPECT_GT(cut, 0U);
+    EXPECT_EQ(longest, 1023U);
 }
 
 } // namespace
