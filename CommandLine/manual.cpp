@@ -268,7 +268,8 @@ std::string fish(const std::vector<definition> &commands) {
            "complete -c ostrel -n __fish_use_subcommand -l help -d 'Print a help'\n"
            "complete -c ostrel -n __fish_use_subcommand -l version -d 'Print the versions'\n"
            "complete -c ostrel -l "
-        << std::string_view(command::fluids_option).substr(2) << " -r -d " << in_quotes(command::fluids_meaning) << '\n';
+        << std::string_view(command::fluids_option).substr(2) << " -r -d " << in_quotes(command::fluids_meaning)
+        << '\n';
     for (const definition &one : commands) {
         out << "complete -c ostrel -n __fish_use_subcommand -f -a " << one.name << " -d " << in_quotes(one.meaning)
             << '\n';
@@ -279,7 +280,8 @@ std::string fish(const std::vector<definition> &commands) {
             const std::string words = command::joined(words_of(argument), " ", " ");
             if (is_option(argument))
                 out << inside << " -l " << argument.name.substr(2) << (is_flag(argument) ? "" : " -r")
-                    << (words.empty() ? "" : " -f -a " + in_quotes(words)) << " -d " << in_quotes(argument.meaning) << '\n';
+                    << (words.empty() ? "" : " -f -a " + in_quotes(words)) << " -d " << in_quotes(argument.meaning)
+                    << '\n';
             else if (is_fluid(argument))
                 out << inside << " -f -a \"(ostrel fluids --csv 2>/dev/null | sed '1d; s/,.*//')\"\n";
             else if (!words.empty())

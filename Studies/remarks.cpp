@@ -91,10 +91,10 @@ remarks::remarks(const ostrel::fluid &fluid, const std::vector<std::string> &out
     const bool translated = fluid.text("options").find("volume=translated") != std::string_view::npos;
     const bool of_two_constants = model == "srk" || model == "pr" || model == "rk";
     if (model != "mh" && !translated)
-        liquid_density_ = about(those_of(outputs, of_volume, "vd"),
-                                "The volume of a liquid by the equation " + std::string(model) +
-                                    (of_two_constants ? " is often wrong by 5 to 15 %; volume=translated is nearer."
-                                                      : " is rough."));
+        liquid_density_ =
+            about(those_of(outputs, of_volume, "vd"),
+                  "The volume of a liquid by the equation " + std::string(model) +
+                      (of_two_constants ? " is often wrong by 5 to 15 %; volume=translated is nearer." : " is rough."));
     const std::string_view viscosity = fluid.text("viscosity");
     const std::string_view conductivity = fluid.text("conductivity");
     const auto dilute = [](std::string_view name, std::string_view of) {

@@ -177,12 +177,13 @@ private:
     phases saturation_near(const phases &start) const {
         pressure now = {start.P, start.P - 1.0};
         phases result = start;
-        for (int step = 0; step < 8; ++step) {
+        for (int step = 0;; ++step) {
             result.r_l = newton(now, result.r_l);
             result.r_g = newton(now, result.r_g);
             // At least half of the distance between the phases that is expected, and both stable.
             const double flattest = std::min(slope(result.r_l), slope(result.r_g));
-            if (!(result.r_g > 0.5 * start.r_g && result.r_l > result.r_g + 0.7 * (start.r_l - start.r_g)) ||
+            if (step == 8 ||
+                !(result.r_g > 0.5 * start.r_g && result.r_l > result.r_g + 0.7 * (start.r_l - start.r_g)) ||
                 !(flattest > 0))
                 return {};
             const double change = excess(now, result.r_l, result.r_g) / (1 / result.r_g - 1 / result.r_l);
@@ -201,7 +202,6 @@ private:
                 return result;
             }
         }
-        return {};
     }
 
     double around_critical(const std::array<double, 6> &c, std::size_t k) const {

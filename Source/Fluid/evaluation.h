@@ -342,7 +342,7 @@ private:
         if (wanted_.states == allowed_states::surface)
             return OSTREL_OK;
         if (found.q > 0 && found.q < 1) {
-            const auto m = solver_.mix(found.T, solver_.surface().saturated(found.T));
+            const auto m = solver_.mix(found.T, solver_.saturated(found.T));
             return m.l.cv > 0 && m.g.cv > 0 ? OSTREL_OK : OSTREL_NO_STATE;
         }
         return solver_.at(found.T, found.r).cv > 0 ? OSTREL_OK : OSTREL_NO_STATE;
@@ -619,7 +619,7 @@ private:
             if (plan.first) {
                 phases line;
                 if constexpr (solver<Model>::surface_type::saturates)
-                    line = solver_.surface().saturated(T);
+                    line = solver_.saturated(T);
                 const auto m = solver_.mix(T, line);
                 p = solver_.mixed(m, state.q, V);
             }

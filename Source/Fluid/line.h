@@ -64,7 +64,7 @@ public:
         double high = of_.T_c;
         double T = start(P, low, high);
         double last = infinite;
-        for (int step = 0; step < 100; ++step) {
+        for (int step = 0;; ++step) {
             T = std::clamp(T, of_.T_line, of_.T_c * (1.0 - 1.2e-16));
             double slope_l = 0;
             double slope_g = 0;
@@ -84,7 +84,7 @@ public:
             if (!(next >= low && next <= high))
                 next = 0.5 * (low + high);
             const double change = std::abs(next - T);
-            if (change <= 1e-16 * T || change >= last)
+            if (change <= 1e-16 * T || change >= last || step == 100)
                 return T;
             if (change <= 1e-13 * T)
                 last = change;
@@ -102,7 +102,6 @@ public:
             }
             T = next;
         }
-        return T;
     }
 
     static constexpr int cells = 32;

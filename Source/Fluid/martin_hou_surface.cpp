@@ -54,8 +54,6 @@ martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, doubl
 }
 
 phases martin_hou_surface::saturated(double T) const {
-    if (starts_.empty())
-        return {};
     const double sigma = std::sqrt(std::max((T_c - T) / T_c, 0.0));
     const double place = std::min(sigma / sigma_step_, static_cast<double>(starts_.size()) - 1.0 - 1e-9);
     // Cubic through the four nodes around; at the critical point the gas goes on where the liquid comes from.

@@ -100,6 +100,13 @@ public:
     const surface_type &surface() const { return surface_; }
     const saturation_line<surface_type> &line() const { return line_; }
     double T_c() const { return surface_.T_c; }
+    /// Both phases at T, for T_line <= T < T_c; ideal gases have none.
+    OSTREL_INLINE phases saturated(double T) const {
+        phases found;
+        if constexpr (surface_type::saturates)
+            found = surface_.saturated(T);
+        return found;
+    }
     double r_of(double V) const { return 1.0 / (V + offset_ - model_.covolume()); }
     double V_of(double r) const { return model_.covolume() - offset_ + 1.0 / r; }
     const Model &model() const { return model_; }
@@ -227,8 +234,9 @@ public:
     /// Which kind of state T and r have.
     enum class place { single, mixture, nowhere, underflow };
     place where(double T, double r, phases *found = nullptr) const {
-        if (!(r > 0))
-            return place::nowhere;
+        return r > 0 ? place_of(T, r, found) : place::nowhere;
+    }
+    place place_of(double T, double r, phases *found) const {
         if constexpr (!surface_type::saturates)
             return place::single;
         else {
@@ -242,9 +250,9 @@ public:
                 const isotherm i = surface_.at(T);
                 return r >= i.liquid_end() && r < i.top() ? place::single : place::nowhere;
             }
-            if (T < surface_.T_line || !line_.exists()) {
+            if (T < surface_.T_line) { // and everywhere if there is no line
                 const isotherm i = surface_.at(T);
-                if (surface_.line_ends || !line_.exists())
+                if (surface_.line_ends)
                     return r <= i.gas_end() ? place::single : place::nowhere;
                 return r >= i.liquid(0.0) ? place::single : place::underflow;
             }
@@ -258,7 +266,7 @@ public:
                     break;
                 }
             }
-            const phases p = surface_.saturated(T);
+            const phases p = saturated(T);
             if (found != nullptr)
                 *found = p;
             if (r <= p.r_g)
@@ -301,7 +309,7 @@ public:
             result.status = OSTREL_OUT_OF_RANGE;
             return result;
         case place::mixture:
-            line = surface_.saturated(T);
+            line = saturated(T);
             result.P = line.P;
             result.q = (V - V_of(line.r_l)) / (V_of(line.r_g) - V_of(line.r_l));
             return result;
@@ -325,14 +333,14 @@ public:
                 return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
             if (states_ == allowed_states::metastable_liquid)
                 return P >= i.P(i.liquid_end()) ? below_top(result, i, i.liquid(P)) : none(result);
-            if (T < surface_.T_line || !line_.exists()) {
-                if (surface_.line_ends || !line_.exists())
+            if (T < surface_.T_line) { // and everywhere if there is no line
+                if (surface_.line_ends)
                     return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
                 return below_top(result, i, i.liquid(P));
             }
             int side = line_.side_of_pressure(T, P);
             if (side == 0) {
-                const phases p = surface_.saturated(T);
+                const phases p = saturated(T);
                 if (given == p.P * unit) {
                     result.q = 0.0;
                     return single(result, p.r_l);
@@ -353,7 +361,7 @@ public:
         }
         if (T < surface_.T_line)
             return surface_.line_ends ? OSTREL_NO_SATURATION : OSTREL_OUT_OF_RANGE;
-        found = surface_.saturated(T);
+        found = saturated(T);
         return found.P > 0 ? OSTREL_OK : OSTREL_NO_SATURATION;
     }
     /// The saturated phases at P and their temperature, or why there are none.
@@ -366,7 +374,8 @@ public:
         }
         if (P < line_.lowest().P)
             return surface_.line_ends ? OSTREL_NO_SATURATION : OSTREL_OUT_OF_RANGE;
-        T = line_.temperature(P, found);
+        if constexpr (surface_type::saturates)
+            T = line_.temperature(P, found);
         found.P = P;
         return OSTREL_OK;
     }
@@ -524,7 +533,7 @@ private:
                             bool smooth = true) {
         double x = start > low && start < high ? start : 0.5 * (low + high);
         double last = infinite;
-        for (int step = 0; step < 300; ++step) {
+        for (int step = 0;; ++step) {
             const auto [value, slope] = f(x);
             if (value == 0)
                 return x;
@@ -535,14 +544,14 @@ private:
                 next = low > 0 && high > 4.0 * low ? std::sqrt(low) * std::sqrt(high) : 0.5 * (low + high);
                 change = infinite;
             }
-            if (next == x || next <= low || next >= high || std::abs(next - x) <= tolerance * std::abs(x))
+            if (next == x || next <= low || next >= high || std::abs(next - x) <= tolerance * std::abs(x) ||
+                step == 300)
                 return next;
             if (smooth && settled(change / std::abs(x), last / std::abs(x)))
                 return next;
             last = change;
             x = next;
         }
-        return x;
     }
 
     struct value_and_slope {

@@ -36,7 +36,7 @@ solved solver<Model>::on_isotherm(double T, double x, double r_low, double r_hig
     };
     const auto close = [&](double place) { // at an end, which rounding may have moved
         const auto [value, slope] = f(place);
-        return std::abs(value) <= 1e-13 * std::max(std::abs(slope), std::abs(x)) || value == 0;
+        return std::abs(value) <= 1e-13 * std::max(std::abs(slope), std::abs(x));
     };
     const auto search = [&](double a, double b, double start) {
         return bracketed(a, b, start, f(b).value > 0, f, 2e-16);
@@ -120,18 +120,18 @@ solved solver<Model>::from_T_X(double T, double x) const {
     } else {
         const isotherm i = surface_.at(T);
         const bool several = X == letter::h || T > 3.0 * surface_.T_c;
-        if (T >= surface_.T_c || states_ == allowed_states::surface)
+        if (T >= surface_.T_c)
             return on_isotherm<X>(T, x, 0.0, i.top(), several);
         if (states_ == allowed_states::metastable_vapor)
             return on_isotherm<X>(T, x, 0.0, i.gas_end(), false);
         if (states_ == allowed_states::metastable_liquid)
             return on_isotherm<X>(T, x, i.liquid_end(), i.top(), X == letter::h || surface_.has_loops);
-        if (T < surface_.T_line || !line_.exists()) {
-            if (surface_.line_ends || !line_.exists())
+        if (T < surface_.T_line) {
+            if (surface_.line_ends)
                 return on_isotherm<X>(T, x, 0.0, i.gas_end(), X == letter::h && !line_.exists());
             return on_isotherm<X>(T, x, i.liquid(0.0), i.top(), X == letter::h);
         }
-        const mixture m = mix(T, surface_.saturated(T));
+        const mixture m = mix(T, saturated(T));
         const double X_l = value_of<X>(m.l).value;
         const double X_g = value_of<X>(m.g).value;
         if (x >= X_l && x <= X_g)
@@ -379,7 +379,7 @@ solved solver<Model>::isochore_search(double V, double x, double T_low, double T
     }
     const double T = bracketed(low, high, start, true, f, 1e-15, smooth);
     if (smooth) { // inside the dome, between nodes that enclose the state
-        const phases line = surface_.saturated(T);
+        const phases line = saturated(T);
         const double V_l = V_of(line.r_l);
         const double q = (V - V_l) / (V_of(line.r_g) - V_l);
         return {q >= 0 && q <= 1 ? OSTREL_OK : OSTREL_NO_STATE, T, line.P, V, r, q};
@@ -571,7 +571,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
         const bool dome = states_ == allowed_states::stable && line_.exists();
         // Inside the dome X at given s rises with T: h = h_l + T (s - s_l), and u is that less P v.
         const auto in_dome = [&](double T) {
-            const phases line = surface_.saturated(T);
+            const phases line = saturated(T);
             const double P_T = line.slope * line.P / T;
             properties l = at(T, line.r_l);
             l.P = line.P;
@@ -588,7 +588,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
         const auto dome_state = [&](double low, double high, double start) {
             const bool smooth = high < 0.98 * T_c; // unlike beside the critical point
             const double T = bracketed(low, high, start, true, in_dome, 1e-15, smooth);
-            const mixture m = mix(T, surface_.saturated(T));
+            const mixture m = mix(T, saturated(T));
             const double q = (s - m.l.s) / (m.g.s - m.l.s);
             solved result = of_mixture(T, m, q);
             result.status = q >= 0 && q <= 1 ? OSTREL_OK : OSTREL_NO_STATE;
@@ -639,7 +639,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
             double high = T_c * (1.0 - 1e-12);
             if (s < critical_.s) { // up to where the liquid has this entropy
                 const auto of_liquid = [&](double T) {
-                    const phases line = surface_.saturated(T);
+                    const phases line = saturated(T);
                     const properties p = at(T, line.r_l);
                     const double dV = (line.slope * line.P / T - p.P_T) / p.P_V;
                     return value_and_slope{p.s - s, p.cv / T + p.P_T * dV};
@@ -673,7 +673,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
         best = here;
         double value = 0;
         if (here.q >= 0)
-            value = value_of<X>(mixed(mix(here.T, surface_.saturated(here.T)), here.q, here.V)).value;
+            value = value_of<X>(mixed(mix(here.T, saturated(here.T)), here.q, here.V)).value;
         else
             value = value_of<X>(at(here.T, here.r)).value;
         return value > x || (X != letter::h && here.P <= 0);
@@ -704,7 +704,7 @@ solved solver<Model>::from_s_X(double s, double x) const {
     if (best.status != OSTREL_OK)
         return last_resort();
     if (best.q >= 0) {
-        const double value = value_of<X>(mixed(mix(best.T, surface_.saturated(best.T)), best.q, best.V)).value;
+        const double value = value_of<X>(mixed(mix(best.T, saturated(best.T)), best.q, best.V)).value;
         return std::abs(value - x) <= 1e-9 * (std::abs(x) + best.T) ? best : last_resort();
     }
     const solved result = finish<letter::s, X>(s, x, best);

@@ -95,8 +95,8 @@ public:
     cubic_surface(const Model &model, double critical_temperature, double P_lowest)
         : T_c(critical_temperature), model_(model), width_(width(model)) {
         if constexpr (std::is_base_of_v<equations::clausius_II, Model>)
-            if (model.b <= 0)
-                top_ = model.b < 0 ? -1.0 / model.b : infinite;
+            if (model.b < 0)
+                top_ = -1.0 / model.b;
         if constexpr (std::is_base_of_v<cubic_attraction::soave_parameters, Model>) {
             if (model.fw > 1.0) { // tau = 1 where the root of alpha is -sqrt(T/T_c)
                 const double root = (model.fw + 1.0) / (model.fw - 1.0);
@@ -301,7 +301,6 @@ public:
         static bool beside_gas(double) { return true; }
     };
     isotherm at(double T) const { return {repulsion_ * T}; }
-    phases saturated(double) const { return {}; }
     static double turn(double) { return infinite; }
 
 private:
