@@ -47,7 +47,7 @@ constexpr cycle_key keys[] = {
     {"compressor", "efficiency", "1", false, part, false, true, &definition::compressor_efficiency, 1,
      "isentropic efficiency"},
     {"regenerator", "effectiveness", "1", false, part, true, false, &definition::regenerator_effectiveness, none,
-     "heat, as a part of the largest possible"},
+     "heat, as a part of the largest without condensation"},
     {"regenerator", "pinch", "K", true, not_negative, true, false, &definition::regenerator_pinch, none,
      "or the least difference of temperature"},
     {"regenerator", "drop_hot", "Pa", true, not_negative, true, false, &definition::regenerator_drop_hot, 0,
@@ -305,7 +305,11 @@ exchanged exchange(const ostrel::fluid &fluid, const definition &wanted, const i
     // The heat at which one side would leave with the temperature at which the other one comes in.
     const double hot_gives = hot_in.h - point_at(fluid, "pt", p_hot_out, cold_in.t, one.name).h;
     const double cold_takes = point_at(fluid, "pt", p_cold_out, hot_in.t, one.name).h - cold_in.h;
-    const double bound = std::min(hot_gives, cold_takes);
+    // An effectiveness refers to vapor that stays vapor; otherwise a little subcooling or a pressure drop would add the
+    // heat of condensation to what is possible.
+    double hot_gives_dry = hot_gives;
+    if (const auto line = saturation_at(fluid, p_hot_out); line && hot_in.h > line->vapor.h)
+        hot_gives_dry = std::min(hot_gives, hot_in.h - line->vapor.h);
     const auto with = [&](double heat) {
         exchanged result = {point_at(fluid, "ph", p_hot_out, hot_in.h - heat, one.name),
                             point_at(fluid, "ph", p_cold_out, cold_in.h + heat, one.name), heat, 0};
@@ -315,13 +319,17 @@ exchanged exchange(const ostrel::fluid &fluid, const definition &wanted, const i
         return result;
     };
     // More heat brings the sides nearer to each other everywhere.
-    const auto heat_with_pinch = [&](double wanted_pinch) {
+    const auto most_heat = [&](double bound, double wanted_pinch) {
         constexpr double rounding = 1e-9; // K
         if (with(bound).pinch >= wanted_pinch - rounding)
             return bound;
         return root([&](double heat) { return with(heat).pinch - wanted_pinch; }, 0, bound);
     };
-    return with(wanted.*one.pinch ? heat_with_pinch(least) : *(wanted.*one.effectiveness) * heat_with_pinch(0));
+    exchanged result =
+        with(wanted.*one.pinch ? most_heat(std::min(hot_gives, cold_takes), least)
+                               : *(wanted.*one.effectiveness) * most_heat(std::min(hot_gives_dry, cold_takes), 0));
+    result.pinch = std::max(0.0, result.pinch);
+    return result;
 }
 
 /// What stands in the definition on a stream outside of the cycle.
@@ -409,12 +417,13 @@ double add_stream(const ostrel::fluid &fluid, const definition &wanted, const ou
     const side stream(std::min(t_in, t_out), std::max(t_in, t_out));
     const side inside(fluid, place, cold, hot);
     const pinch found = one.heats ? least_difference(stream, inside) : least_difference(inside, stream);
-    if (found.difference < 0)
+    constexpr double rounding = 1e-7; // K
+    if (found.difference < -rounding)
         throw impossible(sentence({one.name, ": in the ", place, " heat would have to flow from ",
                                    shown(found.t_hot, "K"), " to ", shown(found.t_cold, "K"),
                                    one.heats ? "; a hotter source, more of it or a colder evaporator is needed"
                                              : "; a colder sink, more of it or a hotter outlet is needed"}));
-    figures.*one.pinch = found.difference;
+    figures.*one.pinch = std::max(0.0, found.difference);
     return mean_temperature(t_in, t_out);
 }
 
