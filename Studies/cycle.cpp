@@ -222,6 +222,7 @@ struct pinch {
 pinch least_difference(const side &hot, const side &cold) {
     constexpr std::size_t intervals = 32;
     std::vector<double> places;
+    places.reserve(intervals + 1);
     for (std::size_t i = 0; i <= intervals; ++i)
         places.push_back(static_cast<double>(i) / intervals);
     for (const side *one : {&hot, &cold})
@@ -229,9 +230,8 @@ pinch least_difference(const side &hot, const side &cold) {
             places.push_back(corner.at);
     std::ranges::sort(places);
     const auto difference = [&](double x) { return hot.at(x).t - cold.at(x).t; };
-    std::vector<double> values;
-    for (const double x : places)
-        values.push_back(difference(x));
+    std::vector<double> values(places.size());
+    std::ranges::transform(places, values.begin(), difference);
     const auto least = static_cast<std::size_t>(std::ranges::min_element(values) - values.begin());
     double x = places[least];
     double value = values[least];
@@ -757,6 +757,10 @@ std::span<const cycle_figure> cycle_figure_list() {
 }
 
 cycle_result solve(const ostrel::fluid &fluid, const cycle_definition &wanted, std::size_t intervals) {
+    need_equilibrium(fluid, "a cycle");
+    if (!saturation_at(fluid, fluid.constant("p_crit")))
+        throw impossible(sentence({fluid.text("name"), " has no saturation line with the equation ",
+                                   fluid.text("model"), ", and a cycle needs one; choose another equation"}));
     check_values(wanted);
     check_stream(wanted, source);
     check_stream(wanted, sink);

@@ -192,6 +192,7 @@ bool reaches(const isentrope &along) {
 } // namespace
 
 nozzle_result expand(const ostrel::fluid &fluid, const point &total, double p_outlet, std::size_t intervals) {
+    need_equilibrium(fluid, "a nozzle");
     if (!(p_outlet > 0 && p_outlet < total.p))
         throw impossible("nozzle: the outlet's pressure is " + shown(p_outlet, "Pa") +
                          "; it must be above 0 and below the total pressure, " + shown(total.p, "Pa"));
@@ -248,7 +249,7 @@ nozzle_result expand(const ostrel::fluid &fluid, const point &total, double p_ou
         if (&one != throat && one.step.at.p >= p_outlet)
             result.notes.push_back("The mass flux has another, smaller maximum at " + shown(one.step.at.p, "Pa") + ".");
     if (throat == nullptr)
-        result.notes.push_back("The flow stays below the speed of sound: it has no throat, and no area ratio.");
+        result.notes.emplace_back("The flow stays below the speed of sound: it has no throat, and no area ratio.");
     else if (throat->step.at.p < p_outlet)
         result.notes.push_back("The flow stays below the speed of sound. The areas refer to the throat that it would "
                                "have at " +

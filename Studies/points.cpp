@@ -41,6 +41,12 @@ point point_at(const ostrel::fluid &fluid, ostrel::input_pair pair, double first
     throw impossible(std::string(place) + ": " + std::string(ostrel::last_message()));
 }
 
+void need_equilibrium(const ostrel::fluid &fluid, std::string_view what) {
+    if (fluid.text("options").find("states=stable") == std::string_view::npos)
+        throw impossible(std::string(what) + " needs states of equilibrium; open the fluid with states=stable, the "
+                                             "standard");
+}
+
 std::optional<saturated_points> saturation_at(const ostrel::fluid &fluid, double p) {
     const auto liquid = solved(fluid, "pq", p, 0);
     const auto vapor = solved(fluid, "pq", p, 1);
@@ -73,28 +79,30 @@ std::vector<crossing> crossings(const ostrel::fluid &fluid, const path &along, p
         }
         return result;
     };
+    constexpr std::size_t liquid = 0;
+    constexpr std::size_t vapor = 1;
     std::vector<crossing> found;
     // The last node that was not on the line itself, for each phase.
     std::array<node, 2> left = {node_at(0), node_at(0)};
     for (std::size_t i = 1; i <= intervals; ++i) {
         const node right = node_at(static_cast<double>(i) / static_cast<double>(intervals));
-        for (const bool vapor : {false, true}) {
-            if (right.sides[vapor] == 0)
+        for (const std::size_t phase : {liquid, vapor}) {
+            if (right.sides[phase] == 0)
                 continue;
-            const node from = std::exchange(left[vapor], right);
-            if (from.sides[vapor] * right.sides[vapor] >= 0)
+            const node from = std::exchange(left[phase], right);
+            if (from.sides[phase] * right.sides[phase] >= 0)
                 continue;
             const auto distance = [&](double at) {
                 const point on = along(at);
                 const auto there = saturation(on.p);
-                return there ? on.*watched - (vapor ? there->vapor : there->liquid).*watched
+                return there ? on.*watched - (phase == vapor ? there->vapor : there->liquid).*watched
                              : std::numeric_limits<double>::quiet_NaN();
             };
             const double at = root(distance, from.at, right.at);
             const double p = along(at).p;
             if (p < p_crit)
                 if (const auto there = saturation_at(fluid, p))
-                    found.push_back({at, vapor ? there->vapor : there->liquid, vapor});
+                    found.push_back({at, phase == vapor ? there->vapor : there->liquid, phase == vapor});
         }
     }
     std::ranges::sort(found, {}, &crossing::at);
@@ -167,8 +175,8 @@ namespace {
 
 std::string text_of(double value, std::string_view unit) {
     std::array<char, 32> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::general, 6).ptr;
-    return std::string(text.begin(), end) + (unit == "1" ? "" : " " + std::string(unit));
+    char *const end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 6).ptr;
+    return std::string(text.data(), end) + (unit == "1" ? "" : " " + std::string(unit));
 }
 
 } // namespace

@@ -36,6 +36,9 @@ struct point {
 point point_at(const ostrel::fluid &fluid, ostrel::input_pair pair, double first, double second,
                std::string_view place);
 
+/// Throws impossible unless the fluid's states are those of equilibrium.   what [-] who needs them: "a cycle"
+void need_equilibrium(const ostrel::fluid &fluid, std::string_view what);
+
 /// Both saturated states at a pressure [Pa], or nothing where the fluid has none.
 struct saturated_points {
     point liquid, vapor;

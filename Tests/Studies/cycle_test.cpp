@@ -505,8 +505,22 @@ TEST(cycle, definitions_that_cannot_be) {
                 << row.change << ": " << reason.what();
         }
     }
-    const auto ideal = ostrel::fluid::open("toluene", "model=ig");
-    EXPECT_THROW(solve(ideal, organic()), studies::impossible);
+}
+
+TEST(cycle, fluids_without_what_a_cycle_needs) {
+    const auto message = [](const char *options) {
+        try {
+            solve(ostrel::fluid::open("toluene", ostrel::unchecked(options)), organic());
+        } catch (const studies::impossible &reason) {
+            return std::string(reason.what());
+        }
+        return std::string("a cycle");
+    };
+    EXPECT_EQ(message("model=ig"),
+              "toluene has no saturation line with the equation ig, and a cycle needs one; choose another equation");
+    EXPECT_EQ(message("states=metastable; phase=vapor"),
+              "a cycle needs states of equilibrium; open the fluid with states=stable, the standard");
+    EXPECT_EQ(message("model=pr"), "a cycle");
 }
 
 TEST(cycle, keys_and_figures_have_names_of_their_own) {
