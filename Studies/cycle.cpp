@@ -323,6 +323,9 @@ exchanged exchange(const ostrel::fluid &fluid, const definition &wanted, const i
         constexpr double rounding = 1e-9; // K
         if (with(bound).pinch >= wanted_pinch - rounding)
             return bound;
+        // The pressure drop alone cools wet vapor.
+        if (!(with(0).pinch > wanted_pinch))
+            throw wrong(", and its pressure drop leaves no room for a pinch of " + shown_difference(wanted_pinch, "K"));
         return root([&](double heat) { return with(heat).pinch - wanted_pinch; }, 0, bound);
     };
     exchanged result =

@@ -246,7 +246,10 @@ TEST_P(each_cycle, has_the_pinch_of_its_internal_exchanger) {
             ends[hot ? 0 : 2] = &cycle.states[process.from].at;
             ends[hot ? 1 : 3] = &cycle.states[process.to].at;
         }
-    const auto [hot_in, hot_out, cold_in, cold_out] = std::tuple(ends[0], ends[1], ends[2], ends[3]);
+    const point *const hot_in = ends[0];
+    const point *const hot_out = ends[1];
+    const point *const cold_in = ends[2];
+    const point *const cold_out = ends[3];
     const auto t_hot = [&](double x) {
         return fluid.value("ph", hot_out->p + x * (hot_in->p - hot_out->p), hot_out->h + x * (hot_in->h - hot_out->h),
                            "t");
@@ -447,6 +450,16 @@ TEST(cycle, definitions_that_cannot_be) {
              c.regenerator_pinch = 300;
          },
          "which leaves no room for a pinch of 300 K; take it out, or change the pressures"},
+        {"regenerator that the pressure drop cools", water, steam(),
+         [](auto &c) {
+             c.evaporator_superheat = 0;
+             c.condenser_p = 2e5;
+             c.condenser_t.reset();
+             c.condenser_subcooling = 20;
+             c.regenerator_drop_hot = 2e5;
+             c.regenerator_pinch = 25;
+         },
+         ", and its pressure drop leaves no room for a pinch of 25 K; take it out, or change the pressures"},
         {"drops of no regenerator", toluene, organic(), [](auto &c) { c.regenerator_drop_hot = 1e3; },
          "regenerator.drop_hot is given without regenerator.effectiveness or regenerator.pinch; without one of these "
          "there is no regenerator"},
