@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Studies/nozzle.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -154,10 +157,17 @@ TEST(nozzle, a_fluid_that_dries_in_expansion) {
     const nozzle_result flow = expand(mdm, point_at(mdm, "pt", 14.5e5, 565, "test"), 1e5, 11);
     check_flow(mdm, flow);
     // Into the dome as a liquid and out of it as a vapor.
-    int lines = 0;
-    for (const nozzle_step &step : flow.steps)
-        lines += step.place == "saturation line";
-    EXPECT_EQ(lines, 4);
+    std::vector<nozzle_step> lines;
+    std::ranges::copy_if(flow.steps, std::back_inserter(lines),
+                         [](const nozzle_step &step) { return step.place == "saturation line"; });
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines[0].at.q, 0);
+    EXPECT_EQ(lines[2].at.q, 1);
+    // The mixture's speed of sound is the lower one, on both sides.
+    EXPECT_NEAR(lines[0].sound, mdm.value(lines[0].at.state, "c"), 1e-9);
+    EXPECT_LT(lines[1].sound, lines[0].sound);
+    EXPECT_LT(lines[2].sound, lines[3].sound);
+    EXPECT_NEAR(lines[3].sound, mdm.value(lines[3].at.state, "c"), 1e-9);
     EXPECT_TRUE(says(flow, "the fundamental derivative is below 1, so that the speed of sound rises"));
 }
 
