@@ -59,6 +59,8 @@ definition prop();
 definition sat();
 definition table();
 definition eval();
+definition cycle();
+definition nozzle();
 definition check();
 definition db();
 

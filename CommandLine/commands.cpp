@@ -4,7 +4,7 @@
 namespace command {
 
 std::vector<definition> all() {
-    return {fluids(), info(), prop(), sat(), table(), eval(), check(), db()};
+    return {fluids(), info(), prop(), sat(), table(), eval(), cycle(), nozzle(), check(), db()};
 }
 
 } // namespace command

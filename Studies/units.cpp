@@ -195,7 +195,7 @@ double range::at(std::size_t i) const {
     return logarithmic ? first * std::pow(last / first, part) : first + (last - first) * part;
 }
 
-range parse_range(std::string_view text, std::string_view si) {
+range parse_range(std::string_view text, std::string_view si, bool difference) {
     constexpr std::size_t most_values = 1'000'000'000;
     std::vector<std::string_view> parts;
     for (std::string_view rest = text;;) {
@@ -206,10 +206,10 @@ range parse_range(std::string_view text, std::string_view si) {
         rest.remove_prefix(end + 1);
     }
     if (parts.size() == 1)
-        return {parse_value(text, si), parse_value(text, si)};
+        return {parse(text, si, difference), parse(text, si, difference)};
     if (parts.size() < 3 || parts.size() > 4 || (parts.size() == 4 && parts[3] != "log"))
         throw wrong_value(quoted(text) + " is no range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log");
-    range result{parse_value(parts[0], si), parse_value(parts[1], si)};
+    range result{parse(parts[0], si, difference), parse(parts[1], si, difference)};
     std::string_view units[2];
     take_number(parts[0], units[0]);
     take_number(parts[1], units[1]);

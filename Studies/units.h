@@ -54,7 +54,8 @@ struct range {
 };
 
 /// "VALUE", "FIRST:LAST:COUNT" or "FIRST:LAST:COUNT:log". Both ends have a unit or none has one. Throws wrong_value.
-range parse_range(std::string_view text, std::string_view si);
+/// With `difference` the values are differences, for which 10 degC are 10 K.
+range parse_range(std::string_view text, std::string_view si, bool difference = false);
 
 /// A difference, for which 10 degC are 10 K.
 double parse_difference(std::string_view text, std::string_view si);

@@ -16,8 +16,8 @@ COMMAND is the program ostrel, FLUIDS a folder of parameter files. A transcript 
     ! ostrel: something is wrong           expected on standard error
     [1]                                    expected exit code, which ends the command
 
-Each transcript runs in a folder of its own, with base.osd, and with a folder Fluids that has the files of FLUIDS and
-those of Tests/Fluids, and the rows of both indices.
+Each transcript runs in a folder of its own, with base.osd, with the folder Examples, and with a folder Fluids that has
+the files of FLUIDS and those of Tests/Fluids, and the rows of both indices.
 
 Texts and whole numbers must be equal to the letter. Numbers with a point or an exponent may differ by 1e-9 of their
 value, since mathematical functions differ in the last digit. If that changes the length of a number, the numbers of a
@@ -129,6 +129,7 @@ class Folder:
         index = "\n".join([heading, *(line for _, line in sorted(rows.items())), ""])
         (self.place / "Fluids" / "index.csv").write_text(index, encoding="utf-8")
         shutil.copy(pathlib.Path(__file__).parent / "base.osd", self.place)
+        (self.place / "Examples").symlink_to(pathlib.Path(__file__).resolve().parents[2] / "Examples")
         self.environment = {
             **os.environ,
             "PATH": f"{here / 'bin'}:{os.environ['PATH']}",

@@ -64,6 +64,8 @@ TEST(units, differences_have_no_zero_of_their_own) {
     EXPECT_EQ(parse_difference("10 degC", "K"), 10.0);
     EXPECT_EQ(parse_difference("18 degF", "K"), 10.0);
     EXPECT_EQ(parse_difference("0.1 bar", "Pa"), 1e4);
+    EXPECT_EQ(studies::parse_range("5degC:20degC:4", "K", true).at(1), 10.0);
+    EXPECT_EQ(studies::parse_range("18 degF", "K", true).first, 10.0);
 }
 
 TEST(units, ranges) {

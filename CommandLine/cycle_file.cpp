@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: MIT
+#include "CommandLine/cycle_file.h"
+
+#include "CommandLine/report.h"
+#include "CommandLine/suggestions.h"
+#include "Studies/units.h"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <toml++/toml.h>
+#include <utility>
+#include <vector>
+
+namespace command {
+namespace {
+
+/// The texts beside the sections.
+constexpr std::string_view fluid_key = "fluid";
+constexpr std::string_view kind_key = "kind";
+constexpr std::string_view database_key = "database";
+
+std::vector<std::string> option_keys() {
+    std::vector<std::string> names;
+    for (const ostrel::row row : ostrel::list(ostrel::kind::options))
+        if (row.name != "folder")
+            names.emplace_back(row.name);
+    return names;
+}
+
+std::vector<std::string> kind_names() {
+    std::vector<std::string> names;
+    for (const auto &row : studies::cycle_kinds())
+        names.emplace_back(row.name);
+    return names;
+}
+
+class reader {
+public:
+    explicit reader(std::string path) : path_(std::move(path)) {}
+
+    cycle_file read() {
+        for (const auto &[key, node] : parsed())
+            take(std::string(key.str()), key.source(), node);
+        if (result_.fluid.words.empty())
+            throw failure(path_ + ": the fluid is wanted, as in fluid = \"toluene\"");
+        return std::move(result_);
+    }
+
+private:
+    toml::table parsed() const {
+        std::ifstream file(path_, std::ios::binary);
+        std::ostringstream text;
+        if (!file || !(text << file.rdbuf()))
+            throw failure(path_ + ": the file cannot be read");
+        try {
+            return toml::parse(text.str(), path_);
+        } catch (const toml::parse_error &reason) {
+            throw refused(reason.source(), printable(reason.description()));
+        }
+    }
+
+    failure refused(const toml::source_region &where, const std::string &text,
+                    std::vector<std::string> advice = {}) const {
+        return failure(path_ + ':' + std::to_string(where.begin.line) + ": " + text, std::move(advice));
+    }
+    failure unknown(const toml::source_region &where, const std::string &what, const std::string &written,
+                    const std::vector<std::string> &names) const {
+        return refused(where, "there is no " + what + " \"" + printable(written) + '"',
+                       {did_you_mean(written, names),
+                        (names.size() == 1 ? "There is only " : "There are ") + joined(names, ", ", " and ") + '.'});
+    }
+
+    void take(const std::string &key, const toml::source_region &where, const toml::node &node) {
+        std::vector<std::string> names = {std::string(fluid_key), std::string(kind_key), std::string(database_key)};
+        const std::vector<std::string> options = option_keys();
+        names.insert(names.end(), options.begin(), options.end());
+        const std::size_t texts = names.size();
+        for (const studies::cycle_key &row : studies::cycle_keys())
+            if (names.back() != row.section)
+                names.emplace_back(row.section);
+        const auto found = std::ranges::find(names, key);
+        if (found == names.end())
+            throw unknown(where, "key or section", key, names);
+        if (static_cast<std::size_t>(found - names.begin()) < texts)
+            take_text(key, node);
+        else
+            take_section(key, where, node);
+    }
+
+    void take_text(const std::string &key, const toml::node &node) {
+        const auto text = node.value_exact<std::string>();
+        if (!text)
+            throw refused(node.source(), key + ": a text is wanted, in quotation marks");
+        if (key == fluid_key)
+            result_.fluid.words = *text;
+        else if (key == database_key)
+            result_.fluid.database = *text;
+        else if (key == kind_key)
+            take_kind(*text, node.source());
+        else
+            result_.fluid.options[key] = *text;
+    }
+
+    void take_kind(const std::string &text, const toml::source_region &where) {
+        for (const auto &row : studies::cycle_kinds())
+            if (row.name == text) {
+                result_.wanted.kind = row.kind;
+                return;
+            }
+        throw unknown(where, "kind of cycle", text, kind_names());
+    }
+
+    void take_section(const std::string &section, const toml::source_region &where, const toml::node &node) {
+        const toml::table *const table = node.as_table();
+        if (table == nullptr)
+            throw refused(where, section + " is a section: write [" + section + "], and its keys below");
+        for (const auto &[key, value] : *table) {
+            const std::string name(key.str());
+            std::string whole = section;
+            whole.append(".").append(name);
+            const studies::cycle_key *const row = studies::cycle_key_named(whole);
+            if (row == nullptr) {
+                std::vector<std::string> names;
+                for (const studies::cycle_key &each : studies::cycle_keys())
+                    if (each.section == section)
+                        names.emplace_back(each.name);
+                throw unknown(key.source(), '[' + section + "] key", name, names);
+            }
+            result_.wanted.*row->member = number_of(*row, whole, value);
+        }
+    }
+
+    double number_of(const studies::cycle_key &row, const std::string &name, const toml::node &value) const {
+        if (value.is_number())
+            return *value.value<double>();
+        const auto text = value.value_exact<std::string>();
+        if (!text)
+            throw refused(value.source(), name + ": a number is wanted, or a text with a number and a unit");
+        try {
+            return row.difference ? studies::parse_difference(*text, row.si) : studies::parse_value(*text, row.si);
+        } catch (const studies::wrong_value &reason) {
+            throw refused(value.source(), name + ": " + reason.what());
+        }
+    }
+
+    std::string path_;
+    cycle_file result_;
+};
+
+} // namespace
+
+cycle_file read_cycle_file(const std::string &path) {
+    return reader(path).read();
+}
+
+chosen_fluid open_fluid(const cycle_file &file, const std::string &path) {
+    try {
+        return file.fluid.open();
+    } catch (const std::runtime_error &reason) {
+        throw failure(path + ": " + printable(reason.what()));
+    }
+}
+
+solved_cycle solve_cycle_file(const std::string &path) {
+    const cycle_file file = read_cycle_file(path);
+    chosen_fluid chosen = open_fluid(file, path);
+    try {
+        studies::cycle_result result = studies::solve(chosen.fluid, file.wanted);
+        return {std::move(chosen), file.wanted, std::move(result)};
+    } catch (const studies::impossible &reason) {
+        throw failure(path + ": " + printable(reason.what()));
+    }
+}
+
+std::string table_of_cycle_keys() {
+    report keys = {.columns = {{"key"}, {"unit"}, {"standard"}, {"kind"}, {"meaning"}}};
+    for (const studies::cycle_key &row : studies::cycle_keys())
+        keys.rows.push_back(
+            {std::string(row.section) + '.' + std::string(row.name), std::string(row.si),
+             row.standard ? number(*row.standard) : std::string(),
+             row.of_rankine && row.of_compression ? std::string() : kind_names()[row.of_rankine ? 0 : 1],
+             std::string(row.meaning)});
+    std::ostringstream text;
+    write_columns(text, keys, "  ");
+    return text.str();
+}
+
+} // namespace command
