@@ -59,6 +59,7 @@ definition prop();
 definition sat();
 definition table();
 definition eval();
+definition plot();
 definition check();
 definition db();
 

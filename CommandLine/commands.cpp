@@ -4,7 +4,7 @@
 namespace command {
 
 std::vector<definition> all() {
-    return {fluids(), info(), prop(), sat(), table(), eval(), check(), db()};
+    return {fluids(), info(), prop(), sat(), table(), eval(), plot(), check(), db()};
 }
 
 } // namespace command
