@@ -447,9 +447,10 @@ private:
             }
         };
         double title = 16 * scale_;
-        for (font(title, weight::bold); title > 10 * scale_ && width_of(what_.title) > room; font(title, weight::bold))
+        const std::string name = utf8(what_.title);
+        for (font(title, weight::bold); title > 10 * scale_ && width_of(name) > room; font(title, weight::bold))
             title -= 0.5 * scale_;
-        paragraph(utf8(what_.title), title, weight::bold, black);
+        paragraph(name, title, weight::bold, black);
         y += 2 * scale_;
         paragraph(utf8(what_.notes), size_of_notes(), weight::normal, note_color);
         draw_key(margin, room, y);
@@ -459,7 +460,7 @@ private:
         // below.
         font(size_of_text());
         frame_.top = y;
-        frame_.bottom = what_.height - margin - 2.9 * size_of_text() - gap;
+        frame_.bottom = what_.height - margin - 3.1 * size_of_text() - gap;
         y_.from = frame_.bottom;
         y_.to = frame_.top;
         double widest = 0;
@@ -537,7 +538,7 @@ private:
             const std::string text = short_number(value);
             const double width = width_of(text);
             if (x - width / 2 > last_end + 0.4 * size) {
-                write(text, {x, frame_.bottom + 0.9 * size}, size);
+                write(text, {x, frame_.bottom + 1.15 * size}, size);
                 last_end = x + width / 2;
             }
         }
@@ -551,7 +552,7 @@ private:
             line(x_.place_of_shown(value), frame_.bottom, x_.place_of_shown(value), frame_.bottom - tick / 2);
         for (const double value : y_.small_ticks())
             line(frame_.left, y_.place_of_shown(value), frame_.left + tick / 2, y_.place_of_shown(value));
-        write(x_.title(), {(frame_.left + frame_.right) / 2, frame_.bottom + 2.45 * size}, size);
+        write(x_.title(), {(frame_.left + frame_.right) / 2, frame_.bottom + 2.65 * size}, size);
         write(y_.title(), {8 * scale_ + 0.7 * size, (frame_.top + frame_.bottom) / 2}, size, -std::numbers::pi / 2);
     }
 

@@ -322,7 +322,7 @@ void plot_diagram(const plot_request &asked) {
 #else
 
 void plot_diagram(const plot_request &) {
-    throw failure("this program was built without Cairo, and cannot draw");
+    throw failure("this build has no Cairo, and so cannot draw");
 }
 
 #endif
