@@ -268,11 +268,13 @@ struct axis {
     }
     std::vector<double> small_ticks() const {
         std::vector<double> values;
-        if (logarithmic && high / low < 1e8)
-            for (double decade = std::pow(10.0, std::floor(std::log10(low))); decade < high; decade *= 10)
-                for (int mantissa = 1; mantissa < 10; ++mantissa)
-                    if (const double value = mantissa * decade; value > low && value < high)
-                        values.push_back(value);
+        if (!logarithmic || high / low > 1e8)
+            return values;
+        const int last = static_cast<int>(std::floor(std::log10(high)));
+        for (int decade = static_cast<int>(std::floor(std::log10(low))); decade <= last; ++decade)
+            for (int mantissa = 1; mantissa < 10; ++mantissa)
+                if (const double value = mantissa * std::pow(10.0, decade); value > low && value < high)
+                    values.push_back(value);
         return values;
     }
     std::string title() const {
@@ -382,7 +384,10 @@ private:
         while (at < text.size()) {
             const std::size_t end = std::min(text.find(' ', at), text.size());
             const std::string word = text.substr(at, end - at);
-            const std::string longer = line.empty() ? word : line + ' ' + word;
+            std::string longer = line;
+            if (!longer.empty())
+                longer += ' ';
+            longer += word;
             if (!line.empty() && width_of(longer) > room) {
                 lines.push_back(line);
                 line = word;

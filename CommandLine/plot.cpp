@@ -91,6 +91,9 @@ std::optional<studies::axis_range> axis_of(const char *option, const std::string
         throw wrong_argument(name + "the first value must be below the second one");
     if (axis.logarithmic && !(range.low > 0))
         throw wrong_argument(name + "the axis is logarithmic; both values must be above 0");
+    constexpr double largest_ratio = 1e15;
+    if (axis.logarithmic && !(range.high / range.low <= largest_ratio))
+        throw wrong_argument(name + "an axis of more than 15 decades shows nothing");
     return range;
 }
 

@@ -144,12 +144,12 @@ private:
         const double line_end = fluid_.constant("t_sat_min");
         // Far below the critical point the curves say little; vapor pressures below some 1e-5 of the critical one
         // stretch logarithmic axes.
-        constexpr double lowest = 0.4;
         constexpr double highest = 0.55;
         constexpr double least_pressure = 3e-5;
         double at = 0.5;
         if (line_end < highest * t_scale_)
-            for (at = highest; at > lowest; at -= 0.01) {
+            for (int hundredths = 55; hundredths >= 40; --hundredths) {
+                at = hundredths / 100.0;
                 const sampled liquid = state_of(fluid_, "tq", at * t_scale_, 0);
                 if (liquid.exists && liquid[property::p] < least_pressure * p_scale_)
                     break;
@@ -360,9 +360,24 @@ private:
         return range;
     }
 
+    /// The part of an axis beside the part of the dome that a given range of the other axis shows.
+    axis_range beside(axis_range range, property what, const std::optional<axis_range> &given, property other) const {
+        if (!given || text_of(what).logarithmic)
+            return range;
+        axis_range shown{infinity, -infinity};
+        for (const saturated_sample &at : line_)
+            for (const sampled &phase : at.phases)
+                if (phase[other] >= given->low && phase[other] <= given->high)
+                    shown = {std::min(shown.low, phase[what]), std::max(shown.high, phase[what])};
+        if (!(shown.low < shown.high))
+            return range;
+        const axis_range around = wider(shown, 0.3, 0.8);
+        return {std::max(range.low, around.low), std::min(range.high, around.high)};
+    }
+
     void choose_ranges() {
-        x_ = asked_.x ? *asked_.x : rounded(kind_.x, chosen_range(kind_.x));
-        y_ = asked_.y ? *asked_.y : rounded(kind_.y, chosen_range(kind_.y));
+        x_ = asked_.x ? *asked_.x : rounded(kind_.x, beside(chosen_range(kind_.x), kind_.x, asked_.y, kind_.y));
+        y_ = asked_.y ? *asked_.y : rounded(kind_.y, beside(chosen_range(kind_.y), kind_.y, asked_.x, kind_.x));
         square_ = unit_square(kind_, x_, y_);
         // On logarithmic axes of p and v isotherms at high temperatures are crowded.
         t_high_ = (kind_.x == property::v && !asked_.x && !asked_.y ? 1.6 : 4.0) * t_scale_;
@@ -498,11 +513,11 @@ private:
                 last = next;
             }
         }
-        keep(into, std::move(pieces));
+        keep(into, pieces);
     }
 
     /// Adds what can be seen of the pieces: points inside of the ranges and their neighbours.
-    void keep(isoline &into, std::vector<polyline> pieces) const {
+    void keep(isoline &into, const std::vector<polyline> &pieces) const {
         for (const polyline &piece : pieces) {
             polyline seen;
             const auto end = [&] {
@@ -710,7 +725,7 @@ private:
         };
         pieces.back().push_back(projected(phases[0]));
         sample(pieces, across, 0, phases[0], 1, phases[1], 30);
-        keep(line, std::move(pieces));
+        keep(line, pieces);
     }
 
     void trace_isobar(isoline &line) {
@@ -830,8 +845,12 @@ std::vector<double> round_values(double low, double high, std::size_t most, bool
         }
         // A step below 1 is divided by, since its multiples then are the decimal numbers.
         const double inverse = std::round(1 / step);
-        for (double i = std::ceil(low / step - 1e-9); i <= std::floor(high / step + 1e-9); ++i)
-            values.push_back(step < 1 ? i / inverse : i * step);
+        const double first = std::ceil(low / step - 1e-9);
+        const double last = std::floor(high / step + 1e-9);
+        for (std::size_t i = 0; first + static_cast<double>(i) <= last; ++i) {
+            const double multiple = first + static_cast<double>(i);
+            values.push_back(step < 1 ? multiple / inverse : multiple * step);
+        }
         return values;
     }
     const int first = static_cast<int>(std::floor(std::log10(low) + 1e-9));
