@@ -841,3 +841,15 @@ picture draw(const content &what, format as) {
 }
 
 } // namespace drawing
+
+#ifdef OSTREL_SANITIZED_ADDRESSES
+// Fontconfig keeps some of what it has read until the process ends, which the leak sanitizer would report.
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions();
+extern "C" const char *__lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_options();
+extern "C" const char *__lsan_default_options() {
+    return "print_suppressions=0";
+}
+#endif
