@@ -7,6 +7,7 @@
 #include <cairo.h>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <numbers>
 #include <optional>
@@ -17,6 +18,8 @@ namespace {
 using studies::diagram_point;
 using studies::polyline;
 using studies::property;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
 
 struct color {
     double red;
@@ -144,7 +147,7 @@ std::array<diagram_point, 2> directions(const label_box &box) {
 
 template <class Points>
 std::array<double, 2> extent(const Points &points, diagram_point along) {
-    std::array<double, 2> ends = {INFINITY, -INFINITY};
+    std::array<double, 2> ends = {infinity, -infinity};
     for (const diagram_point &point : points) {
         const double place = point.x * along.x + point.y * along.y;
         ends = {std::min(ends[0], place), std::max(ends[1], place)};
@@ -666,7 +669,7 @@ private:
         const double width = width_of(text);
         std::optional<label_box> best;
         diagram_point place{};
-        double least = INFINITY;
+        double least = infinity;
         for (int ring = 0; ring < 3; ++ring)
             for (int k = 0; k < 8; ++k) {
                 const double angle = k * std::numbers::pi / 4 - std::numbers::pi / 4;
