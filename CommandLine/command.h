@@ -61,6 +61,7 @@ definition table();
 definition eval();
 definition cycle();
 definition nozzle();
+definition plot();
 definition check();
 definition db();
 

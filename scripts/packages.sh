@@ -22,7 +22,7 @@ need_packages() {
 }
 
 packages_to_build="cmake ninja-build gcc g++ libc6-dev libsqlite3-dev"
-packages_of_command="libcli11-dev nlohmann-json3-dev libtomlplusplus-dev"
-packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev pkg-config python3 valgrind groff-base"
+packages_of_command="libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libcairo2-dev pkg-config fonts-dejavu-core"
+packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev python3 valgrind groff-base"
 # clang only recommends the runtime of sanitizers and libFuzzer, so it is named here.
 packages_to_sanitize="clang libclang-rt-dev"
