@@ -4,8 +4,7 @@
 namespace command {
 
 std::vector<definition> all() {
-    return {fluids(), info(),  prop(),  sat(),    table(), eval(),
-            plot(),   cycle(), nozzle(), check(), db()};
+    return {fluids(), info(), prop(), sat(), table(), eval(), plot(), cycle(), nozzle(), check(), db()};
 }
 
 } // namespace command

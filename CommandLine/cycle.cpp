@@ -2,11 +2,13 @@
 // ostrel cycle: solves the thermodynamic cycle that a file describes.
 #include "CommandLine/cycle_file.h"
 #include "CommandLine/outputs.h"
+#include "CommandLine/picture.h"
 #include "CommandLine/report.h"
 #include "CommandLine/suggestions.h"
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -22,6 +24,8 @@ struct request {
     std::string path;
     std::string sweep;
     std::string figures;
+    std::string plot;
+    std::string diagram = "ts";
     units_option units{"engineering"};
     report_form form;
 };
@@ -68,17 +72,18 @@ report states_of(const studies::cycle_result &cycle, studies::unit_system system
     struct shown_property {
         const char *name;
         const char *si;
-        studies::property member;
+        studies::point_property member;
     };
     constexpr shown_property properties[] = {
         {"t", "K", &studies::point::t},        {"p", "Pa", &studies::point::p},    {"h", "J/kg", &studies::point::h},
         {"s", "J/(kg K)", &studies::point::s}, {"d", "kg/m3", &studies::point::d}, {"q", "1", &studies::point::q},
     };
-    report states = {.name = "states", .columns = {{"state"}}, .heading = true};
+    report states = {.name = "states", .columns = {{"no"}, {"state"}}, .heading = true, .keys = 2};
     for (const shown_property &one : properties)
         states.columns.push_back({one.name, name_of(studies::shown_unit(one.si, system))});
+    int number = 0; // as in a diagram
     for (const studies::cycle_state &state : cycle.states) {
-        std::vector<cell> row = {state.place};
+        std::vector<cell> row = {++number, state.place};
         for (const shown_property &one : properties)
             row.push_back(value_or_none(studies::in_unit(state.at.*one.member, studies::shown_unit(one.si, system))));
         states.rows.push_back(std::move(row));
@@ -130,8 +135,31 @@ void write_json(const std::vector<std::pair<std::string, cell>> &asked, const re
     std::cout << document.dump(2) << '\n';
 }
 
+/// Draws the processes of a cycle as one line, and its states with their numbers.
+void draw(const request &asked, const solved_cycle &solved) {
+    picture_request picture{
+        .curves = {.kind = &diagram_kind_of("--diagram", asked.diagram), .units = asked.units.system()},
+        .path = asked.plot,
+        .show_states = true};
+    studies::overlay line{.label = std::filesystem::path(asked.path).stem().string()};
+    for (const studies::cycle_process &process : solved.result.processes)
+        for (const studies::point &one : process.points)
+            line.states.push_back(one.state);
+    studies::overlay corners{.marked = true, .joined = false};
+    for (const studies::cycle_state &one : solved.result.states)
+        corners.states.push_back(one.at.state);
+    picture.states = {std::move(line), std::move(corners)};
+    write_picture(picture, {&solved.chosen.fluid});
+}
+
 void show_one(const request &asked, const std::vector<const studies::cycle_figure *> &wanted) {
+    if (!asked.plot.empty()) {
+        diagram_kind_of("--diagram", asked.diagram);
+        check_picture_name("--plot", asked.plot);
+    }
     const solved_cycle solved = solve_cycle_file(asked.path);
+    if (!asked.plot.empty())
+        draw(asked, solved);
     const report states = states_of(solved.result, asked.units.system());
     report figures = figures_of(solved.result, wanted, asked.units.system());
     if (asked.form.json) {
@@ -142,6 +170,8 @@ void show_one(const request &asked, const std::vector<const studies::cycle_figur
     std::cout << '\n';
     figures.notes = solved.chosen.notes;
     write(figures, asked.form);
+    if (!asked.plot.empty())
+        (asked.form.csv ? std::cerr : std::cout << '\n') << printable(asked.plot) << '\n';
 }
 
 /// KEY=RANGE.
@@ -258,6 +288,13 @@ definition cycle() {
         {"--sweep", &asked->sweep,
          "KEY=FIRST:LAST:COUNT[:log]: the figures for each of these values, in place of the states"},
         {"--figures", &asked->figures, "Names of figures with commas between them; all if none is named"},
+        {"--plot", &asked->plot, "Draw the cycle in a diagram too, into a file .svg, .pdf or .png", false, "--sweep"},
+        {"--diagram",
+         &asked->diagram,
+         "The kind of the diagram: ts (the standard), ph, hs, pv or pt",
+         false,
+         "",
+         {"ts", "ph", "hs", "pv", "pt"}},
         asked->units.option()};
     std::ranges::move(asked->form.options(), std::back_inserter(arguments));
     return {
@@ -294,6 +331,7 @@ Figures:
 Examples:
   ostrel cycle Examples/Cycles/toluene.toml
   ostrel cycle Examples/Cycles/r134a.toml --figures cop_cooling,internal_pinch --json
+  ostrel cycle Examples/Cycles/steam.toml --plot steam-ts.svg
   ostrel cycle Examples/Cycles/toluene.toml --sweep evaporator.p=5bar:30bar:6 --figures efficiency,net_work)",
         .run = [asked] { serve(*asked); }};
 }

@@ -754,6 +754,8 @@ private:
         const std::string text = label_of(*line.of);
         const double size = size_of_labels();
         const double width = width_of(text);
+        // A minus sign must not look like a piece of the line.
+        const double gap = (text.starts_with("−") ? 20 : 9) * scale_;
         std::optional<label_box> best;
         diagram_point best_center{};
         double best_angle = 0;
@@ -780,7 +782,7 @@ private:
                     angle -= std::numbers::pi;
                 else if (angle <= -std::numbers::pi / 2 + 1e-3)
                     angle += std::numbers::pi;
-                const label_box box = box_around(center, width + 9 * scale_, 0.95 * size, angle, text);
+                const label_box box = box_around(center, width + gap, 0.95 * size, angle, text);
                 if (!is_free(box))
                     continue;
                 const double cost = crossings(box, &line) + 0.6 * std::abs(fraction - 0.8) + bend / size;

@@ -55,7 +55,7 @@ std::optional<saturated_points> saturation_at(const ostrel::fluid &fluid, double
     return saturated_points{*liquid, *vapor};
 }
 
-std::vector<crossing> crossings(const ostrel::fluid &fluid, const path &along, property watched,
+std::vector<crossing> crossings(const ostrel::fluid &fluid, const path &along, point_property watched,
                                 std::size_t intervals) {
     const double p_crit = fluid.constant("p_crit");
     const auto critical = saturation_at(fluid, p_crit);

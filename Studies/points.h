@@ -49,7 +49,7 @@ std::optional<saturated_points> saturation_at(const ostrel::fluid &fluid, double
 using path = std::function<point(double)>;
 
 /// A property of points.
-using property = double point::*;
+using point_property = double point::*;
 
 /// Places on a path where it crosses the saturation line, in order. At one, the property of the path (h or s) is that
 /// of a saturated phase at its pressure.
@@ -58,7 +58,8 @@ struct crossing {
     point saturated; ///< the saturated phase there
     bool vapor;      ///< of which phase the line is
 };
-std::vector<crossing> crossings(const ostrel::fluid &fluid, const path &along, property watched, std::size_t intervals);
+std::vector<crossing> crossings(const ostrel::fluid &fluid, const path &along, point_property watched,
+                                std::size_t intervals);
 
 /// The states of a path at equal intervals and at its crossings.
 std::vector<point> sampled(const path &along, const std::vector<crossing> &corners, std::size_t intervals);
