@@ -40,7 +40,7 @@ chosen_fluid fluid_choice::open() const {
     std::string text;
     for (const auto &[key, value] : options)
         if (!value.empty())
-            text += (text.empty() ? "" : "; ") + key + "=" + value;
+            text.append(text.empty() ? "" : "; ").append(key).append("=").append(value);
     const ostrel::unchecked with(text);
     const bool is_path = words.find('/') != std::string::npos || words.ends_with(".osd");
     auto opened = !database.empty() ? ostrel::fluid::try_open_database(database, words, with)

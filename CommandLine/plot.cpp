@@ -171,6 +171,7 @@ void plot_diagram(const plot_request &asked) {
     const std::string file = std::filesystem::path(first.text("source")).stem().string();
     wanted.path = asked.output.empty() ? file + "-" + asked.kind + ".svg" : asked.output;
     std::vector<const ostrel::fluid *> drawn;
+    drawn.reserve(fluids.size());
     for (const chosen_fluid &one : fluids)
         drawn.push_back(&one.fluid);
     write_picture(wanted, drawn);

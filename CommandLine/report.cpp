@@ -194,7 +194,7 @@ std::string csv_text(const cell &value) {
     if (const auto *const whole = std::get_if<int>(&value))
         return std::to_string(*whole);
     const auto *const given = std::get_if<std::string>(&value);
-    const std::string text = given != nullptr ? on_one_line(*given) : "";
+    std::string text = given != nullptr ? on_one_line(*given) : "";
     if (text.find_first_of(",\"\r") == std::string::npos)
         return text;
     std::string quoted = "\"";

@@ -35,12 +35,12 @@ std::vector<double> usual_temperatures(const ostrel::fluid &fluid, const studies
         if ((t_crit - lowest) / step > 25)
             step *= factor;
     std::vector<double> result;
-    for (double t = std::ceil(studies::in_unit(lowest, shown) / step) * step;; t += step) {
-        const double value = t * shown.factor + shown.offset;
-        if (!(value < t_crit))
-            break;
-        result.push_back(value);
-    }
+    const double first = std::ceil(studies::in_unit(lowest, shown) / step);
+    const auto value = [&](std::size_t i) {
+        return (first + static_cast<double>(i)) * step * shown.factor + shown.offset;
+    };
+    for (std::size_t i = 0; value(i) < t_crit; ++i)
+        result.push_back(value(i));
     result.push_back(t_crit);
     return result;
 }
@@ -62,10 +62,12 @@ std::vector<double> wanted_values(const request &asked, const ostrel::fluid &flu
         const double lowest = fluid.saturation("t", "p", std::span(result).first(1)).vapor(0, 0);
         const double highest = fluid.constant("p_crit");
         result.clear();
-        for (double power = std::pow(10.0, std::floor(std::log10(lowest))); power < highest; power *= 10)
+        const int first = static_cast<int>(std::floor(std::log10(lowest)));
+        const int last = static_cast<int>(std::floor(std::log10(highest)));
+        for (int power = first; power <= last; ++power)
             for (const double factor : {1.0, 2.0, 5.0})
-                if (factor * power >= lowest && factor * power < highest)
-                    result.push_back(factor * power);
+                if (const double p = factor * std::pow(10.0, power); p >= lowest && p < highest)
+                    result.push_back(p);
         result.push_back(highest);
     }
     return result;

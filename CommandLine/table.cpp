@@ -130,7 +130,9 @@ void serve(const request &asked) {
                           : "the table is complete already");
     const stop_signals signals;
     progress bar(total);
-    std::vector<double> first, second, values;
+    std::vector<double> first;
+    std::vector<double> second;
+    std::vector<double> values;
     std::vector<int> status;
     std::vector<std::vector<cell>> rows;
     const std::size_t begun_at = done;

@@ -83,7 +83,7 @@ public:
         run("BEGIN");
         for (std::size_t i = 0; i < rows.size(); ++i) {
             sqlite3_reset(insert_.get());
-            sqlite3_bind_int64(insert_.get(), 1, static_cast<sqlite3_int64>(first + i));
+            sqlite3_bind_int64(insert_.get(), 1, static_cast<sqlite3_int64>(first) + static_cast<sqlite3_int64>(i));
             for (std::size_t k = 0; k < rows[i].size(); ++k)
                 bind(insert_, static_cast<int>(k) + 2, rows[i][k]);
             step(insert_);

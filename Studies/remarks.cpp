@@ -24,8 +24,8 @@ constexpr double rounding = 1e-9;
 
 std::string short_number(double value) {
     std::array<char, 32> text{};
-    const auto end = std::to_chars(text.begin(), text.end(), value, std::chars_format::general, 6).ptr;
-    return {text.begin(), end};
+    const auto *const end = std::to_chars(text.begin(), text.end(), value, std::chars_format::general, 6).ptr;
+    return {text.data(), static_cast<std::size_t>(end - text.data())};
 }
 
 /// Those of the outputs that stand in the list; a derivative does if it has one of the letters.
