@@ -25,7 +25,7 @@ struct request {
     std::string sweep;
     std::string figures;
     std::string plot;
-    std::string diagram = "ts";
+    std::string diagram;
     units_option units{"engineering"};
     report_form form;
 };
@@ -68,7 +68,7 @@ std::vector<std::pair<std::string, cell>> asked_of(const std::string &path, cons
             {"options", std::string(fluid.text("options"))}};
 }
 
-report states_of(const studies::cycle_result &cycle, studies::unit_system system) {
+report states_of(const ostrel::fluid &fluid, const studies::cycle_result &cycle, studies::unit_system system) {
     struct shown_property {
         const char *name;
         const char *si;
@@ -81,11 +81,14 @@ report states_of(const studies::cycle_result &cycle, studies::unit_system system
     report states = {.name = "states", .columns = {{"no"}, {"state"}}, .heading = true, .keys = 2};
     for (const shown_property &one : properties)
         states.columns.push_back({one.name, name_of(studies::shown_unit(one.si, system))});
+    states.columns.push_back({"note", "", true});
+    const studies::remarks remarks(fluid, {"h", "s", "d"}, "hs");
     int number = 0; // as in a diagram
     for (const studies::cycle_state &state : cycle.states) {
         std::vector<cell> row = {++number, state.place};
         for (const shown_property &one : properties)
             row.push_back(value_or_none(studies::in_unit(state.at.*one.member, studies::shown_unit(one.si, system))));
+        row.emplace_back(texts_of(remarks.at(state.at.t, state.at.p, state.at.state.phase)));
         states.rows.push_back(std::move(row));
     }
     return states;
@@ -135,10 +138,14 @@ void write_json(const std::vector<std::pair<std::string, cell>> &asked, const re
     std::cout << document.dump(2) << '\n';
 }
 
+std::string kind_of(const request &asked) {
+    return asked.diagram.empty() ? "ts" : asked.diagram;
+}
+
 /// Draws the processes of a cycle as one line, and its states with their numbers.
 void draw(const request &asked, const solved_cycle &solved) {
     picture_request picture{
-        .curves = {.kind = &diagram_kind_of("--diagram", asked.diagram), .units = asked.units.system()},
+        .curves = {.kind = &diagram_kind_of("--diagram", kind_of(asked)), .units = asked.units.system()},
         .path = asked.plot,
         .show_states = true};
     studies::overlay line{.label = std::filesystem::path(asked.path).stem().string()};
@@ -154,13 +161,13 @@ void draw(const request &asked, const solved_cycle &solved) {
 
 void show_one(const request &asked, const std::vector<const studies::cycle_figure *> &wanted) {
     if (!asked.plot.empty()) {
-        diagram_kind_of("--diagram", asked.diagram);
+        diagram_kind_of("--diagram", kind_of(asked));
         check_picture_name("--plot", asked.plot);
     }
     const solved_cycle solved = solve_cycle_file(asked.path);
     if (!asked.plot.empty())
         draw(asked, solved);
-    const report states = states_of(solved.result, asked.units.system());
+    const report states = states_of(solved.chosen.fluid, solved.result, asked.units.system());
     report figures = figures_of(solved.result, wanted, asked.units.system());
     if (asked.form.json) {
         write_json(asked_of(asked.path, solved.chosen.fluid), states, figures, solved.chosen.notes);
@@ -185,7 +192,7 @@ swept_key read_sweep(const std::string &text) {
     const std::size_t sign = text.find('=');
     if (sign == std::string::npos)
         throw wrong_argument("--sweep: \"" + printable(text) +
-                             "\" is no sweep; write KEY=FIRST:LAST:COUNT, as in "
+                             "\" is not a sweep; write KEY=FIRST:LAST:COUNT, as in "
                              "evaporator.p=5bar:30bar:26");
     const std::string name = text.substr(0, sign);
     const studies::cycle_key *const key = studies::cycle_key_named(name);
@@ -193,13 +200,40 @@ swept_key read_sweep(const std::string &text) {
         std::vector<std::string> names;
         for (const studies::cycle_key &row : studies::cycle_keys())
             names.push_back(std::string(row.section) + '.' + std::string(row.name));
-        throw wrong_argument("--sweep: there is no key \"" + printable(name) + "\". " + did_you_mean(name, names));
+        const std::string meant = did_you_mean(name, names);
+        throw wrong_argument("--sweep: there is no key \"" + printable(name) + "\". " +
+                             (meant.empty() ? "ostrel cycle --help lists the keys." : meant));
     }
     try {
-        return {key, name, studies::parse_range(text.substr(sign + 1), key->si, key->difference)};
+        const studies::range values = studies::parse_range(text.substr(sign + 1), key->si, key->difference);
+        constexpr std::size_t most_values = 1'000'000;
+        if (values.count > most_values)
+            throw wrong_argument("--sweep: at most " + std::to_string(most_values) + " values can be swept");
+        return {key, name, values};
     } catch (const studies::wrong_value &reason) {
         throw wrong_argument("--sweep: " + std::string(reason.what()));
     }
+}
+
+/// The keys that say the same in another way.
+std::vector<const char *> alternatives_of(const std::string &name) {
+    static constexpr const char *alternatives[][2] = {
+        {"evaporator.p", "evaporator.t"},
+        {"condenser.p", "condenser.t"},
+        {"evaporator.superheat", "evaporator.t_out"},
+        {"condenser.subcooling", "condenser.t_out"},
+        {"regenerator.effectiveness", "regenerator.pinch"},
+        {"exchanger.effectiveness", "exchanger.pinch"},
+        {"flow.mass", "flow.power"},
+    };
+    std::vector<const char *> result;
+    for (const auto &[one, other] : alternatives) {
+        if (name == one)
+            result.push_back(other);
+        if (name == other)
+            result.push_back(one);
+    }
+    return result;
 }
 
 void show_sweep(const request &asked, const std::vector<const studies::cycle_figure *> &wanted) {
@@ -211,6 +245,9 @@ void show_sweep(const request &asked, const std::vector<const studies::cycle_fig
         studies::cycle_figures figures;
         std::string reason;
     };
+    // What the file gives in place of the key goes.
+    for (const char *const other : alternatives_of(swept.name))
+        file.wanted.*studies::cycle_key_named(other)->member = std::nullopt;
     std::vector<outcome> outcomes;
     for (std::size_t i = 0; i < swept.values.count; ++i) {
         outcome one{swept.values.at(i), {}, {}};
@@ -254,6 +291,8 @@ void show_sweep(const request &asked, const std::vector<const studies::cycle_fig
 
 void serve(const request &asked) {
     asked.units.system();
+    if (asked.plot.empty() && !asked.diagram.empty())
+        throw wrong_argument("--diagram is for --plot, which names the file of the picture");
     const auto wanted = wanted_figures(asked.figures);
     if (asked.sweep.empty())
         show_one(asked, wanted);
@@ -291,7 +330,7 @@ definition cycle() {
         {"--plot", &asked->plot, "Draw the cycle in a diagram too, into a file .svg, .pdf or .png", false, "--sweep"},
         {"--diagram",
          &asked->diagram,
-         "The kind of the diagram: ts (the standard), ph, hs, pv or pt",
+         "The kind of the diagram: ts (the default), ph, hs, pv or pt",
          false,
          "",
          {"ts", "ph", "hs", "pv", "pt"}},
@@ -318,7 +357,7 @@ A file has the name of the fluid, and the options of its opening if others than 
   [turbine]
   efficiency = 0.85
 
-Kinds:
+Kinds (rankine if none is named):
 )" + table_of_kinds() +
             R"(
 Keys, with their SI units, what holds without them, and the kind of cycle that has them if only one has. The

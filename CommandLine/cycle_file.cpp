@@ -6,8 +6,10 @@
 #include "Studies/units.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 #include <toml++/toml.h>
 #include <utility>
 #include <vector>
@@ -49,12 +51,18 @@ public:
 
 private:
     toml::table parsed() const {
+        constexpr std::size_t longest = 1'000'000;
+        errno = 0;
         std::ifstream file(path_, std::ios::binary);
-        std::ostringstream text;
-        if (!file || !(text << file.rdbuf()))
-            throw failure(path_ + ": the file cannot be read");
+        std::string text(longest + 1, '\0');
+        file.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<std::size_t>(file.gcount()));
+        if (errno != 0)
+            throw failure(path_ + ": the file cannot be read: " + std::generic_category().message(errno));
+        if (text.size() > longest)
+            throw failure(path_ + ": the file is longer than a definition of a cycle can be");
         try {
-            return toml::parse(text.str(), path_);
+            return toml::parse(text, path_);
         } catch (const toml::parse_error &reason) {
             throw refused(reason.source(), printable(reason.description()));
         }
@@ -174,7 +182,7 @@ solved_cycle solve_cycle_file(const std::string &path) {
 }
 
 std::string table_of_cycle_keys() {
-    report keys = {.columns = {{"key"}, {"unit"}, {"standard"}, {"kind"}, {"meaning"}}};
+    report keys = {.columns = {{"key"}, {"unit"}, {"default"}, {"kind"}, {"meaning"}}};
     for (const studies::cycle_key &row : studies::cycle_keys())
         keys.rows.push_back(
             {std::string(row.section) + '.' + std::string(row.name), std::string(row.si),

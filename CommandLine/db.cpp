@@ -143,6 +143,7 @@ definition db() {
                        .run = [given] { export_files(given->database, given->folder, given->texts, given->force); }};
     return {.name = "db",
             .meaning = "Fill a fluid database (SQLite), or take files out of one",
+            .notes = "Examples:\n  ostrel db import fluids.db Fluids/toluene.osd Fluids/water.osd",
             .parts = {std::move(put), std::move(take)}};
 }
 

@@ -109,7 +109,9 @@ double number_of(const std::string &name, std::string_view text) {
     double value = 0;
     const auto [end, status] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (status != std::errc{} || end != digits.data() + digits.size())
-        throw wrong_argument(name + ": \"" + std::string(text) + "\" is not a number that this program can hold");
+        throw wrong_argument(
+            name + ": \"" + std::string(text) +
+            "\" is not a number that this program can hold; --entry-points takes SI numbers without units");
     return value;
 }
 

@@ -9,6 +9,8 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace command {
 namespace {
@@ -67,14 +69,31 @@ std::array<std::string, 2> texts_of(const std::string &line) {
     return {line.substr(0, at), at < line.size() ? line.substr(at + 1) : ""};
 }
 
+/// The line as it is printed again: its tabulators stay.
+std::string echoed(const std::string &line) {
+    std::string text = printable(line);
+    for (std::size_t i = 0; i < line.size(); ++i)
+        if (line[i] == '\t')
+            text[i] = '\t';
+    return text;
+}
+
+/// Fails if standard input is closed or a folder; reading would say nothing of it.
+void check_input() {
+    struct stat about {};
+    if (fstat(STDIN_FILENO, &about) != 0 || S_ISDIR(about.st_mode))
+        throw failure("standard input cannot be read");
+}
+
 class filter {
 public:
     explicit filter(const request &asked)
         : asked_(asked), chosen_(asked.fluid.open()), si_(units_of_pair(chosen_.fluid, asked.pair)),
-          wanted_(chosen_.fluid, asked.outputs, asked.units.system()), pair_(lower_letters(asked.pair)) {
+          wanted_(chosen_.fluid, asked.outputs, asked.units.system(), lower_letters(asked.pair)),
+          pair_(lower_letters(asked.pair)) {
         if (asked.bad_lines != "stop" && asked.bad_lines != "skip" && asked.bad_lines != "keep")
             throw wrong_argument("--bad-lines: \"" + printable(asked.bad_lines) +
-                                 "\" is no choice; there are stop, skip and keep");
+                                 "\" is not one of stop, skip and keep");
         if (asked.echo)
             columns_.push_back({"line"});
         std::ranges::move(wanted_.columns(), std::back_inserter(columns_));
@@ -83,6 +102,7 @@ public:
     }
 
     void run() {
+        check_input();
         const stop_signals signals;
         if (asked_.heading && !asked_.json_lines)
             std::cout << csv_heading(columns_) << '\n' << std::flush;
@@ -156,7 +176,7 @@ private:
         for (std::size_t i = 0; i < lines_.size(); ++i) {
             row_.clear();
             if (asked_.echo)
-                row_.emplace_back(printable(lines_[i].line));
+                row_.emplace_back(echoed(lines_[i].line));
             if (lines_[i].problem.empty()) {
                 add_cells(row_, wanted_, std::span(values_).subspan(i * width, width), status_[i]);
             } else {
@@ -197,7 +217,7 @@ definition eval() {
         asked->units.option(),
         {"--bad-lines",
          &asked->bad_lines,
-         "stop (the standard) at a line that cannot be read, skip it, or keep a line without values for it",
+         "stop (the default) at a line that cannot be read, skip it, or keep a line without values for it",
          false,
          "",
          {"stop", "skip", "keep"}},

@@ -42,6 +42,9 @@ chosen_fluid fluid_choice::open() const {
         if (!value.empty())
             text.append(text.empty() ? "" : "; ").append(key).append("=").append(value);
     const ostrel::unchecked with(text);
+    std::error_code ignored;
+    if (!database.empty() && !std::filesystem::is_regular_file(database, ignored))
+        throw failure("database \"" + printable(database) + "\": there is no such file");
     const bool is_path = words.find('/') != std::string::npos || words.ends_with(".osd");
     auto opened = !database.empty() ? ostrel::fluid::try_open_database(database, words, with)
                   : is_path         ? ostrel::fluid::try_open_file(words, with)

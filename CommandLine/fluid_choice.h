@@ -14,7 +14,7 @@ namespace command {
 
 /// The help text of an argument that names a fluid.
 inline constexpr const char *fluid_argument =
-    "A fluid: its name, refrigerant number, formula, CAS number or file; with a / or .osd a parameter file";
+    "A fluid: its name, refrigerant number, formula, CAS number or file; or the path of a file, with / or .osd in it";
 
 /// An opened fluid, and which file was taken, unless the words are its own name.
 struct chosen_fluid {

@@ -43,7 +43,7 @@ bool unknown_command(const CLI::App &program) {
     if (rest.empty() || names.empty())
         return false;
     const std::string meant = command::did_you_mean(rest.front(), names);
-    std::cerr << '"' << rest.front() << "\" is no command. "
+    std::cerr << '"' << rest.front() << "\" is not a command. "
               << (meant.empty() ? "There are " + command::joined(names, ", ", " and ") + '.' : meant) << '\n';
     return true;
 }

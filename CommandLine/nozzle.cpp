@@ -28,7 +28,7 @@ std::size_t number_of_steps(const std::string &text) {
     std::size_t count = 0;
     const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), count);
     if (status != std::errc{} || end != text.data() + text.size() || count < 1 || count > most)
-        throw wrong_argument("--steps: \"" + printable(text) + "\" is no number of steps; it must be from 1 to " +
+        throw wrong_argument("--steps: \"" + printable(text) + "\" is not a number of steps; it must be from 1 to " +
                              std::to_string(most));
     return count;
 }
@@ -80,10 +80,13 @@ void serve(const request &asked) {
         const studies::unit shown = studies::shown_unit(one.si, system);
         table.columns.push_back({one.name, shown.name == "1" ? std::string() : std::string(shown.name)});
     }
+    table.columns.push_back({"note", "", true});
+    const studies::remarks remarks(chosen.fluid, {"d", "h", "c", "fundamental"}, "hs");
     for (const studies::nozzle_step &step : flow.steps) {
         std::vector<cell> row = {std::string(step.place)};
         for (const shown_value &one : values)
             row.push_back(value_or_none(studies::in_unit(one.of(step), studies::shown_unit(one.si, system))));
+        row.emplace_back(texts_of(remarks.at(step.at.t, step.at.p, step.at.state.phase)));
         table.rows.push_back(std::move(row));
     }
     std::ranges::move(flow.notes, std::back_inserter(table.notes));

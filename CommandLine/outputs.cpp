@@ -57,8 +57,12 @@ auto argument_value(const std::string &name, Make make) {
 } // namespace
 
 argument units_option::option() {
-    return {"--units", &word, "si or engineering (bar, degC, kJ/kg, kJ/(kg K), mPa s); values that are given have any",
-            false,     "",    {"si", "engineering"}};
+    return {"--units",
+            &word,
+            "si or engineering (bar, degC, kJ/kg, kJ/(kg K), mPa s); values in arguments may have any unit",
+            false,
+            "",
+            {"si", "engineering"}};
 }
 
 studies::unit_system units_option::system() const {
@@ -66,7 +70,7 @@ studies::unit_system units_option::system() const {
         return studies::unit_system::si;
     if (word == "engineering")
         return studies::unit_system::engineering;
-    throw wrong_argument("--units: \"" + printable(word) + "\" is no system of units; there are si and engineering");
+    throw wrong_argument("--units: \"" + printable(word) + "\" is not a system of units; there are si and engineering");
 }
 
 std::array<std::string, 2> units_of_pair(const ostrel::fluid &fluid, const std::string &pair) {
@@ -127,8 +131,8 @@ std::string table_of_outputs() {
 }
 
 wanted_outputs::wanted_outputs(const ostrel::fluid &fluid, const std::vector<std::string> &words,
-                               studies::unit_system system)
-    : names_(names_or_all(words)), remarks_(fluid, names_) {
+                               studies::unit_system system, std::string_view pair)
+    : names_(names_or_all(words)), remarks_(fluid, names_, pair) {
     for (const std::string &name : names_)
         asked_ += name + ",";
     asked_ += "t,p,q,phase";
@@ -165,13 +169,20 @@ std::vector<const studies::remark *> wanted_outputs::remarks_on(std::span<const 
     return remarks_.at(values[size()], values[size() + 1], static_cast<int>(phase));
 }
 
+std::string texts_of(const std::vector<const studies::remark *> &remarks) {
+    std::string texts;
+    for (const studies::remark *const one : remarks)
+        texts += (texts.empty() ? "" : "\n") + one->text;
+    return texts;
+}
+
 void add_cells(std::vector<cell> &row, const wanted_outputs &wanted, std::span<const double> values, int status) {
     for (std::size_t i = 0; i < wanted.size(); ++i)
         row.push_back(wanted.shown(i, values[i]));
     row.emplace_back(status);
     std::string note = status != OSTREL_OK ? std::string(ostrel::status_text(status)) + '.' : "";
-    for (const studies::remark *const remark : wanted.remarks_on(values))
-        note += (note.empty() ? "" : "\n") + remark->text;
+    if (const std::string remarks = texts_of(wanted.remarks_on(values)); !remarks.empty())
+        note += (note.empty() ? "" : "\n") + remarks;
     row.emplace_back(std::move(note));
 }
 

@@ -45,7 +45,9 @@ class wanted_outputs {
 public:
     /// `words` are names, several with commas between them; without words, all outputs. Fails with the library's
     /// message for an unknown name.
-    wanted_outputs(const ostrel::fluid &fluid, const std::vector<std::string> &words, studies::unit_system system);
+    /// `pair` are the letters of the inputs.
+    wanted_outputs(const ostrel::fluid &fluid, const std::vector<std::string> &words, studies::unit_system system,
+                   std::string_view pair = "");
 
     std::size_t size() const { return rows_.size(); }
     const std::vector<std::string> &names() const { return names_; }
@@ -72,6 +74,9 @@ private:
     std::string asked_;
     studies::remarks remarks_;
 };
+
+/// The texts of remarks, one on each line.
+std::string texts_of(const std::vector<const studies::remark *> &remarks);
 
 /// Adds the cells of a state to a row: its outputs, its status, and a note with its remarks or with the reason why
 /// there is no state.

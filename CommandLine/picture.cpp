@@ -26,7 +26,7 @@ const studies::diagram_kind &diagram_kind_of(const std::string &argument, const 
     for (const studies::diagram_kind &one : studies::diagram_kinds())
         names.emplace_back(one.name);
     const std::string meant = did_you_mean(name, names);
-    throw wrong_argument(argument + ": \"" + printable(name) + "\" is no diagram. " +
+    throw wrong_argument(argument + ": \"" + printable(name) + "\" is not a diagram. " +
                          (meant.empty() ? "" : meant + ' ') + "There are " + joined(names, ", ", " and "));
 }
 

@@ -61,7 +61,7 @@ std::optional<studies::axis_range> axis_of(const char *option, const std::string
     const std::vector<std::string> ends = parts_of(text, ':');
     const std::string name = std::string(option) + ": ";
     if (ends.size() != 2)
-        throw wrong_argument(name + in_quotes(text) + " is no range; LOW:HIGH is wanted");
+        throw wrong_argument(name + in_quotes(text) + " is not a range; LOW:HIGH is wanted");
     const studies::axis_range range = {value_of(option, ends[0], axis.si), value_of(option, ends[1], axis.si)};
     if (!(range.low < range.high) || !std::isfinite(range.high - range.low))
         throw wrong_argument(name + "the first value must be below the second one");
@@ -88,7 +88,7 @@ std::array<double, 2> size_of(const plot_request &asked) {
     }
     if (!valid)
         throw wrong_argument("--size: " + in_quotes(asked.size) +
-                             " is no size; WIDTHxHEIGHT is wanted, each from 200 to 5000");
+                             " is not a size; WIDTHxHEIGHT is wanted, each from 200 to 5000");
     return size;
 }
 
@@ -167,6 +167,7 @@ void plot_diagram(const plot_request &asked) {
     if (!asked.states.empty()) {
         wanted.states.push_back(states_of(asked.states, first));
         wanted.states.back().joined = asked.join;
+        wanted.show_states = true;
     }
     const std::string file = std::filesystem::path(first.text("source")).stem().string();
     wanted.path = asked.output.empty() ? file + "-" + asked.kind + ".svg" : asked.output;

@@ -34,7 +34,7 @@ void serve(const request &asked) {
     const auto si = units_of_pair(fluid, asked.pair);
     const double first = value_of("VALUE1", asked.texts[0], si[0]);
     const double second = value_of("VALUE2", asked.texts[1], si[1]);
-    const wanted_outputs wanted(fluid, asked.outputs, system);
+    const wanted_outputs wanted(fluid, asked.outputs, system, lower_letters(asked.pair));
 
     const ostrel::unchecked pair(asked.pair);
     if (const auto there = fluid.try_value(pair, first, second, "t"); !there)
@@ -82,6 +82,19 @@ void serve(const request &asked) {
     write(found, asked.form);
 }
 
+void refuse_options_of_handles(const request &asked) {
+    std::string given = asked.fluid.database.empty() ? "" : "--database";
+    for (const auto &[key, value] : asked.fluid.options)
+        if (!value.empty())
+            given = "--" + key;
+    if (asked.units.system() != studies::unit_system::si)
+        given = "--units engineering";
+    if (!given.empty())
+        throw wrong_argument("--entry-points: " + given +
+                             " is for handles; the entry points know only the fluid folder, "
+                             "the file's own equation and SI units");
+}
+
 } // namespace
 
 definition prop() {
@@ -109,6 +122,8 @@ Examples:
   ostrel prop water ps 5bar "1.5 kJ/(kg K)" t q --model pr --volume translated
   ostrel prop toluene tq 500 1 --json)help",
             .run = [asked] {
+                if (asked->entry_points)
+                    refuse_options_of_handles(*asked);
                 if (asked->entry_points)
                     serve_from_entry_points(
                         {asked->fluid.words, asked->pair, {asked->texts[0], asked->texts[1]}, asked->outputs},

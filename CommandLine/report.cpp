@@ -306,15 +306,37 @@ void write_columns(std::ostream &out, const report &what, std::string_view inden
     print(block);
 }
 
+namespace {
+
+/// The notes of the report stand in the first row, if rows have notes, and otherwise on standard error.
+void write_csv_with_notes(const report &what) {
+    const bool has_place = !what.rows.empty() && !what.columns.empty() && what.columns.back().note;
+    if (!has_place || what.notes.empty()) {
+        write_csv(std::cout, what);
+        for (const std::string &note : what.notes)
+            std::cerr << note << '\n';
+        return;
+    }
+    report noted = what;
+    std::string notes;
+    for (const std::string &note : what.notes)
+        notes += note + '\n';
+    notes += std::get<std::string>(what.rows.front().back());
+    while (notes.ends_with('\n'))
+        notes.pop_back();
+    noted.rows.front().back() = std::move(notes);
+    write_csv(std::cout, noted);
+}
+
+} // namespace
+
 void write(const report &what, const report_form &form) {
     if (form.json) {
         write_json(std::cout, what);
         return;
     }
     if (form.csv) {
-        write_csv(std::cout, what);
-        for (const std::string &note : what.notes)
-            std::cerr << note << '\n';
+        write_csv_with_notes(what);
         return;
     }
     const std::size_t width = terminal_width();

@@ -11,6 +11,8 @@
 namespace command {
 namespace {
 
+constexpr std::size_t most_values = 1'000'000;
+
 struct request {
     fluid_choice fluid;
     std::string input = "t";
@@ -50,6 +52,9 @@ std::vector<double> wanted_values(const request &asked, const ostrel::fluid &flu
     const std::string_view si = at_pressure ? "Pa" : "K";
     for (const std::string &text : asked.values) {
         const studies::range range = range_of("VALUE", text, si);
+        if (range.count > most_values - std::min(result.size(), most_values))
+            throw wrong_argument("VALUE: a table has at most " + std::to_string(most_values) +
+                                 " lines; ostrel table writes longer ones");
         for (std::size_t i = 0; i < range.count; ++i)
             result.push_back(range.at(i));
     }
@@ -77,7 +82,7 @@ void serve(const request &asked) {
     const studies::unit_system system = asked.units.system();
     if (asked.input != "t" && asked.input != "p")
         throw wrong_argument("--by: \"" + printable(asked.input) +
-                             "\" is no input; a saturation table is by t or by p");
+                             "\" is not an input; a saturation table is by t or by p");
     const chosen_fluid chosen = asked.fluid.open();
     const ostrel::fluid &fluid = chosen.fluid;
     const bool at_pressure = asked.input == "p";
@@ -126,9 +131,7 @@ void serve(const request &asked) {
             row.push_back(wanted.shown(k, vapor[k]));
         }
         row.emplace_back(studies::in_unit(vapor[at_h] - liquid[at_h], of_h));
-        std::string notes;
-        for (const studies::remark *const remark : wanted.remarks_on(liquid))
-            notes += (notes.empty() ? "" : "\n") + remark->text;
+        std::string notes = texts_of(wanted.remarks_on(liquid));
         row.emplace_back(std::move(notes));
         found.rows.push_back(std::move(row));
     }
@@ -145,8 +148,8 @@ definition sat() {
     arguments.insert(arguments.begin() + 1,
                      {"VALUE", &asked->values,
                       "Temperatures (or pressures, with --by p), or ranges FIRST:LAST:COUNT[:log], with units; "
-                      "round ones if none is given"});
-    arguments.push_back({"--by", &asked->input, "t (the standard) or p: what the values are", false, "", {"t", "p"}});
+                      "round values if none is given"});
+    arguments.push_back({"--by", &asked->input, "t (the default) or p: what the values are", false, "", {"t", "p"}});
     arguments.push_back({"--outputs", &asked->outputs, "Outputs of both phases, with commas between them (d,h,s)"});
     arguments.push_back(asked->units.option());
     std::ranges::move(asked->form.options(), std::back_inserter(arguments));

@@ -74,7 +74,8 @@ unsigned workers_of(const std::string &text) {
     unsigned count = 0;
     const auto [end, status] = std::from_chars(text.data(), text.data() + text.size(), count);
     if (status != std::errc{} || end != text.data() + text.size() || count > 1024)
-        throw wrong_argument("--jobs: \"" + printable(text) + "\" is no number of threads; it must be from 0 to 1024");
+        throw wrong_argument("--jobs: \"" + printable(text) +
+                             "\" is not a number of threads; it must be from 0 to 1024");
     return count;
 }
 
@@ -100,7 +101,7 @@ void serve(const request &asked) {
     const studies::range outer = range_of("RANGE1", asked.ranges[0], si[0]);
     const studies::range inner = range_of("RANGE2", asked.ranges[1], si[1]);
     const wanted_outputs given(fluid, asked.outputs, system);
-    const wanted_outputs wanted(fluid, without_repeated(given.names(), pair), system);
+    const wanted_outputs wanted(fluid, without_repeated(given.names(), pair), system, pair);
     const studies::unit units[2] = {studies::shown_unit(si[0], system), studies::shown_unit(si[1], system)};
 
     std::vector<column> columns;
@@ -196,7 +197,7 @@ definition table() {
                               "An SQLite file that gets the table; a table that was stopped is continued", false,
                               "--output"},
                              {"--table", &asked->table, "The name of the table in the SQLite file (states)"},
-                             {"--jobs", &asked->jobs, "Number of threads; 0, the standard, for one on each core"}};
+                             {"--jobs", &asked->jobs, "Number of threads; 0, the default, for one on each core"}};
     arguments.insert(arguments.end(), std::begin(more), std::end(more));
     return {
         .name = "table",

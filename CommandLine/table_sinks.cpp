@@ -100,6 +100,8 @@ private:
     using statement = std::unique_ptr<sqlite3_stmt, closing>;
 
     [[noreturn]] void fail() const {
+        if (sqlite3_errcode(database_.get()) == SQLITE_CONSTRAINT)
+            throw failure("database \"" + printable(path_) + "\": another program is writing this table");
         throw failure("database \"" + printable(path_) + "\": " + sqlite3_errmsg(database_.get()));
     }
     static std::string quoted(const std::string &name) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Studies/curves.h"
 
+#include "Studies/remarks.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -177,25 +179,12 @@ private:
         }
         find_lowest_liquid();
     }
-    /// Some equations have cold liquids without any meaning, with entropies of vaporization of thousands of R. Real
-    /// ones are below 30 R. Nothing is drawn where they are above 40 R.
+    /// Some equations have cold liquids without any meaning; nothing is drawn of them.
     void find_lowest_liquid() {
-        constexpr double largest = 40;
-        const double r_gas = fluid_.constant("r_gas");
-        const auto fits = [&](double t) {
-            const sampled liquid = state_of(fluid_, "tq", t, 0);
-            const sampled vapor = state_of(fluid_, "tq", t, 1);
-            return !liquid.exists || !vapor.exists || vapor[property::s] - liquid[property::s] < largest * r_gas;
-        };
-        if (fits(t_low_))
+        const double lowest = lowest_liquid_temperature(fluid_, t_low_);
+        if (!(lowest > t_low_))
             return;
-        double low = t_low_;
-        double high = t_scale_;
-        while (high - low > 1e-3 * t_scale_) {
-            const double middle = (low + high) / 2;
-            (fits(middle) ? high : low) = middle;
-        }
-        t_low_ = high;
+        t_low_ = lowest;
         reason_ = lowest_temperature::liquid;
     }
     double ideal_volume() const { return fluid_.constant("r_gas") * t_scale_ / p_scale_; }

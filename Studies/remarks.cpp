@@ -5,6 +5,8 @@
 #include <array>
 #include <charconv>
 #include <iterator>
+#include <limits>
+#include <span>
 
 namespace studies {
 namespace {
@@ -76,24 +78,51 @@ std::string_view advice_on_model(std::string_view model) {
     return {};
 }
 
-remarks::remarks(const ostrel::fluid &fluid, const std::vector<std::string> &outputs)
+double lowest_liquid_temperature(const ostrel::fluid &fluid, double from) {
+    constexpr double largest = 40;
+    constexpr double accuracy = 1e-3;
+    const double t_crit = fluid.constant("t_crit");
+    const double r_gas = fluid.constant("r_gas");
+    const auto fits = [&](double t) {
+        const auto both = fluid.try_saturation("t", "s", std::span(&t, 1));
+        return !both || both->liquid.status()[0] != OSTREL_OK ||
+               both->vapor(0, 0) - both->liquid(0, 0) < largest * r_gas;
+    };
+    if (!(from < t_crit) || fits(from))
+        return std::numeric_limits<double>::quiet_NaN();
+    double low = from;
+    double high = t_crit;
+    while (high - low > accuracy * t_crit) {
+        const double middle = (low + high) / 2;
+        (fits(middle) ? high : low) = middle;
+    }
+    return high;
+}
+
+remarks::remarks(const ostrel::fluid &fluid, const std::vector<std::string> &outputs, std::string_view pair)
     : t_triple_(fluid.constant("t_triple")), t_cp_min_(fluid.constant("t_cp_min")),
-      t_cp_max_(fluid.constant("t_cp_max")), t_sat_min_(fluid.constant("t_sat_min")),
-      p_crit_(fluid.constant("p_crit")) {
+      t_cp_max_(fluid.constant("t_cp_max")), t_sat_min_(fluid.constant("t_sat_min")), p_crit_(fluid.constant("p_crit")),
+      t_liquid_(lowest_liquid_temperature(fluid, std::max(t_sat_min_, 0.3 * fluid.constant("t_crit")))) {
     below_triple_.text =
         "t is below the triple temperature, " + short_number(t_triple_) + " K: the real fluid has no liquid there.";
     below_line_.text = "t is below " + short_number(t_sat_min_) +
                        " K, where the saturation line of this equation ends: it does not know which phase is stable.";
-    extrapolated_ = about(those_of(outputs, caloric, "hsu"),
+    const std::string_view model = fluid.text("model");
+    const std::string equation = "the equation " + std::string(model);
+    meaningless_liquid_.text = "t is below " + short_number(t_liquid_) + " K, and there the liquid of " + equation +
+                               " has no meaning: do not use these numbers.";
+    if (model == "ig" || model == "izg")
+        without_liquid_.text = "The real fluid may be a liquid here, which " + equation + " does not know.";
+    const bool caloric_inputs = pair.find_first_of("hsu") != std::string_view::npos;
+    extrapolated_ = about(caloric_inputs ? outputs : those_of(outputs, caloric, "hsu"),
                           "t is outside " + short_number(t_cp_min_) + " to " + short_number(t_cp_max_) +
                               " K, where the heat capacity was fitted: what depends on it is extrapolated.");
-    const std::string_view model = fluid.text("model");
     const bool translated = fluid.text("options").find("volume=translated") != std::string_view::npos;
     const bool of_two_constants = model == "srk" || model == "pr" || model == "rk";
     if (model != "mh" && !translated)
         liquid_density_ =
             about(those_of(outputs, of_volume, "vd"),
-                  "The volume of a liquid by the equation " + std::string(model) +
+                  "The volume of a liquid by " + equation +
                       (of_two_constants ? " is often wrong by 5 to 15 %; volume=translated is nearer." : " is rough."));
     const std::string_view viscosity = fluid.text("viscosity");
     const std::string_view conductivity = fluid.text("conductivity");
@@ -122,6 +151,8 @@ std::vector<const remark *> remarks::at(double t, double p, int phase) const {
     const bool dense = wet || p > 0.3 * p_crit_;
     add(below_triple_, t < t_triple_ * (1 - rounding));
     add(below_line_, t < t_sat_min_ * (1 - rounding) && !(t < t_triple_));
+    add(meaningless_liquid_, wet && t < t_liquid_);
+    add(without_liquid_, phase == vapor);
     add(extrapolated_, t < t_cp_min_ * (1 - rounding) || t > t_cp_max_ * (1 + rounding));
     add(liquid_density_, wet);
     add(dilute_viscosity_, dense);

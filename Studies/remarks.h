@@ -11,6 +11,10 @@
 
 namespace studies {
 
+/// The temperature [K], from a given one on, below which the liquid of the equation has no meaning: its entropy of
+/// vaporization is above 40 R there, while real ones are below 30 R. NaN if there is no such temperature.
+double lowest_liquid_temperature(const ostrel::fluid &fluid, double from);
+
 /// The name of a phase's number, as the output "phase" has it.
 std::string_view phase_name(int phase);
 
@@ -28,7 +32,8 @@ struct remark {
 class remarks {
 public:
     /// `outputs` are names of outputs in lower case, as "d" or "dp/dd|u".
-    remarks(const ostrel::fluid &fluid, const std::vector<std::string> &outputs);
+    /// `pair` are the letters of the inputs, if there are any: t follows from h, s and u by the heat capacity.
+    remarks(const ostrel::fluid &fluid, const std::vector<std::string> &outputs, std::string_view pair = "");
 
     /// Remarks on a state with this temperature [K], pressure [Pa] and phase. They live as long as this object.
     std::vector<const remark *> at(double t, double p, int phase) const;
@@ -39,9 +44,12 @@ private:
     double t_cp_max_;
     double t_sat_min_;
     double p_crit_;
+    double t_liquid_;
     // Without text if they are never made.
     remark below_triple_;
     remark below_line_;
+    remark meaningless_liquid_;
+    remark without_liquid_;
     remark extrapolated_;
     remark liquid_density_;
     remark dilute_viscosity_;

@@ -51,18 +51,24 @@ constexpr unit table[] = {
     {"bar", "Pa", 1e5},
     {"atm", "Pa", atm},
     {"psi", "Pa", psi},
+    {"torr", "Pa", atm / 760.0},
+    {"at", "Pa", 98066.5},
     {"m3/kg", "m3/kg", 1},
+    {"m³/kg", "m3/kg", 1},
     {"cm3/g", "m3/kg", 1e-3},
     {"l/kg", "m3/kg", 1e-3},
     {"kg/m3", "kg/m3", 1},
+    {"kg/m³", "kg/m3", 1},
     {"g/cm3", "kg/m3", 1e3},
     {"kg/l", "kg/m3", 1e3},
     {"J/kg", "J/kg", 1},
     {"kJ/kg", "J/kg", 1e3},
     {"MJ/kg", "J/kg", 1e6},
+    {"kcal/kg", "J/kg", 4186.8},
     {"J/(kg K)", "J/(kg K)", 1},
     {"kJ/(kg K)", "J/(kg K)", 1e3},
     {"J/kg/K", "J/(kg K)", 1},
+    {"kJ/(kg*K)", "J/(kg K)", 1e3},
     {"kJ/kg/K", "J/(kg K)", 1e3},
     {"1", "1", 1},
     {"%", "1", 1e-2},
@@ -208,7 +214,7 @@ range parse_range(std::string_view text, std::string_view si, bool difference) {
     if (parts.size() == 1)
         return {parse(text, si, difference), parse(text, si, difference)};
     if (parts.size() < 3 || parts.size() > 4 || (parts.size() == 4 && parts[3] != "log"))
-        throw wrong_value(quoted(text) + " is no range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log");
+        throw wrong_value(quoted(text) + " is not a range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log");
     range result{parse(parts[0], si, difference), parse(parts[1], si, difference)};
     std::string_view units[2];
     take_number(parts[0], units[0]);
@@ -218,7 +224,7 @@ range parse_range(std::string_view text, std::string_view si, bool difference) {
     const auto [end, status] = std::from_chars(parts[2].data(), parts[2].data() + parts[2].size(), result.count);
     if (status != std::errc{} || end != parts[2].data() + parts[2].size() || result.count < 1 ||
         result.count > most_values)
-        throw wrong_value(quoted(text) + ": " + quoted(parts[2]) + " is no number of values; it must be from 1 to " +
+        throw wrong_value(quoted(text) + ": " + quoted(parts[2]) + " is not a number of values; it must be from 1 to " +
                           std::to_string(most_values));
     result.logarithmic = parts.size() == 4;
     if (result.logarithmic && !(result.first > 0 && result.last > 0))

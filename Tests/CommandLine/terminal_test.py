@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The command ostrel at a terminal, at signals, and as a partner of another program.
 
-    terminal_test.py COMMAND FLUIDS [SECONDS]       SECONDS: for a million states (600)
+    terminal_test.py COMMAND FLUIDS [SANITIZERS]     with sanitizers, memory that was given back counts, too
 """
 import fcntl
 import os
@@ -20,7 +20,7 @@ import time
 import unittest
 
 COMMAND, FLUIDS = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
-SECONDS = float(sys.argv[3]) if len(sys.argv) > 3 else 600
+SANITIZED = len(sys.argv) > 3
 ENVIRONMENT = {**os.environ, "OSTREL_FLUIDS": FLUIDS, "LC_ALL": "C"}
 TABLE = ["table", "toluene", "pt", "1bar:60bar:1000:log", "300:700:1000", "d", "h", "s", "c"]
 
@@ -142,8 +142,9 @@ class LongTable(unittest.TestCase):
             used.append(usage.ru_maxrss)
         took = time.monotonic() - begun
         print(f"a million states: {took:.1f} s, {used[1] / 1024:.1f} MiB; ten thousand: {used[0] / 1024:.1f} MiB")
-        self.assertLess(used[1], 1.2 * used[0] + 2048)
-        self.assertLess(took, SECONDS)
+        if not SANITIZED:
+            self.assertLess(used[1], 1.2 * used[0] + 2048)
+        self.assertLess(took, 100)
 
     def test_progress_is_for_terminals_only(self):
         run = subprocess.run([COMMAND, *TABLE], env=ENVIRONMENT, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,

@@ -39,7 +39,7 @@ TEST(units, texts_that_are_no_values) {
     } const rows[] = {
         {"1.2bar", "K", "\"1.2bar\" is a pressure; the units of a temperature are K, degC, °C or degF"},
         {"12 furlong", "m3/kg",
-         "\"12 furlong\": there is no unit \"furlong\"; the units of a specific volume are m3/kg, cm3/g or l/kg"},
+         "\"12 furlong\": there is no unit \"furlong\"; the units of a specific volume are m3/kg, m³/kg, cm3/g or l/kg"},
         {"5 bar", "1", "\"5 bar\" is a pressure; a number without a unit, or with %, is wanted"},
         {"", "K", "\"\" is not a number, with or without a unit"},
         {"bar", "Pa", "\"bar\" is not a number, with or without a unit"},
@@ -81,13 +81,13 @@ TEST(units, ranges) {
     EXPECT_EQ(studies::parse_range("27 degC", "K").at(0), 300.15);
     EXPECT_EQ(studies::parse_range("5:5:1", "K").at(0), 5.0);
     for (const auto &[text, message] : {
-             std::pair("1:2", "is no range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log"),
-             std::pair("1:2:3:lin", "is no range"),
-             std::pair("1:2:3:log:4", "is no range"),
+             std::pair("1:2", "is not a range; write VALUE, FIRST:LAST:COUNT or FIRST:LAST:COUNT:log"),
+             std::pair("1:2:3:lin", "is not a range"),
+             std::pair("1:2:3:log:4", "is not a range"),
              std::pair("1:2bar:3", "one end has a unit and the other has none"),
-             std::pair("1:2:0", "\"0\" is no number of values"),
-             std::pair("1:2:1.5", "\"1.5\" is no number of values"),
-             std::pair("1:2:99999999999999999999999", "is no number of values"),
+             std::pair("1:2:0", "\"0\" is not a number of values"),
+             std::pair("1:2:1.5", "\"1.5\" is not a number of values"),
+             std::pair("1:2:99999999999999999999999", "is not a number of values"),
              std::pair("0:2:3:log", "both ends of a logarithmic range must be above 0"),
              std::pair("1:x:3", "\"x\" is not a number"),
              std::pair("", "is not a number"),
