@@ -8,7 +8,7 @@
 // Errors     a call that is refused raises the exception that ostrel/errors.py has for its status; so does a state that
 //            failed, unless the caller asks for the statuses
 // Threads    calls with arrays release the interpreter; any number of threads may use a handle
-#include "Studies/remarks.h"
+#include "Interfaces/Python/studies.h"
 #include "ostrel.hpp"
 
 #include <pybind11/numpy.h>
@@ -333,6 +333,7 @@ PYBIND11_MODULE(_core, module) {
     PYBIND11_NUMPY_DTYPE(ostrel_state, t, p, v, q, first, second, inputs, status, phase, reserved);
     module.attr("state_dtype") = py::dtype::of<ostrel_state>();
 
+    module.attr("NO_STATE") = int{OSTREL_NO_STATE};
     module.attr("BAD_ARGUMENT") = int{OSTREL_BAD_ARGUMENT};
     module.attr("OUT_OF_MEMORY") = int{OSTREL_OUT_OF_MEMORY};
 
@@ -365,6 +366,7 @@ PYBIND11_MODULE(_core, module) {
         .def("text", &handle::text_of);
     module.def("list", &list, py::arg("kind"), "Rows of a list of the library: (name, unit, description).");
     module.def("find", &find, py::arg("words"), "Fluids that the words find: (name of the file, name of the fluid).");
-    module.def("phase_name", &studies::phase_name, py::arg("phase"), "The name of a phase's number.");
     module.def("status_text", &ostrel_status_text, py::arg("status"), "What a status means.");
+    add_studies(module,
+                [](py::handle object) -> const ostrel::fluid & { return object.cast<const handle &>().fluid(); });
 }

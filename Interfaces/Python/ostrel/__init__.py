@@ -10,10 +10,12 @@
 >>> round(toluene.saturation(T=400.0).vapor.d, 3)
 4.551
 """
+from . import plot
 from ._core import version as __version__
-from .errors import ArgumentError, OpeningError, OstrelError, StateError
+from .cycles import Cycle, Process, cycle
+from .errors import ArgumentError, OpeningError, OstrelError, StateError, StudyError
 from .fluid import Fluid, Found, fluids
 from .state import Saturation, State
 
-__all__ = ["ArgumentError", "Fluid", "Found", "OpeningError", "OstrelError", "Saturation", "State", "StateError",
-           "__version__", "fluids"]
+__all__ = ["ArgumentError", "Cycle", "Fluid", "Found", "OpeningError", "OstrelError", "Process", "Saturation", "State",
+           "StateError", "StudyError", "__version__", "cycle", "fluids", "plot"]

@@ -24,11 +24,18 @@ class OpeningError(OstrelError):
     """There is no such fluid, or its parameters cannot be used."""
 
 
+class StudyError(OstrelError):
+    """The fluid cannot have this cycle or this diagram."""
+
+    def __init__(self, message: str, status: int = _core.NO_STATE) -> None:
+        super().__init__(message, status)
+
+
 class ArgumentError(OstrelError, ValueError):
     """The call cannot be understood."""
 
-    def __init__(self, message: str, status: int | None = None) -> None:
-        super().__init__(message, _core.BAD_ARGUMENT if status is None else status)
+    def __init__(self, message: str, status: int = _core.BAD_ARGUMENT) -> None:
+        super().__init__(message, status)
 
 
 def of_status(message: str, status: int) -> Exception:
