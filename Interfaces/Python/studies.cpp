@@ -7,6 +7,8 @@
 #include "Studies/units.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
 #include <optional>
 #include <pybind11/numpy.h>
@@ -61,17 +63,30 @@ py::dict properties() {
     return rows;
 }
 
+/// The range of an axis [SI].
+std::optional<studies::axis_range> axis(const char *name, const range &given, studies::property what) {
+    if (!given)
+        return std::nullopt;
+    const auto [low, high] = *given;
+    if (!std::isfinite(low) || !std::isfinite(high) || low >= high)
+        throw studies::wrong_value(std::string(name) + ": two numbers are wanted, the lower one first");
+    if (studies::text_of(what).logarithmic && (low <= 0 || high / low > 1e15))
+        throw studies::wrong_value(std::string(name) +
+                                   ": the axis is logarithmic, for values above 0 and at most 15 decades");
+    return studies::axis_range{low, high};
+}
+
 /// (range of x, range of y, saturation line, critical point or None, [(letter, value, [pieces])]), in SI units
 py::tuple diagram(const ostrel::fluid &fluid, std::string_view kind, const range &x, const range &y,
                   const std::optional<std::string> &lines, const std::string &units) {
     studies::diagram_request asked{.kind = studies::diagram_kind_named(kind)};
     if (asked.kind == nullptr)
         throw studies::wrong_value("there is no diagram \"" + std::string(kind) + '"');
-    const auto axis = [](const range &given) {
-        return given ? std::optional(studies::axis_range{(*given)[0], (*given)[1]}) : std::nullopt;
-    };
-    asked.x = axis(x);
-    asked.y = axis(y);
+    asked.x = axis("x", x, asked.kind->x);
+    asked.y = axis("y", y, asked.kind->y);
+    if (lines && lines->find_first_not_of(asked.kind->possible) != std::string::npos)
+        throw studies::wrong_value("the lines of this diagram are some of the letters " +
+                                   std::string(asked.kind->possible) + ", not \"" + *lines + '"');
     asked.families = lines;
     asked.units = system_named(units);
     const studies::diagram made = [&] {
@@ -127,15 +142,7 @@ py::list cycle_figures() {
     return rows;
 }
 
-/// The states of things that have a point, as an array.
-template <class Things, class Point>
-py::array_t<ostrel_state> states_of(const Things &things, Point point_of) {
-    py::array_t<ostrel_state> made(static_cast<py::ssize_t>(things.size()));
-    std::ranges::transform(things, made.mutable_data(), [&](const auto &thing) { return point_of(thing).state; });
-    return made;
-}
-
-/// ([place], states, [(process, its first state, its last state, states along it)], {figure: value})
+/// ([(place, state)], [(process, its first state, its last state, states along it)], {figure: value})
 py::tuple cycle(const ostrel::fluid &fluid, std::string_view kind, const py::dict &values) {
     studies::cycle_definition wanted;
     const auto kinds = studies::cycle_kinds();
@@ -153,20 +160,18 @@ py::tuple cycle(const ostrel::fluid &fluid, std::string_view kind, const py::dic
         const py::gil_scoped_release others_may_run;
         return studies::solve(fluid, wanted);
     }();
-    py::list places, processes;
+    py::list states, processes;
     for (const studies::cycle_state &one : solved.states)
-        places.append(one.place);
-    for (const studies::cycle_process &one : solved.processes)
-        processes.append(py::make_tuple(one.name, one.from, one.to,
-                                        states_of(
-                                            one.points, [](const studies::point &at) -> const auto & { return at; })));
+        states.append(py::make_tuple(one.place, one.at.state));
+    for (const studies::cycle_process &one : solved.processes) {
+        py::array_t<ostrel_state> along(static_cast<py::ssize_t>(one.points.size()));
+        std::ranges::transform(one.points, along.mutable_data(), &studies::point::state);
+        processes.append(py::make_tuple(one.name, one.from, one.to, along));
+    }
     py::dict figures;
     for (const studies::cycle_figure &row : studies::cycle_figure_list())
         figures[py::str(std::string(row.name))] = solved.figures.*row.member;
-    return py::make_tuple(places,
-                          states_of(
-                              solved.states, [](const studies::cycle_state &one) -> const auto & { return one.at; }),
-                          processes, figures);
+    return py::make_tuple(states, processes, figures);
 }
 
 /// Exceptions of the studies in Python: a text that means nothing, or a study that has no answer.

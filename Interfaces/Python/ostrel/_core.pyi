@@ -66,8 +66,7 @@ def cycle_figures() -> builtins.list[tuple[str, str, str]]: ...
 def cycle(
     handle: Handle, kind: str, values: dict[str, float]
 ) -> tuple[
-    builtins.list[str],
-    npt.NDArray[Any],
+    builtins.list[tuple[str, State]],
     builtins.list[tuple[str, int, int, npt.NDArray[Any]]],
     dict[str, float],
 ]: ...

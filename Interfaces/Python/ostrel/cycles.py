@@ -7,8 +7,6 @@ import tomllib
 from types import MappingProxyType
 from typing import TYPE_CHECKING, Any, Mapping, NamedTuple
 
-import numpy.typing as npt
-
 from . import _core
 from .arrays import Form, pint_unit
 from .errors import ArgumentError
@@ -42,7 +40,7 @@ class Cycle:
     >>> round(cycle.efficiency, 3), round(cycle.states["turbine inlet"].T, 1)
     (0.237, 519.4)
     >>> round(cycle.changed({"evaporator.p": 20e5}).efficiency, 3)
-    0.244
+    0.245
     """
 
     __slots__ = ("_fluid", "_kind", "_values", "_states", "_processes", "_figures")
@@ -73,14 +71,13 @@ class Cycle:
 
     def _solve(self, fluid: Fluid, kind: str, values: dict[str, float]) -> None:
         self._fluid, self._kind, self._values = fluid, kind, values
-        places, states, processes, figures = _core.cycle(fluid._handle, kind, values)
-        self._states = MappingProxyType({place: self._of(states[i:i + 1], ()) for i, place in enumerate(places)})
-        self._processes = [Process(name, places[first], places[last], self._of(along, along.shape))
-                           for name, first, last, along in processes]
+        states, processes, figures = _core.cycle(fluid._handle, kind, values)
+        places = [place for place, _ in states]
+        self._states = MappingProxyType({place: State(fluid, fluid._handle, one, None, True) for place, one in states})
+        self._processes = [
+            Process(name, places[first], places[last], State(fluid, fluid._handle, along, Form(along.shape), True))
+            for name, first, last, along in processes]
         self._figures = MappingProxyType(figures)
-
-    def _of(self, states: npt.NDArray[Any], shape: tuple[int, ...]) -> State:
-        return State(self._fluid, self._fluid._handle, states, Form(shape=shape), True)
 
     if TYPE_CHECKING:
         def __getattr__(self, name: str) -> Any: ...
