@@ -17,15 +17,24 @@ from c_library import listed, same_bits
 FLUIDS = pathlib.Path(os.environ["OSTREL_FLUIDS"])
 
 
-def test_ways_of_opening(tmp_path):
+def test_ways_of_opening():
     file = FLUIDS / "toluene.osd"
     text = file.read_text(encoding="utf-8")
-    with sqlite3.connect(tmp_path / "fluids.sqlite") as database:
-        database.execute("CREATE TABLE fluids (name TEXT PRIMARY KEY, parameters TEXT NOT NULL)")
     fluids = [ostrel.Fluid("toluene"), ostrel.Fluid("108-88-3"), ostrel.Fluid("toluene", folder=FLUIDS),
               ostrel.Fluid.from_file(file), ostrel.Fluid.from_file(str(file)), ostrel.Fluid.from_text(text)]
     assert len({fluid("pt", 1e5, 400.0, "h") for fluid in fluids}) == 1
     assert ostrel.Fluid.from_text(text, model="pr", reference="iir").options.startswith("model=pr")
+
+
+@pytest.mark.skipif(os.environ["OSTREL_DATABASES"] != "1", reason="the library is built without databases")
+def test_databases(tmp_path):
+    with sqlite3.connect(tmp_path / "own.sqlite") as database:
+        database.execute("CREATE TABLE fluid(name TEXT PRIMARY KEY, text TEXT NOT NULL)")
+        database.execute("INSERT INTO fluid VALUES ('mine', ?)", [(FLUIDS / "toluene.osd").read_text(encoding="utf-8")])
+    database.close()
+    fluid = ostrel.Fluid.from_database(tmp_path / "own.sqlite", "mine", model="pr")
+    assert fluid("pt", 1e5, 400.0, "h") == ostrel.Fluid("toluene", model="pr")("pt", 1e5, 400.0, "h")
+    assert pickle.loads(pickle.dumps(fluid)).texts == fluid.texts
 
 
 @pytest.mark.parametrize("open_it, exception, status", [
