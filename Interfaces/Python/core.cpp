@@ -115,7 +115,8 @@ private:
 };
 
 std::size_t count_of(const numbers &first, const numbers &second) {
-    const auto n = first.size(), m = second.size();
+    const auto n = first.size();
+    const auto m = second.size();
     if (first.ndim() != 1 || second.ndim() != 1 || (n != m && n != 1 && m != 1))
         throw failed{OSTREL_BAD_ARGUMENT, "the two inputs must have one dimension and the same length"};
     return static_cast<std::size_t>(n == 1 ? m : n);
@@ -190,9 +191,11 @@ public:
                        unsigned workers, bool with_status) const {
         const std::size_t count = count_of(first, second);
         columns made(outputs, count, with_status);
-        input one(first), other(second);
+        input one(first);
+        input other(second);
         in_blocks(count, block_for(workers), with_status, [&](std::size_t begin, std::size_t n) {
-            const double *const a = one.of(begin, n), *const b = other.of(begin, n);
+            const double *const a = one.of(begin, n);
+            const double *const b = other.of(begin, n);
             double *const values = made.room(n);
             const int status = workers == 1
                                    ? ostrel_fluid_evaluate(fluid_.handle(), text(inputs), text(outputs), n, a, b,
@@ -231,7 +234,8 @@ public:
         const std::size_t count = count_of(first, second);
         states made(static_cast<py::ssize_t>(count));
         ostrel_state *const data = made.mutable_data();
-        input one(first), other(second);
+        input one(first);
+        input other(second);
         in_blocks(count, block_for(1), with_status, [&](std::size_t begin, std::size_t n) {
             return ostrel_fluid_solve(fluid_.handle(), text(inputs), n, one.of(begin, n), other.of(begin, n),
                                       data + begin);
@@ -325,7 +329,7 @@ PYBIND11_MODULE(_core, module) {
     py::register_local_exception_translator([](std::exception_ptr problem) {
         try {
             if (problem)
-                std::rethrow_exception(problem);
+                std::rethrow_exception(std::move(problem));
         } catch (const failed &why) {
             raise(why);
         }

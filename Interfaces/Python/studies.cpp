@@ -16,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace py = pybind11;
@@ -41,7 +42,7 @@ studies::unit_system system_named(std::string_view name) {
         return studies::unit_system::si;
     if (name == "engineering")
         return studies::unit_system::engineering;
-    throw studies::wrong_value("units are \"si\" or \"engineering\", not \"" + std::string(name) + '"');
+    throw studies::wrong_value(R"(units are "si" or "engineering", not ")" + std::string(name) + '"');
 }
 
 /// [(name, letter of x, letter of y)]
@@ -160,7 +161,8 @@ py::tuple cycle(const ostrel::fluid &fluid, std::string_view kind, const py::dic
         const py::gil_scoped_release others_may_run;
         return studies::solve(fluid, wanted);
     }();
-    py::list states, processes;
+    py::list states;
+    py::list processes;
     for (const studies::cycle_state &one : solved.states)
         states.append(py::make_tuple(one.place, one.at.state));
     for (const studies::cycle_process &one : solved.processes) {
@@ -182,7 +184,7 @@ void translate(std::exception_ptr problem) {
     };
     try {
         if (problem)
-            std::rethrow_exception(problem);
+            std::rethrow_exception(std::move(problem));
     } catch (const studies::wrong_value &why) {
         raise("ArgumentError", why.what());
     } catch (const studies::impossible &why) {
