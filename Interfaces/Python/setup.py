@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Builds a wheel of the package with the library and the fluids in it. CMake builds and installs all of it, by the rules
-of the repository; CMAKE_ARGS has more arguments for it."""
+"""Builds a wheel of the package with the library and the fluids in it. CMake builds and installs all of it, by the
+rules of the repository; CMAKE_ARGS has more arguments for it."""
 import os
 import pathlib
 import shlex

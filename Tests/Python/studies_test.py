@@ -34,7 +34,8 @@ def test_lines_of_diagrams(kind, x, y):
     """Each point of the saturation line and of an isoline is a state of the fluid there."""
     ax = getattr(ostrel.plot, kind)(TOLUENE)
     lines = {line.get_label(): line.get_xydata() for line in ax.get_lines()}
-    assert ax.get_xscale() == ("log" if x in "pv" else "linear") and ax.get_yscale() == ("log" if y in "pv" else "linear")
+    for letter, scale in ((x, ax.get_xscale()), (y, ax.get_yscale())):
+        assert scale == ("log" if letter in "pv" else "linear")
     dome = lines["saturation line"]
     assert len(dome) > 50
     on_line = next((column for column, letter in enumerate((x, y)) if letter in "pt"), None)
@@ -59,8 +60,7 @@ def test_lines_of_diagrams(kind, x, y):
 
 
 def test_units_and_ranges_of_diagrams():
-    si, engineering = ostrel.plot.ph(TOLUENE, x=(-6e5, 2e5), lines="t"), ostrel.plot.ph(TOLUENE, x=(-6e5, 2e5), lines="t",
-                                                                                      units="engineering")
+    si, engineering = (ostrel.plot.ph(TOLUENE, x=(-6e5, 2e5), lines="t", units=units) for units in ("si", "engineering"))
     assert si.get_xlim() == pytest.approx((-6e5, 2e5)) and engineering.get_xlim() == pytest.approx((-600, 200))
     assert engineering.get_ylabel() == "pressure $p$ [bar]" and si.get_ylabel() == "pressure $p$ [Pa]"
     assert engineering.texts and not ostrel.plot.ph(TOLUENE, labels=False).texts

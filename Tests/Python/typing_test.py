@@ -33,9 +33,9 @@ reveal_type(ostrel.fluids("x")[0].file)
 fluid("pt", 1e5, 400.0)
 """, encoding="utf-8")
     done = mypy("program.py", folder=tmp_path, MYPYPATH=str(PACKAGE.parent))
-    for line in ("program.py:5: error: Incompatible types in assignment", 'program.py:6: note: Revealed type is "ostrel',
-                 'program.py:7: note: Revealed type is "builtins.str"', 'program.py:8: error: Missing positional argument'):
-        assert line in done.stdout, done.stdout
+    for line in ('5: error: Incompatible types in assignment', '6: note: Revealed type is "ostrel',
+                 '7: note: Revealed type is "builtins.str"', '8: error: Missing positional argument'):
+        assert "program.py:" + line in done.stdout, done.stdout
     assert "Found 2 errors" in done.stdout
 
 

@@ -138,8 +138,10 @@ class Fluid:
                 and "," not in outputs:
             return self._value(inputs, first, second, outputs)
         names, with_status = Names(outputs), _with_status(errors)
-        letters = inputs.strip(" \t")
-        given, registry = without_units(list(zip(letters if len(letters) == 2 else ("first", "second"), (first, second))))
+        letters: Sequence[str] = inputs.strip(" \t")
+        if len(letters) != 2:  # the library says what is wrong with it
+            letters = "first", "second"
+        given, registry = without_units(list(zip(letters, (first, second))))
         if any(blocks.is_lazy(value) for _, value in given):
             form = Form(lazy=True)
             columns, status = blocks.evaluate(self, inputs, given[0][1], given[1][1], names, workers, errors)
@@ -163,7 +165,8 @@ class Fluid:
         array([0.087 , 0.0385])
         """
         if len(inputs) != 2 or any([len(name) != 1 for name in inputs]):
-            raise ArgumentError(f"a state has two inputs, such as p=1e5, T=400.0; there are {', '.join(inputs) or 'none'}")
+            raise ArgumentError(
+                f"a state has two inputs, such as p=1e5, T=400.0; there are {', '.join(inputs) or 'none'}")
         (one, first), (other, second) = inputs.items()
         if type(first) in PLAIN and type(second) in PLAIN and errors == "raise":
             return State(self, self._handle, self._handle.solve_one(one + other, first, second), None, True)
