@@ -18,7 +18,9 @@ set(OSTREL_FORTRAN_SOURCES ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90
     ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel_handles.f90)
 include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
-install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# A wheel of the Python package has the components library, fluids and python alone.
+install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT library NAMELINK_COMPONENT development)
 install(FILES Include/ostrel.h Include/ostrel_fluid.h Include/ostrel.hpp Include/ostrel_names.hpp
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES Documentation/Entry-points.md Documentation/Handles.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -26,7 +28,8 @@ install(FILES Documentation/Entry-points.md Documentation/Handles.md DESTINATION
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE PATTERN Fluid EXCLUDE)
 install(FILES ${OSTREL_FORTRAN_SOURCES} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
-install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} FILES_MATCHING PATTERN "*.osd" PATTERN index.csv)
+install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} COMPONENT fluids
+        FILES_MATCHING PATTERN "*.osd" PATTERN index.csv)
 
 install(EXPORT ostrelTargets NAMESPACE ostrel:: DESTINATION ${OSTREL_INSTALL_CMAKEDIR})
 configure_package_config_file(cmake/ostrelConfig.cmake.in ostrelConfig.cmake

@@ -1,0 +1,188 @@
+# SPDX-License-Identifier: MIT
+"""Rankine cycles and vapor compression."""
+from __future__ import annotations
+
+import os
+import tomllib
+from types import MappingProxyType
+from typing import TYPE_CHECKING, Any, Mapping, NamedTuple
+
+from . import _core
+from .arrays import Form, pint_unit
+from .errors import ArgumentError
+from .fluid import Fluid
+from .state import State
+
+_KEYS = {f"{section}.{name}": (si, difference) for section, name, si, difference, _, _ in _core.cycle_keys()}
+_SECTIONS = {name.split(".")[0] for name in _KEYS}
+_OPTIONS = {name for name, _, _ in _core.list("options")} - {"folder"}
+
+
+class Process(NamedTuple):
+    """What happens between two states of a cycle."""
+
+    name: str
+    first: str  #: place where it begins
+    last: str  #: place where it ends
+    states: State  #: the states along it, for drawings
+
+
+class Cycle:
+    """A cycle, solved from a definition like that of a file: the fluid's name, or a fluid; options of its opening; the
+    kind; and sections with numbers in SI units, texts with units, or quantities of pint.
+
+    The figures are attributes; those that the cycle does not have are NaN. ``help(ostrel.cycles)`` ends with the keys.
+
+    >>> import ostrel
+    >>> definition = {"fluid": "toluene", "kind": "rankine", "evaporator": {"p": "15 bar", "superheat": 5.0},
+    ...               "condenser": {"t": "45 degC"}, "turbine": {"efficiency": 0.85}}
+    >>> cycle = ostrel.Cycle(definition)
+    >>> round(cycle.efficiency, 3), round(cycle.states["turbine inlet"].T, 1)
+    (0.237, 519.4)
+    >>> round(cycle.changed({"evaporator.p": 20e5}).efficiency, 3)
+    0.245
+    """
+
+    __slots__ = ("_fluid", "_kind", "_values", "_states", "_processes", "_figures")
+
+    def __init__(self, definition: Mapping[str, Any]) -> None:
+        fluid: Any = None
+        kind, options, values = "rankine", {}, {}
+        for key, value in definition.items():
+            if key == "fluid":
+                fluid = value
+            elif key == "kind":
+                kind = value
+            elif key in _OPTIONS or key == "database":
+                options[key] = value
+            elif key in _SECTIONS and isinstance(value, Mapping):
+                values.update({f"{key}.{name}": one for name, one in value.items()})
+            else:
+                raise ArgumentError(f'there is no key or section "{key}"; there are fluid, kind, database, '
+                                    f"{', '.join(sorted(_OPTIONS))}, and the sections {', '.join(sorted(_SECTIONS))}")
+        if isinstance(fluid, Fluid) and options:
+            raise ArgumentError(f"the fluid is open already, so that it cannot have options: {', '.join(options)}")
+        if fluid is None:
+            raise ArgumentError('the fluid is wanted, as in "fluid": "toluene"')
+        if not isinstance(fluid, Fluid):
+            database = options.pop("database", None)
+            fluid = Fluid(fluid, **options) if database is None else Fluid.from_database(database, fluid, **options)
+        self._solve(fluid, kind, {name: _number(name, value) for name, value in values.items()})
+
+    def _solve(self, fluid: Fluid, kind: str, values: dict[str, float]) -> None:
+        self._fluid, self._kind, self._values = fluid, kind, values
+        states, processes, figures = _core.cycle(fluid._handle, kind, values)
+        places = [place for place, _ in states]
+        self._states = MappingProxyType({place: State(fluid, fluid._handle, one, None, True) for place, one in states})
+        self._processes = [
+            Process(name, places[first], places[last], State(fluid, fluid._handle, along, Form(along.shape), True))
+            for name, first, last, along in processes]
+        self._figures = MappingProxyType(figures)
+
+    if TYPE_CHECKING:
+        def __getattr__(self, name: str) -> Any: ...
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return _solved, (self._fluid, self._kind, dict(self._values))
+
+    def changed(self, values: Mapping[str, Any]) -> Cycle:
+        """The same cycle with other values, such as ``{"evaporator.p": "20 bar"}``; None takes a value away."""
+        merged = self._values | {name: value if value is None else _number(name, value)
+                                 for name, value in values.items()}
+        return _solved(self._fluid, self._kind, {name: value for name, value in merged.items() if value is not None})
+
+    @property
+    def fluid(self) -> Fluid:
+        """The fluid."""
+        return self._fluid
+
+    @property
+    def kind(self) -> str:
+        """The kind of the cycle."""
+        return self._kind
+
+    @property
+    def values(self) -> Mapping[str, float]:
+        """The values of the definition [SI]."""
+        return MappingProxyType(self._values)
+
+    @property
+    def states(self) -> Mapping[str, State]:
+        """The states by their places, in the order of the flow."""
+        return self._states
+
+    @property
+    def processes(self) -> list[Process]:
+        """What happens between the states, in the order of the flow."""
+        return list(self._processes)
+
+    @property
+    def figures(self) -> Mapping[str, float]:
+        """All figures [SI]."""
+        return self._figures
+
+    def plot(self, kind: str = "ts", ax: Any = None, **options: Any) -> Any:
+        """Draws the cycle in a diagram, as :func:`ostrel.plot.diagram` draws it, and returns the axes."""
+        from . import plot
+
+        ax = plot.diagram(kind, self._fluid, ax, **options)
+        of_x, of_y = next((x, y) for name, x, y in _core.diagram_kinds() if name == kind)
+        units = options.get("units", "si")
+        for process in self._processes:
+            ax.plot(*(plot._scaled(process.states[letter], letter, units) for letter in (of_x, of_y)), color="black",
+                    linewidth=1.0)
+        for number, state in enumerate(self._states.values(), 1):
+            place = tuple(plot._scaled(state[letter], letter, units) for letter in (of_x, of_y))
+            ax.plot(*place, "ko", markersize=3)
+            ax.annotate(str(number), place, textcoords="offset points", xytext=(4, 4), fontsize="small")
+        return ax
+
+    def __repr__(self) -> str:
+        return f"<{self._kind} cycle of {self._fluid.name}, {len(self._states)} states>"
+
+
+def _solved(fluid: Fluid, kind: str, values: dict[str, float]) -> Cycle:
+    made = Cycle.__new__(Cycle)
+    made._solve(fluid, kind, values)
+    return made
+
+
+def _number(name: str, value: Any) -> float:
+    if name not in _KEYS:
+        section = name.split(".")[0]
+        known = [key for key in _KEYS if key.startswith(section + ".")] or list(_KEYS)
+        raise ArgumentError(f'there is no key "{name}"; there are {", ".join(known)}')
+    si, difference = _KEYS[name]
+    if isinstance(value, str):
+        return _core.parse_value(value, si, difference)
+    try:
+        if hasattr(value, "magnitude"):
+            value = value.to(pint_unit(si)).magnitude
+        if isinstance(value, bool):
+            raise TypeError("a truth value is no number")
+        return float(value)
+    except Exception as problem:  # pint's exceptions have no common base
+        raise ArgumentError(f"{name} must be a number, a text or a quantity in {si}: {problem}") from problem
+
+
+def cycle(path: str | os.PathLike[str]) -> Cycle:
+    """The cycle that a file describes (TOML), as the command `ostrel cycle` reads it."""
+    with open(path, "rb") as file:
+        try:
+            definition = tomllib.load(file)
+        except tomllib.TOMLDecodeError as problem:
+            raise ArgumentError(f"{os.fspath(path)}: {problem}") from problem
+    return Cycle(definition)
+
+
+def _figure(name: str, unit: str, meaning: str) -> property:
+    return property(lambda cycle: cycle._figures[name], doc=f"{meaning} [{unit}]")
+
+
+for _name, _si, _meaning in _core.cycle_figures():
+    setattr(Cycle, _name, _figure(_name, _si, _meaning))
+
+__doc__ += "\n\nKinds:\n" + "".join(f"  {name}: {meaning}\n" for name, meaning in _core.cycle_kinds())
+__doc__ += "\nKeys, with their SI units and what holds without them:\n" + "".join(
+    f"  {section}.{name} [{si}]{'' if standard is None else f' ({standard:g})'}: {meaning}\n"
+    for section, name, si, _, standard, meaning in _core.cycle_keys())
