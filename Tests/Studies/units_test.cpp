@@ -39,7 +39,8 @@ TEST(units, texts_that_are_no_values) {
     } const rows[] = {
         {"1.2bar", "K", "\"1.2bar\" is a pressure; the units of a temperature are K, degC, °C or degF"},
         {"12 furlong", "m3/kg",
-         "\"12 furlong\": there is no unit \"furlong\"; the units of a specific volume are m3/kg, m³/kg, cm3/g or l/kg"},
+         "\"12 furlong\": there is no unit \"furlong\"; the units of a specific volume are m3/kg, m³/kg, cm3/g or "
+         "l/kg"},
         {"5 bar", "1", "\"5 bar\" is a pressure; a number without a unit, or with %, is wanted"},
         {"", "K", "\"\" is not a number, with or without a unit"},
         {"bar", "Pa", "\"bar\" is not a number, with or without a unit"},

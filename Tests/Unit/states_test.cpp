@@ -591,6 +591,45 @@ TEST(states, liquids_below_the_line) {
 }
 
 // Martin and Hou's helium has no saturation line, and isotherms whose densest state has a finite pressure.
+// Where a mixture of an equation has no heat capacity, the gas with the same two values counts that lies below the end
+// of the saturation line; and isotherms of fluids without a line that turn more than once are searched in all parts.
+TEST(states, gases_where_mixtures_have_no_heat_capacity) {
+    const opened_kind kinds[] = {{"neon", "model=mh"},     {"helium", "model=mh"},  {"acn", "model=mh"},
+                                 {"acetacid", "model=mh"}, {"apinene", "model=mh"}, {"n2", "model=mh"}};
+    std::size_t below = 0;
+    for (const opened_kind &kind : kinds) {
+        handle fluid;
+        const std::string path = shipped(kind.file);
+        if (fluid.open_file(path, kind.options).status != OSTREL_OK)
+            continue;
+        const double t_c = fluid.constant("t_crit");
+        const double t_end = std::isnan(fluid.constant("t_sat_min")) ? t_c : fluid.constant("t_sat_min");
+        for (const double part : {0.999, 0.97, 0.9, 0.8, 0.65})
+            for (const double v : {3.0, 10.0, 30.0, 300.0, 1e5}) {
+                const double t = part * t_end;
+                const quantities known = at(fluid, t, v * fluid.constant("v_crit"));
+                if (known.status != OSTREL_OK)
+                    continue;
+                for (const std::string &pair : all_pairs()) {
+                    if (pair.find('q') != std::string::npos || pair == "th")
+                        continue;
+                    const double first = known.of[letters.find(pair[0])];
+                    const double second = known.of[letters.find(pair[1])];
+                    double found[2] = {};
+                    const int status =
+                        ostrel_fluid_evaluate(fluid, pair.c_str(), "t,v", 1, &first, &second, found, nullptr);
+                    ++below;
+                    // Another state may have the same two values; it must have them.
+                    ASSERT_EQ(status, OSTREL_OK) << described(kind) << " " << pair << " " << part << " " << v;
+                    const quantities again = at(fluid, found[0], found[1]);
+                    EXPECT_LT(apart(again.of[letters.find(pair[0])], first, std::abs(known.of[5] * t)), 1e-6)
+                        << described(kind) << " " << pair << " " << part << " " << v;
+                }
+            }
+    }
+    EXPECT_GT(below, 1000U);
+}
+
 TEST(states, without_a_line_and_with_a_top) {
     handle fluid;
     ASSERT_EQ(fluid.open_file(shipped("helium"), "model=mh").status, OSTREL_OK);
