@@ -146,7 +146,7 @@ class Folder:
 
     def run(self, step):
         result = subprocess.run(["bash", "-o", "pipefail", "-c", step.command], cwd=self.place, env=self.environment, capture_output=True,
-                                stdin=subprocess.DEVNULL, timeout=60, check=False)
+                                stdin=subprocess.DEVNULL, timeout=300, check=False)
         done = Step(step.before, step.command)
         done.stdout = result.stdout.decode(errors="replace").splitlines()
         done.stderr = result.stderr.decode(errors="replace").splitlines()
