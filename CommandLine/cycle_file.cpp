@@ -22,14 +22,6 @@ constexpr std::string_view fluid_key = "fluid";
 constexpr std::string_view kind_key = "kind";
 constexpr std::string_view database_key = "database";
 
-std::vector<std::string> option_keys() {
-    std::vector<std::string> names;
-    for (const ostrel::row row : ostrel::list(ostrel::kind::options))
-        if (row.name != "folder")
-            names.emplace_back(row.name);
-    return names;
-}
-
 std::vector<std::string> kind_names() {
     std::vector<std::string> names;
     for (const auto &row : studies::cycle_kinds())

@@ -2,24 +2,19 @@
 #include "CommandLine/fluid_choice.h"
 
 #include "CommandLine/report.h"
+#include "CommandLine/suggestions.h"
 
 #include <algorithm>
 #include <filesystem>
 
 namespace command {
-namespace {
-
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(separator), text.size());
-        parts.emplace_back(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return parts;
+std::vector<std::string> option_keys() {
+    std::vector<std::string> keys;
+    for (const ostrel::row row : ostrel::list(ostrel::kind::options))
+        if (row.name != "folder")
+            keys.emplace_back(row.name);
+    return keys;
 }
-
-} // namespace
 
 std::vector<argument> fluid_choice::arguments(const std::vector<std::string> &without) {
     std::vector<argument> result = {{"FLUID", &words, fluid_argument, true}};
@@ -28,7 +23,8 @@ std::vector<argument> fluid_choice::arguments(const std::vector<std::string> &wi
         if (key == "folder" || std::find(without.begin(), without.end(), key) != without.end())
             continue;
         std::string meaning = std::string(row.unit) + ": " + std::string(row.description);
-        result.push_back({"--" + key, &options[key], std::move(meaning), false, "", split(row.unit, '|')});
+        result.push_back(
+            {"--" + key, &options[key], std::move(meaning), false, "", parts_of(std::string(row.unit), '|')});
     }
     result.push_back({"--database", &database, "An SQLite file that has the fluid, as ostrel db writes them"});
     return result;

@@ -16,6 +16,9 @@ namespace command {
 inline constexpr const char *fluid_argument =
     "A fluid: its name, refrigerant number, formula, CAS number or file; or the path of a file, with / or .osd in it";
 
+/// The options of an opening that commands have: all but the folder.
+std::vector<std::string> option_keys();
+
 /// An opened fluid, and which file was taken, unless the words are its own name.
 struct chosen_fluid {
     ostrel::fluid fluid;

@@ -2,10 +2,8 @@
 // ostrel info: what is known of one fluid, and what its equations are good for.
 #include "CommandLine/command.h"
 #include "CommandLine/fluid_choice.h"
-#include "CommandLine/loading.h"
 #include "CommandLine/outputs.h"
 #include "CommandLine/report.h"
-#include "CommandLine/suggestions.h"
 #include "Host/fluid_index.h"
 
 #include <algorithm>

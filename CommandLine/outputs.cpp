@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CommandLine/outputs.h"
 
+#include "CommandLine/suggestions.h"
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -10,8 +12,7 @@ namespace command {
 namespace {
 
 std::string lower(std::string text) {
-    for (char &c : text)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    std::transform(text.begin(), text.end(), text.begin(), ostrel::names::lower);
     return text;
 }
 
@@ -28,21 +29,6 @@ void check_names(const ostrel::fluid &fluid, const std::string &pair, const std:
         fluid.try_evaluate(ostrel::unchecked(pair), ostrel::unchecked(outputs), {}, {}, std::span<double>());
     if (!checked)
         throw wrong_argument(checked.error().message);
-}
-
-/// The names in words, several of which may stand in one word with commas between them, in lower case.
-std::vector<std::string> split(const std::vector<std::string> &words) {
-    std::vector<std::string> names;
-    for (const std::string &word : words) {
-        std::istringstream parts(word + ',');
-        for (std::string part; std::getline(parts, part, ',');)
-            names.push_back(lower(part));
-    }
-    return names;
-}
-
-std::vector<std::string> names_or_all(const std::vector<std::string> &words) {
-    return words.empty() ? names_of(ostrel::list(ostrel::kind::outputs)) : split(words);
 }
 
 template <class Make>
@@ -130,16 +116,22 @@ std::string table_of_outputs() {
     return text.str();
 }
 
+std::vector<std::string> output_names(const std::vector<std::string> &words) {
+    std::vector<std::string> names;
+    for (const std::string &word : words)
+        for (const std::string &part : parts_of(word + ',', ','))
+            names.push_back(lower(part));
+    return words.empty() ? names_of(ostrel::list(ostrel::kind::outputs)) : names;
+}
+
 wanted_outputs::wanted_outputs(const ostrel::fluid &fluid, const std::vector<std::string> &words,
                                studies::unit_system system, std::string_view pair)
-    : names_(names_or_all(words)), remarks_(fluid, names_, pair) {
+    : names_(output_names(words)), remarks_(fluid, names_, pair) {
     for (const std::string &name : names_)
         asked_ += name + ",";
     asked_ += "t,p,q,phase";
     check_names(fluid, "tv", asked_);
-    for (std::string &name : names_) {
-        name.erase(0, name.find_first_not_of(" \t"));
-        name.erase(name.find_last_not_of(" \t") + 1);
+    for (const std::string &name : names_) {
         auto found = row_named(ostrel::kind::outputs, name);
         if (!found)
             found = row_named(ostrel::kind::derivatives, name);

@@ -40,6 +40,10 @@ std::vector<std::string> names_of(ostrel::list which);
 std::string table_of_pairs();
 std::string table_of_outputs();
 
+/// The names of outputs in words, several of which may stand in one word with commas between them, in lower case;
+/// without words, all outputs.
+std::vector<std::string> output_names(const std::vector<std::string> &words);
+
 /// The outputs that a command was asked for.
 class wanted_outputs {
 public:

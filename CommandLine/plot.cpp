@@ -19,7 +19,6 @@
 #include <iterator>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <system_error>
 
 namespace command {
@@ -38,17 +37,6 @@ struct plot_request {
     std::string y;
     std::string size = "1000x700";
 };
-
-std::vector<std::string> parts_of(const std::string &text, char separator) {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, separator);) {
-        const std::size_t first = part.find_first_not_of(" \t\r");
-        parts.push_back(first == std::string::npos ? ""
-                                                   : part.substr(first, part.find_last_not_of(" \t\r") - first + 1));
-    }
-    return parts;
-}
 
 std::string in_quotes(const std::string &text) {
     return '"' + printable(text) + '"';

@@ -37,11 +37,11 @@ void serve(const request &asked) {
     const wanted_outputs wanted(fluid, asked.outputs, system, lower_letters(asked.pair));
 
     const ostrel::unchecked pair(asked.pair);
-    if (const auto there = fluid.try_value(pair, first, second, "t"); !there)
-        throw failure(there.error().message);
     const auto answer =
         fluid.evaluate(pair, ostrel::unchecked(wanted.asked()), std::span(&first, 1), std::span(&second, 1));
     const int status = answer.status()[0];
+    if (status != OSTREL_OK && status != OSTREL_TWO_PHASE) // The message of one value does not number the state.
+        throw failure(fluid.try_value(pair, first, second, "t").error().message);
     const std::span<const double> values = answer[0];
     const std::span<const double> behind = values.subspan(wanted.size());
 
@@ -122,14 +122,11 @@ Examples:
   ostrel prop water ps 5bar "1.5 kJ/(kg K)" t q --model pr --volume translated
   ostrel prop toluene tq 500 1 --json)help",
             .run = [asked] {
-                if (asked->entry_points)
-                    refuse_options_of_handles(*asked);
-                if (asked->entry_points)
-                    serve_from_entry_points(
-                        {asked->fluid.words, asked->pair, {asked->texts[0], asked->texts[1]}, asked->outputs},
-                        asked->form);
-                else
-                    serve(*asked);
+                if (!asked->entry_points)
+                    return serve(*asked);
+                refuse_options_of_handles(*asked);
+                serve_from_entry_points(
+                    {asked->fluid.words, asked->pair, {asked->texts[0], asked->texts[1]}, asked->outputs}, asked->form);
             }};
 }
 

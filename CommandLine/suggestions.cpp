@@ -3,7 +3,20 @@
 
 #include "Host/spelling.h"
 
+#include <sstream>
+
 namespace command {
+
+std::vector<std::string> parts_of(const std::string &text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        const std::size_t first = part.find_first_not_of(" \t\r");
+        parts.push_back(first == std::string::npos ? ""
+                                                   : part.substr(first, part.find_last_not_of(" \t\r") - first + 1));
+    }
+    return parts;
+}
 
 std::string joined(const std::vector<std::string> &texts, std::string_view separator, std::string_view last) {
     std::string result;

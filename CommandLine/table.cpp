@@ -100,8 +100,7 @@ void serve(const request &asked) {
     const std::string pair = lower_letters(asked.pair);
     const studies::range outer = range_of("RANGE1", asked.ranges[0], si[0]);
     const studies::range inner = range_of("RANGE2", asked.ranges[1], si[1]);
-    const wanted_outputs given(fluid, asked.outputs, system);
-    const wanted_outputs wanted(fluid, without_repeated(given.names(), pair), system, pair);
+    const wanted_outputs wanted(fluid, without_repeated(output_names(asked.outputs), pair), system, pair);
     const studies::unit units[2] = {studies::shown_unit(si[0], system), studies::shown_unit(si[1], system)};
 
     std::vector<column> columns;

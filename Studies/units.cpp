@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Studies/units.h"
 
+#include "ostrel.hpp"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -9,6 +11,8 @@
 
 namespace studies {
 namespace {
+
+using ostrel::names::without_blanks;
 
 struct quantity {
     std::string_view si;
@@ -106,15 +110,6 @@ const unit *unit_named(std::string_view name) {
     return found != std::end(table) ? found : nullptr;
 }
 
-std::string_view without_blanks(std::string_view text) {
-    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && blank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && blank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 /// "K, degC or degF"
 std::string units_of(std::string_view si) {
     std::string_view names[std::size(table)];
@@ -204,12 +199,10 @@ double range::at(std::size_t i) const {
 range parse_range(std::string_view text, std::string_view si, bool difference) {
     constexpr std::size_t most_values = 1'000'000'000;
     std::vector<std::string_view> parts;
-    for (std::string_view rest = text;;) {
-        const std::size_t end = rest.find(':');
-        parts.push_back(without_blanks(rest.substr(0, end)));
-        if (end == std::string_view::npos)
-            break;
-        rest.remove_prefix(end + 1);
+    std::string_view rest = text;
+    for (bool more = true; more;) {
+        more = rest.find(':') != std::string_view::npos;
+        parts.push_back(ostrel::names::next_part(rest, ':'));
     }
     if (parts.size() == 1)
         return {parse(text, si, difference), parse(text, si, difference)};
