@@ -446,8 +446,12 @@ private:
         return r < i.top() || (r == i.top() && P_reaches(result.P, i)) ? single(result, r) : none(result);
     }
     static bool gas_reaches(const isotherm &i, double P) {
-        const double end = i.gas_end();
-        return end == infinite || P <= i.P(end);
+        if constexpr (!surface_type::saturates)
+            return true;
+        else {
+            const double end = i.gas_end();
+            return end == infinite || P <= i.P(end);
+        }
     }
     /// Whether P is that of the densest state, but for rounding.
     static bool P_reaches(double P, const isotherm &i) { return P <= i.P(i.top()) * (1.0 + 1e-14); }

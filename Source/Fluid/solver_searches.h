@@ -530,28 +530,30 @@ template <class Model>
 template <letter X, letter Y>
 solved solver<Model>::beyond_line(double x, double y) const {
     solved failure = {OSTREL_NO_STATE};
-    if (!surface_.line_ends || !line_.exists() || states_ != allowed_states::stable)
-        return failure;
-    const double T_line = surface_.T_line;
-    if constexpr (X == letter::p) {
-        return isobar_search<Y>(x, y, branch::gas, 0.0, T_line, 0.9 * T_line);
-    } else if constexpr (X == letter::v) {
-        double high = T_line * (1.0 - 4e-16);
-        if constexpr (Y == letter::p)
-            high = std::min(high, surface_.turn(x + offset_));
-        return isochore_search<Y>(x, y, 0.0, high, 0.0);
-    } else { // Newton's method from places on the isentrope
-        for (const double part : {1.0 - 1e-9, 0.97, 0.9, 0.8, 0.65, 0.5, 0.3}) {
-            const double T = part * T_line;
-            const solved start = on_isotherm<letter::s>(T, x, 0.0, surface_.at(T).gas_end(), false);
-            if (start.status != OSTREL_OK)
-                continue;
-            const point end = newton<letter::s, Y>(x, y, T, start.r, 60);
-            if (end.converged && end.T < T_line && is_state(end.T, end.r))
-                return of_single(end.T, pressure(end.T, end.r), end.r);
+    if constexpr (surface_type::saturates) {
+        if (!surface_.line_ends || !line_.exists() || states_ != allowed_states::stable)
+            return failure;
+        const double T_line = surface_.T_line;
+        if constexpr (X == letter::p) {
+            return isobar_search<Y>(x, y, branch::gas, 0.0, T_line, 0.9 * T_line);
+        } else if constexpr (X == letter::v) {
+            double high = T_line * (1.0 - 4e-16);
+            if constexpr (Y == letter::p)
+                high = std::min(high, surface_.turn(x + offset_));
+            return isochore_search<Y>(x, y, 0.0, high, 0.0);
+        } else { // Newton's method from places on the isentrope
+            for (const double part : {1.0 - 1e-9, 0.97, 0.9, 0.8, 0.65, 0.5, 0.3}) {
+                const double T = part * T_line;
+                const solved start = on_isotherm<letter::s>(T, x, 0.0, surface_.at(T).gas_end(), false);
+                if (start.status != OSTREL_OK)
+                    continue;
+                const point end = newton<letter::s, Y>(x, y, T, start.r, 60);
+                if (end.converged && end.T < T_line && is_state(end.T, end.r))
+                    return of_single(end.T, pressure(end.T, end.r), end.r);
+            }
         }
-        return failure;
     }
+    return failure;
 }
 
 // Given s and another caloric value.

@@ -295,7 +295,6 @@ public:
         double gas(double P_given) const { return P_given / unit; }
         double liquid(double P_given) const { return P_given / unit; }
         double single(double P_given) const { return P_given / unit; }
-        static double gas_end() { return infinite; }
         static double liquid_end() { return infinite; }
         static double top() { return infinite; }
         static bool beside_gas(double) { return true; }

@@ -590,46 +590,139 @@ TEST(states, liquids_below_the_line) {
     }
 }
 
-// Martin and Hou's helium has no saturation line, and isotherms whose densest state has a finite pressure.
+/// Asks every pair for the state at T and v. Another state may have the same two values, and must have them. Returns
+/// how many pairs were asked.
+std::size_t expect_that_every_pair_answers(const opened_kind &kind, const handle &fluid, double t, double v) {
+    const quantities known = at(fluid, t, v);
+    std::size_t asked = 0;
+    for (const std::string &pair : all_pairs()) {
+        if (known.status != OSTREL_OK || pair.find('q') != std::string::npos || pair == "th")
+            continue;
+        const double first = known[pair[0]];
+        const double second = known[pair[1]];
+        double found[2] = {};
+        const int status = ostrel_fluid_evaluate(fluid, pair.c_str(), "t,v", 1, &first, &second, found, nullptr);
+        EXPECT_EQ(status, OSTREL_OK) << described(kind) << " " << pair << " " << t << " " << v;
+        const quantities again = at(fluid, found[0], found[1]);
+        for (const char letter : pair)
+            EXPECT_LT(apart(again[letter], known[letter], std::abs(known['s'] * t)), 1e-6)
+                << described(kind) << " " << pair << " " << t << " " << v;
+        ++asked;
+    }
+    return asked;
+}
+
 // Where a mixture of an equation has no heat capacity, the gas with the same two values counts that lies below the end
 // of the saturation line; and isotherms of fluids without a line that turn more than once are searched in all parts.
 TEST(states, gases_where_mixtures_have_no_heat_capacity) {
-    const opened_kind kinds[] = {{"neon", "model=mh"},     {"helium", "model=mh"},  {"acn", "model=mh"},
-                                 {"acetacid", "model=mh"}, {"apinene", "model=mh"}, {"n2", "model=mh"}};
-    std::size_t below = 0;
-    for (const opened_kind &kind : kinds) {
+    std::size_t asked = 0;
+    for (const char *const file : {"neon", "helium", "acn", "acetacid", "apinene", "nitrogen"}) {
+        const opened_kind kind = {file, "model=mh"};
         handle fluid;
-        const std::string path = shipped(kind.file);
-        if (fluid.open_file(path, kind.options).status != OSTREL_OK)
-            continue;
+        ASSERT_EQ(fluid.open_file(shipped(file), kind.options).status, OSTREL_OK) << described(kind);
         const double t_c = fluid.constant("t_crit");
         const double t_end = std::isnan(fluid.constant("t_sat_min")) ? t_c : fluid.constant("t_sat_min");
         for (const double part : {0.999, 0.97, 0.9, 0.8, 0.65})
-            for (const double v : {3.0, 10.0, 30.0, 300.0, 1e5}) {
-                const double t = part * t_end;
-                const quantities known = at(fluid, t, v * fluid.constant("v_crit"));
-                if (known.status != OSTREL_OK)
-                    continue;
-                for (const std::string &pair : all_pairs()) {
-                    if (pair.find('q') != std::string::npos || pair == "th")
-                        continue;
-                    const double first = known.of[letters.find(pair[0])];
-                    const double second = known.of[letters.find(pair[1])];
-                    double found[2] = {};
-                    const int status =
-                        ostrel_fluid_evaluate(fluid, pair.c_str(), "t,v", 1, &first, &second, found, nullptr);
-                    ++below;
-                    // Another state may have the same two values; it must have them.
-                    ASSERT_EQ(status, OSTREL_OK) << described(kind) << " " << pair << " " << part << " " << v;
-                    const quantities again = at(fluid, found[0], found[1]);
-                    EXPECT_LT(apart(again.of[letters.find(pair[0])], first, std::abs(known.of[5] * t)), 1e-6)
-                        << described(kind) << " " << pair << " " << part << " " << v;
-                }
-            }
+            for (const double v : {3.0, 10.0, 30.0, 300.0, 1e5})
+                asked += expect_that_every_pair_answers(kind, fluid, part * t_end, v * fluid.constant("v_crit"));
     }
-    EXPECT_GT(below, 1000U);
+    EXPECT_GT(asked, 1000U);
 }
 
+// States in small regions, each of which needs a step of a search that few others take: gases of neon that share v, h,
+// s or u with a mixture without a heat capacity, and helium so near its least volume that h is -1e17 J/kg.
+TEST(states, every_pair_in_small_regions) {
+    struct place {
+        const char *file;
+        double t;
+        double v;
+    };
+    for (const place &p : {place{"neon", 35.441348, 0.0062665406993597577},
+                           {"neon", 35.712591, 0.0096879325873511918},
+                           {"neon", 28.216019, 0.01434272455174338},
+                           {"neon", 34.546182, 0.009401613132148769},
+                           {"neon", 32.428150, 0.01331286713937411},
+                           {"neon", 34.228462, 0.17887460361621471},
+                           {"neon", 37.149341, 0.0005490882802542832},
+                           {"helium", 28.024607, 0.0039870074026915536},
+                           {"helium", 6.7181070, 0.0039890592384681104}}) {
+        const opened_kind kind = {p.file, "model=mh"};
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped(p.file), kind.options).status, OSTREL_OK) << described(kind);
+        EXPECT_GT(expect_that_every_pair_answers(kind, fluid, p.t, p.v), 15U) << described(kind) << " " << p.t;
+    }
+}
+
+// Two values that no state has are refused after a look at the gases below the end of a saturation line: of a fluid
+// whose line ends, of one without a line, and among metastable states, which have no such gases.
+TEST(states, values_that_no_state_has) {
+    std::size_t refused = 0;
+    for (const opened_kind &kind : {opened_kind{"neon", "model=mh"},
+                                    {"neon", "model=mh; states=metastable; phase=vapor"},
+                                    {"helium", "model=mh"}}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped(kind.file), kind.options).status, OSTREL_OK) << described(kind);
+        const double t = 0.7 * fluid.constant("t_crit");
+        const quantities known = at(fluid, t, 20 * fluid.constant("v_crit"));
+        ASSERT_EQ(known.status, OSTREL_OK) << described(kind);
+        for (const char *const pair : {"vh", "vs", "vu", "pv", "hs", "su", "ph"})
+            for (const double part : {0.3, 0.6, 0.9, 0.99, 1.01, 1.1, 1.5}) {
+                const double first = known[pair[0]];
+                const double second = part * known[pair[1]];
+                double found[2] = {};
+                const int status = ostrel_fluid_evaluate(fluid, pair, "t,v", 1, &first, &second, found, nullptr);
+                if (status != OSTREL_OK) {
+                    EXPECT_EQ(status, OSTREL_NO_STATE) << described(kind) << " " << pair << " " << part;
+                    ++refused;
+                    continue;
+                }
+                const quantities again = at(fluid, found[0], found[1]);
+                EXPECT_LT(apart(again[pair[0]], first, std::abs(known['s'] * t)), 1e-6) << pair << " " << part;
+                EXPECT_LT(apart(again[pair[1]], second, std::abs(known['s'] * t)), 1e-6) << pair << " " << part;
+            }
+    }
+    EXPECT_GT(refused, 10U);
+}
+
+// A little below the temperature at which a gas expands without cooling at any pressure, h falls by very little where
+// the gas is dilute and then rises: a value between both ends of one step of the search, behind the turn.
+TEST(states, an_isotherm_that_turns_within_one_step) {
+    struct place {
+        const char *model;
+        double t;
+        double v;
+    };
+    for (const place &p : {place{"model=vdw", 848.64391411041879, 0.22974493264465981},
+                           {"model=pr", 640.79839480214957, 0.25378519404245303},
+                           {"model=srk", 531.30032366940895, 0.25419722309616277},
+                           {"model=mh", 629.73668660529097, 0.25}}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped("nitrogen"), p.model).status, OSTREL_OK);
+        const double h = at(fluid, p.t, p.v)['h'];
+        const one_value found = ask(fluid, "th", p.t, h, "v");
+        EXPECT_EQ(found.status, OSTREL_OK) << p.model;
+        EXPECT_NEAR(at(fluid, p.t, found.value)['h'], h, 1e-12 * h) << p.model;
+    }
+}
+
+// Near their critical points these two surfaces have no liquid whose pressure and free energy are a vapor's.
+TEST(states, lines_that_end_below_the_critical_point) {
+    for (const char *const file : {"acn", "acetacid"}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped(file), "model=mh").status, OSTREL_OK);
+        const double t_c = fluid.constant("t_crit");
+        EXPECT_EQ(status_of(fluid, "tq", t_c * (1 - 1e-3), 0.5), OSTREL_OK) << file;
+        for (const double below : {1e-5, 1e-7, 1e-9}) {
+            const double t = t_c * (1 - below);
+            int status = -1;
+            double p = 0;
+            EXPECT_EQ(status_of(fluid, "tq", t, 0.5), OSTREL_NO_SATURATION) << file << " " << below;
+            EXPECT_EQ(ostrel_fluid_saturation(fluid, "t", "p", 1, &t, &p, nullptr, &status), OSTREL_NO_SATURATION);
+        }
+    }
+}
+
+// Martin and Hou's helium has no saturation line, and isotherms whose densest state has a finite pressure.
 TEST(states, without_a_line_and_with_a_top) {
     handle fluid;
     ASSERT_EQ(fluid.open_file(shipped("helium"), "model=mh").status, OSTREL_OK);
