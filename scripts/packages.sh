@@ -25,6 +25,6 @@ packages_to_build="cmake ninja-build gcc g++ libc6-dev libsqlite3-dev"
 packages_of_command="libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libcairo2-dev pkg-config fonts-dejavu-core"
 packages_to_bind_python="pybind11-dev python3-dev python3-numpy"
 packages_of_python="$packages_to_bind_python python3-pytest python3-hypothesis mypy python3-pandas python3-pint python3-dask python3-distributed python3-matplotlib python3-setuptools python3-wheel python3-pip python3-venv"
-packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev python3 valgrind groff-base $packages_of_python"
+packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev openmpi-bin libopenmpi-dev python3 valgrind groff-base $packages_of_python"
 # clang only recommends the runtime of sanitizers and libFuzzer, so it is named here.
 packages_to_sanitize="clang libclang-rt-dev"
