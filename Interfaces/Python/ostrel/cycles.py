@@ -7,6 +7,8 @@ import tomllib
 from types import MappingProxyType
 from typing import TYPE_CHECKING, Any, Mapping, NamedTuple
 
+import numpy as np
+
 from . import _core
 from .arrays import Form, pint_unit
 from .errors import ArgumentError
@@ -125,20 +127,43 @@ class Cycle:
         """Draws the cycle in a diagram, as :func:`ostrel.plot.diagram` draws it, and returns the axes."""
         from . import plot
 
-        ax = plot.diagram(kind, self._fluid, ax, **options)
-        of_x, of_y = next((x, y) for name, x, y in _core.diagram_kinds() if name == kind)
+        letters = next(((x, y) for name, x, y in _core.diagram_kinds() if name == kind), ())
         units = options.get("units", "si")
-        for process in self._processes:
-            ax.plot(*(plot._scaled(process.states[letter], letter, units) for letter in (of_x, of_y)), color="black",
-                    linewidth=1.0)
-        for number, state in enumerate(self._states.values(), 1):
-            place = tuple(plot._scaled(state[letter], letter, units) for letter in (of_x, of_y))
+
+        def drawn(states: State) -> Any:
+            return np.array([plot._scaled(states[letter], letter, units) for letter in letters])
+
+        lines = [drawn(process.states) for process in self._processes] if letters else []
+        free: dict[str, Any] = {"free": np.hstack(lines).T} if lines else {}
+        ax = plot.diagram(kind, self._fluid, ax, **free | options)
+        for line in lines:
+            ax.plot(*line, color="black", linewidth=1.0)
+        places = [drawn(state) for state in self._states.values()]
+        for place in places:
             ax.plot(*place, "ko", markersize=3)
-            ax.annotate(str(number), place, textcoords="offset points", xytext=(4, 4), fontsize="small")
+        _number_states(ax, places)
         return ax
 
     def __repr__(self) -> str:
         return f"<{self._kind} cycle of {self._fluid.name}, {len(self._states)} states>"
+
+
+def _number_states(ax: Any, places: list[Any]) -> None:
+    """Writes the numbers of the states outside of the cycle; states that lie together have one text."""
+    points = ax.transData.transform(places) * 72 / ax.figure.dpi  # in units of text sizes
+    middle = points.mean(axis=0)
+    together: dict[int, list[int]] = {}
+    for number, point in enumerate(points):
+        near = [first for first in together if np.hypot(*(points[first] - point)) < 12]
+        together.setdefault(near[0] if near else number, []).append(number)
+    for numbers in together.values():
+        outermost = max(numbers, key=lambda number: float(np.hypot(*(points[number] - middle))))
+        outwards = points[outermost] - middle
+        right = outwards[0] > 0
+        ax.annotate(", ".join(str(number + 1) for number in numbers), places[outermost], textcoords="offset points",
+                    xytext=tuple(7 * outwards / (np.hypot(*outwards) or 1.0)), ha="left" if right else "right",
+                    va="center", fontsize="small",
+                    bbox={"facecolor": "white", "edgecolor": "none", "pad": 0.5, "alpha": 0.8})
 
 
 def _solved(fluid: Fluid, kind: str, values: dict[str, float]) -> Cycle:

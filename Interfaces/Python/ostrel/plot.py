@@ -35,10 +35,15 @@ def _unit(letter: str, units: str) -> str:
     return "" if name == "1" else name
 
 
+def _in_axes(ax: Any, points: Any) -> Any:
+    """Points, of which each coordinate goes from 0 to 1 in the axes."""
+    return (ax.transData + ax.transAxes.inverted()).transform(points)
+
+
 def _label(ax: Any, text: str, points: Any, color: str, placed: list[Any]) -> None:
-    """Writes a line's value where the line is farthest from the values that stand there already."""
-    shown = (ax.transData + ax.transAxes.inverted()).transform(points)
-    shown = shown[((shown > 0.02) & (shown < 0.98)).all(axis=1)]
+    """Writes a line's value where the line is farthest from what stands there already."""
+    shown = _in_axes(ax, points)
+    shown = shown[(np.abs(shown - 0.5) < (0.45, 0.48)).all(axis=1)]
     if not len(shown):
         return
     distance = np.min([np.hypot(*(shown - other).T) for other in placed], axis=0) if placed else shown[:, 0]
@@ -50,7 +55,7 @@ def _label(ax: Any, text: str, points: Any, color: str, placed: list[Any]) -> No
 
 def diagram(kind: str, fluid: Fluid, ax: Any = None, *, x: tuple[float, float] | None = None,
             y: tuple[float, float] | None = None, lines: str | None = None, units: str = "si",
-            labels: bool = True) -> Any:
+            labels: bool = True, free: Any = None) -> Any:
     """Draws the saturation line and isolines of a fluid, and returns the axes.
 
     kind     "ts", "ph", "pv", "hs" or "pt"
@@ -58,7 +63,8 @@ def diagram(kind: str, fluid: Fluid, ax: Any = None, *, x: tuple[float, float] |
     x, y     [SI] ends of the axes; chosen from the fluid if they are not given
     lines    letters of the properties that have isolines, such as "pq"; "" for none
     units    "si", or "engineering" for bar, degC, kJ/kg and other units of engineers
-    labels   whether each isoline has its value written beside it
+    labels   whether each isoline has its value written on it
+    free     points, in the units of the diagram, near which no value should be written
     """
     letters = {name: (of_x, of_y) for name, of_x, of_y in _core.diagram_kinds()}
     x_range, y_range, dome, critical, isolines = _core.diagram(fluid._handle, kind, x, y, lines, units)
@@ -77,7 +83,7 @@ def diagram(kind: str, fluid: Fluid, ax: Any = None, *, x: tuple[float, float] |
         limit(*_scaled(np.array(limits), letter, units))
         label(f"{name} ${symbol}$ [{_unit(letter, units) or '1'}]")
     colors: dict[str, str] = {}
-    placed: list[Any] = []
+    placed = [] if free is None else list(_in_axes(ax, free))
     for letter, value, pieces in isolines:
         family = None if letter in colors else _PROPERTIES[letter][3]
         color = colors.setdefault(letter, f"C{len(colors)}")
