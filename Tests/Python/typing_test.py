@@ -6,23 +6,38 @@ import re
 import subprocess
 import sys
 
+import pytest
+
 import ostrel
 from ostrel import _core
 
 PACKAGE = pathlib.Path(os.environ["OSTREL_SOURCE"]) / "Interfaces/Python/ostrel"
 
 
-def mypy(*arguments, folder, **environment):
-    return subprocess.run([sys.executable, "-m", "mypy", "--strict", "--cache-dir", os.devnull, *map(str, arguments)],
-                          cwd=folder, env=os.environ | environment, capture_output=True, text=True)
+@pytest.fixture(scope="module")
+def mypy(tmp_path_factory):
+    cache = tmp_path_factory.mktemp("cache")  # of the types of numpy, which take longest
+
+    def run(*arguments, folder, **environment):
+        options = ["--config-file", pathlib.Path(__file__).with_name("mypy.ini"), "--cache-dir", cache]
+        return subprocess.run([sys.executable, "-m", "mypy", *map(str, [*options, *arguments])], cwd=folder,
+                              env=os.environ | environment, capture_output=True, text=True)
+
+    return run
 
 
-def test_package():
+def test_package(mypy):
     done = mypy("ostrel", folder=PACKAGE.parent)
     assert done.returncode == 0, done.stdout + done.stderr
 
 
-def test_program(tmp_path):
+def test_examples(mypy):
+    programs = sorted((PACKAGE.parents[2] / "Examples/python").glob("*.py"))
+    done = mypy(*programs, folder=PACKAGE.parent)
+    assert len(programs) >= 4 and done.returncode == 0, done.stdout + done.stderr
+
+
+def test_program(mypy, tmp_path):
     (tmp_path / "program.py").write_text("""
 import ostrel
 fluid: ostrel.Fluid = ostrel.Fluid.from_text("text", model="pr")
