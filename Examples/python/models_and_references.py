@@ -28,8 +28,11 @@ GAMMA_ISOTHERM = 0.96  # of the critical temperature
 
 def rows_of(table: str, fluid: str) -> list[dict[str, str]]:
     with open(REFERENCE / f"{table}.csv", encoding="utf-8", newline="") as file:
-        lines = csv.DictReader(line for line in file if not line.startswith("#"))
-        return [row for row in lines if row["fluid"] == fluid]
+        rows = list(csv.DictReader(line for line in file if not line.startswith("#")))
+    found = [row for row in rows if row["fluid"] == fluid]
+    if not found:
+        raise SystemExit(f"there is no {fluid}; there are {', '.join(dict.fromkeys(row['fluid'] for row in rows))}")
+    return found
 
 
 def column(rows: list[dict[str, str]], name: str) -> npt.NDArray[np.float64]:

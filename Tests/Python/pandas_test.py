@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Columns of pandas, quantities of pint, and arrays of dask."""
+import copy
 import pickle
 import sys
 
@@ -38,8 +39,14 @@ def test_columns():
     assert empty.shape == (0, 2)
 
 
+def test_tables_are_no_input():
+    for call in (lambda: FLUID("pt", TABLE, 400.0, "d"), lambda: FLUID.state(p=TABLE, T=400.0)):
+        with pytest.raises(ostrel.ArgumentError, match="p is a whole table; give one of its columns"):
+            call()
+
+
 @pytest.mark.parametrize("p, t", [
-    (TABLE, 400.0), (TABLE.p, TABLE.t.rename({"a": "x"})), (TABLE.p, [400.0, 450.0]), (TABLE.p, [[400.0], [450.0]]),
+    (TABLE.p, TABLE.t.rename({"a": "x"})), (TABLE.p, [400.0, 450.0]), (TABLE.p, [[400.0], [450.0]]),
     (TABLE.p.astype(str), 400.0)])
 def test_columns_that_do_not_fit(p, t):
     with pytest.raises(ostrel.ArgumentError):
@@ -61,6 +68,21 @@ def test_quantities():
     for p, t in ((1 * UNITS.m, 400.0), (1e5, 1 * UNITS.bar), (1 * UNITS.dimensionless, 400.0)):
         with pytest.raises(ostrel.ArgumentError, match="must have a unit of"):
             FLUID("pt", p, t, "d")
+
+
+@pytest.mark.parametrize("p", [
+    1e5, [1e5, 2e5], TABLE.p, np.ma.MaskedArray([1e5, 2e5], mask=[False, True]), 1 * UNITS.bar, [1, 2] * UNITS.bar])
+def test_copies_of_states(p):
+    state = FLUID.state(p=p, T=450.0)
+    again = pickle.loads(pickle.dumps(state))
+    assert type(again.d).__name__ == type(state.d).__name__ and again.shape == state.shape
+    assert again.fluid.texts == FLUID.texts
+    for one, other in zip(again["d, h"], state["d, h"]):
+        if hasattr(other, "magnitude"):  # a copy from elsewhere has the registry of this program, not that of another one
+            assert one._REGISTRY is pint.get_application_registry().get() and str(one.units) == str(other.units)
+            one, other = one.magnitude, other.magnitude
+        assert np.array_equal(np.ma.getmaskarray(one), np.ma.getmaskarray(other)) and np.all(one == other)
+    assert copy.copy(state) is copy.deepcopy(state) is state
 
 
 def test_units_of_all_outputs():
@@ -116,8 +138,9 @@ def test_lazy_arrays_complain_early():
     lazy = dask_array.from_array(np.geomspace(1e5, 1e6, 8), chunks=4)
     with pytest.raises(ostrel.ArgumentError):
         FLUID("pt", lazy, 450.0, "zz")
-    with pytest.raises(ostrel.ArgumentError):
-        FLUID.state(p=lazy, T=450.0)
+    for call in (lambda: FLUID.state(p=lazy, T=450.0), lambda: FLUID.saturated("p", lazy, "d")):
+        with pytest.raises(ostrel.ArgumentError, match=r'as fluid\("pt", p, t'):
+            call()
     with pytest.raises(ostrel.StateError):
         FLUID("pt", lazy, -1.0, "d").compute()
 

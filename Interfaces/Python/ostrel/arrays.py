@@ -7,6 +7,7 @@ quantities of its registry. Neither pandas nor pint is imported here: if a progr
 """
 from __future__ import annotations
 
+import importlib
 import re
 import sys
 from dataclasses import dataclass, field
@@ -69,6 +70,14 @@ class Form:
     index: Any = None  #: of pandas
     registry: Any = None  #: of pint
     lazy: bool = False  #: arrays of dask, which have their shape
+
+    # Registries have no pickles. As quantities do, the form takes the registry of the program that reads it.
+    def __getstate__(self) -> dict[str, Any]:
+        return self.__dict__ | {"registry": self.registry is not None}
+
+    def __setstate__(self, state: dict[str, Any]) -> None:
+        self.__dict__.update(state)
+        self.registry = importlib.import_module("pint").get_application_registry().get() if state["registry"] else None
 
     def array(self, flat: npt.NDArray[Any], name: str) -> Any:
         """The values of the states that are not masked, in the shape of the inputs."""
@@ -134,7 +143,8 @@ def _plain(value: Any, name: str) -> tuple[Floats, npt.NDArray[np.bool_] | None,
             mask = masked.getmaskarray(value)
         value = value.data
     elif getattr(value, "__dask_graph__", None) is not None:
-        raise ArgumentError(f"{name} is not computed yet; call the fluid itself with it")
+        raise ArgumentError(f"{name} is not computed yet, and a state is solved where it is made; the call of the fluid "
+                            f'takes arrays of dask and gives others, as fluid("pt", p, t, ["d", "h"])')
     array = np.asarray(value)
     if array.dtype.kind not in "fiu":
         raise ArgumentError(f"{name} must be real numbers, but is {value!r:.60}")

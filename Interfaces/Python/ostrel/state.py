@@ -44,6 +44,13 @@ class State:
     if TYPE_CHECKING:
         def __getattr__(self, name: str) -> Any: ...
 
+    # Nothing can tell a copy from the original.
+    def __copy__(self) -> State:
+        return self
+
+    def __deepcopy__(self, memo: object) -> State:
+        return self
+
     def __getstate__(self) -> tuple[Any, ...]:
         return self._fluid, self._solved, self._form, self._strict
 
