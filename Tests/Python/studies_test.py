@@ -158,4 +158,12 @@ def test_drawing_a_cycle():
     for kind, _, _ in _core.diagram_kinds():
         ax = cycle.plot(kind, units="engineering", lines="")
         assert len(ax.get_lines()) == 2 + len(cycle.processes) + len(cycle.states)
+        shown = np.concatenate([line.get_xydata() for line in ax.get_lines()[2:]])
+        for limits, values in zip((ax.get_xlim(), ax.get_ylim()), shown.T):
+            assert limits[0] < values.min() and values.max() < limits[1]
         ax.figure.canvas.draw()
+        numbers = [int(number) for text in ax.texts for number in text.get_text().split(", ")]
+        assert sorted(numbers) == list(range(1, len(cycle.states) + 1))
+    assert cycle.plot("ts", x=(-500.0, 500.0)).get_xlim() == (-500.0, 500.0)
+    with pytest.raises(ostrel.ArgumentError):
+        cycle.plot("zz")

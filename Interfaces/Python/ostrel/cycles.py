@@ -124,18 +124,25 @@ class Cycle:
         return self._figures
 
     def plot(self, kind: str = "ts", ax: Any = None, **options: Any) -> Any:
-        """Draws the cycle in a diagram, as :func:`ostrel.plot.diagram` draws it, and returns the axes."""
+        """Draws the cycle in a diagram, as :func:`ostrel.plot.diagram` draws it, and returns the axes. Without x and y, the
+        diagram is wide enough for the cycle.
+        """
         from . import plot
 
-        letters = next(((x, y) for name, x, y in _core.diagram_kinds() if name == kind), ())
         units = options.get("units", "si")
+        ranges = _core.diagram(self._fluid._handle, kind, options.get("x"), options.get("y"), "", units)[:2]
+        letters = next((x, y) for name, x, y in _core.diagram_kinds() if name == kind)
+        for axis, limits, letter in zip("xy", ranges, letters):
+            if options.get(axis) is None:
+                values = np.concatenate([process.states[letter] for process in self._processes])
+                options[axis] = _widened(limits, values, logarithmic=_core.properties()[letter][4])
 
         def drawn(states: State) -> Any:
             return np.array([plot._scaled(states[letter], letter, units) for letter in letters])
 
-        lines = [drawn(process.states) for process in self._processes] if letters else []
-        free: dict[str, Any] = {"free": np.hstack(lines).T} if lines else {}
-        ax = plot.diagram(kind, self._fluid, ax, **free | options)
+        lines = [drawn(process.states) for process in self._processes]
+        options.setdefault("free", np.hstack(lines).T)
+        ax = plot.diagram(kind, self._fluid, ax, **options)
         for line in lines:
             ax.plot(*line, color="black", linewidth=1.0)
         places = [drawn(state) for state in self._states.values()]
@@ -146,6 +153,16 @@ class Cycle:
 
     def __repr__(self) -> str:
         return f"<{self._kind} cycle of {self._fluid.name}, {len(self._states)} states>"
+
+
+def _widened(limits: tuple[float, float], values: Any, logarithmic: bool) -> tuple[float, float]:
+    """The limits, moved outwards where values lie beyond them."""
+    ends = np.array([*limits, np.min(values), np.max(values)])
+    low, high, least, most = np.log(ends) if logarithmic else ends
+    room = 0.05 * (max(high, most) - min(low, least))
+    moved = np.array([least - room if least < low else low, most + room if most > high else high])
+    low, high = np.exp(moved) if logarithmic else moved
+    return float(low), float(high)
 
 
 def _number_states(ax: Any, places: list[Any]) -> None:
