@@ -160,9 +160,9 @@ def _widened(limits: tuple[float, float], values: Any, logarithmic: bool) -> tup
     ends = np.array([*limits, np.min(values), np.max(values)])
     low, high, least, most = np.log(ends) if logarithmic else ends
     room = 0.05 * (max(high, most) - min(low, least))
-    moved = np.array([least - room if least < low else low, most + room if most > high else high])
-    low, high = np.exp(moved) if logarithmic else moved
-    return float(low), float(high)
+    values_of: Any = np.exp if logarithmic else np.asarray
+    return (float(values_of(least - room)) if least < low else limits[0],
+            float(values_of(most + room)) if most > high else limits[1])
 
 
 def _number_states(ax: Any, places: list[Any]) -> None:
