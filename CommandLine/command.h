@@ -3,6 +3,7 @@
 // the command line.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -19,12 +20,15 @@ inline constexpr int wrong_usage = 2;
 /// without its empty lines.
 class failure : public std::runtime_error {
 public:
-    explicit failure(const std::string &text, std::vector<std::string> advice = {})
-        : std::runtime_error(text), advice_(std::move(advice)) {}
+    explicit failure(const std::string &text, std::vector<std::string> advice = {}, std::size_t line = 0)
+        : std::runtime_error(text), advice_(std::move(advice)), line_(line) {}
     const std::vector<std::string> &advice() const { return advice_; }
+    /// The line, from 1, of a file that is refused; 0 if the text is about no line.
+    std::size_t line() const { return line_; }
 
 private:
     std::vector<std::string> advice_;
+    std::size_t line_;
 };
 
 /// An argument that cannot be used. It ends the program as wrong usage.

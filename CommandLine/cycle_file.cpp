@@ -22,6 +22,8 @@ constexpr std::string_view fluid_key = "fluid";
 constexpr std::string_view kind_key = "kind";
 constexpr std::string_view database_key = "database";
 
+constexpr std::size_t longest_text = 1'000'000;
+
 std::vector<std::string> kind_names() {
     std::vector<std::string> names;
     for (const auto &row : studies::cycle_kinds())
@@ -33,26 +35,20 @@ class reader {
 public:
     explicit reader(std::string path) : path_(std::move(path)) {}
 
-    cycle_file read() {
-        for (const auto &[key, node] : parsed())
+    cycle_file read(const std::string &text) {
+        for (const auto &[key, node] : parsed(text))
             take(std::string(key.str()), key.source(), node);
         if (result_.fluid.words.empty())
-            throw failure(path_ + ": the fluid is wanted, as in fluid = \"toluene\"");
+            throw failure(named("the fluid is wanted, as in fluid = \"toluene\""));
+        std::ranges::sort(result_.given, {},
+                          [](const given_value &one) { return std::pair(one.begin.line, one.begin.column); });
         return std::move(result_);
     }
 
 private:
-    toml::table parsed() const {
-        constexpr std::size_t longest = 1'000'000;
-        errno = 0;
-        std::ifstream file(path_, std::ios::binary);
-        std::string text(longest + 1, '\0');
-        file.read(text.data(), static_cast<std::streamsize>(text.size()));
-        text.resize(static_cast<std::size_t>(file.gcount()));
-        if (errno != 0)
-            throw failure(path_ + ": the file cannot be read: " + std::generic_category().message(errno));
-        if (text.size() > longest)
-            throw failure(path_ + ": the file is longer than a definition of a cycle can be");
+    toml::table parsed(const std::string &text) const {
+        if (text.size() > longest_text)
+            throw failure(named("the file is longer than a definition of a cycle can be"));
         try {
             return toml::parse(text, path_);
         } catch (const toml::parse_error &reason) {
@@ -62,8 +58,11 @@ private:
 
     failure refused(const toml::source_region &where, const std::string &text,
                     std::vector<std::string> advice = {}) const {
-        return failure(path_ + ':' + std::to_string(where.begin.line) + ": " + text, std::move(advice));
+        const std::string line = std::to_string(where.begin.line);
+        return failure((path_.empty() ? "line " + line : path_ + ':' + line) + ": " + text, std::move(advice),
+                       where.begin.line);
     }
+    std::string named(const std::string &text) const { return path_.empty() ? text : path_ + ": " + text; }
     failure unknown(const toml::source_region &where, const std::string &what, const std::string &written,
                     const std::vector<std::string> &names) const {
         return refused(where, "there is no " + what + " \"" + printable(written) + '"',
@@ -128,6 +127,8 @@ private:
                 throw unknown(key.source(), '[' + section + "] key", name, names);
             }
             result_.wanted.*row->member = number_of(*row, whole, value);
+            const toml::source_region &place = value.source();
+            result_.given.push_back({row, {place.begin.line, place.begin.column}, {place.end.line, place.end.column}});
         }
     }
 
@@ -151,7 +152,18 @@ private:
 } // namespace
 
 cycle_file read_cycle_file(const std::string &path) {
-    return reader(path).read();
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    std::string text(longest_text + 1, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    if (errno != 0)
+        throw failure(path + ": the file cannot be read: " + std::generic_category().message(errno));
+    return read_cycle_text(text, path);
+}
+
+cycle_file read_cycle_text(const std::string &text, const std::string &path) {
+    return reader(path).read(text);
 }
 
 chosen_fluid open_fluid(const cycle_file &file, const std::string &path) {

@@ -5,18 +5,36 @@
 #include "CommandLine/fluid_choice.h"
 #include "Studies/cycle.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace command {
+
+/// A place in a text: its line and the character in it, both from 1.
+struct text_place {
+    std::size_t line;
+    std::size_t column;
+};
+
+/// A value that a definition gives, and where it stands.
+struct given_value {
+    const studies::cycle_key *key;
+    text_place begin;
+    text_place end; ///< behind its last character
+};
 
 /// What a file says.
 struct cycle_file {
     fluid_choice fluid;
     studies::cycle_definition wanted;
+    std::vector<given_value> given; ///< in the order of the text
 };
 
 /// Reads a file; fails with its line and with what would be right there.
 cycle_file read_cycle_file(const std::string &path);
+/// Reads a text. `path` stands before the line in messages; it may be empty.
+cycle_file read_cycle_text(const std::string &text, const std::string &path);
 
 /// Opens the fluid of a file; fails with the path before the library's message.
 chosen_fluid open_fluid(const cycle_file &file, const std::string &path);

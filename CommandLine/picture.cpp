@@ -50,63 +50,18 @@ std::string model_of(const ostrel::fluid &fluid) {
     return std::string(fluid.text("model"));
 }
 
-/// A temperature in the units of the picture.
-std::string temperature(double t, studies::unit_system units) {
-    const studies::unit shown = studies::shown_unit("K", units);
-    std::array<char, 32> digits{};
-    constexpr int precision = 5;
-    const char *const end = std::to_chars(digits.data(), digits.data() + digits.size(), studies::in_unit(t, shown),
-                                          std::chars_format::general, precision)
-                                .ptr;
-    std::string text(digits.data(), static_cast<std::size_t>(end - digits.data()));
-    if (text.starts_with('-'))
-        text.replace(0, 1, "−");
-    return text + (shown.name == "degC" ? " °C" : " " + std::string(shown.name));
-}
-
-/// The limit at which the curves begin, in a few words.
-std::string beginning_of(const studies::diagram &curves, studies::unit_system units) {
-    const std::string from = "drawn from " + temperature(curves.t_low, units) + ", ";
-    std::string text;
-    switch (curves.t_low_reason) {
-    case studies::lowest_temperature::chosen:
-        break;
-    case studies::lowest_temperature::triple_point:
-        text = from + "the triple point of the real fluid";
-        break;
-    case studies::lowest_temperature::heat_capacity:
-        text = from + "where the heat capacity begins";
-        break;
-    case studies::lowest_temperature::line_end:
-        text = from + "where the saturation line of the equation ends";
-        break;
-    case studies::lowest_temperature::liquid:
-        text = from + "below which the liquid of the equation has no meaning";
-        break;
-    }
-    if (curves.dome.empty())
-        text += (text.empty() ? "" : "; ") + std::string("no saturation line");
-    return text;
-}
-
 /// What limits the diagram.
 std::string limits_of(const ostrel::fluid &fluid, const std::vector<drawing::layer> &layers,
                       studies::unit_system units) {
     std::string text;
     for (const drawing::layer &layer : layers)
-        if (const std::string begin = beginning_of(layer.curves, units); !begin.empty())
+        if (const std::string begin = studies::beginning_of(layer.curves, units); !begin.empty())
             text += (text.empty() ? "" : " ") + (layers.size() > 1 ? layer.name + ": " : "") + begin + ".";
     // A sentence begins with a capital letter.
     if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
         text.front() = static_cast<char>(text.front() - 'a' + 'A');
-    const studies::diagram &first = layers.front().curves;
-    const double lowest = fluid.constant("t_cp_min");
-    const auto is_caloric = [](studies::property what) {
-        return what == studies::property::h || what == studies::property::s;
-    };
-    if (first.t_low < lowest && (is_caloric(first.kind->x) || is_caloric(first.kind->y)))
-        text += std::string(text.empty() ? "" : " ") + "h and s are extrapolated below " + temperature(lowest, units) +
-                ", where the fit of the heat capacity begins.";
+    if (const std::string caloric = studies::extrapolation_of(fluid, layers.front().curves, units); !caloric.empty())
+        text += (text.empty() ? "" : " ") + caloric;
     return text;
 }
 

@@ -4,6 +4,8 @@
 #include "Studies/remarks.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <functional>
 #include <iterator>
@@ -877,6 +879,57 @@ polyline in_plane(const ostrel::fluid &fluid, const diagram_kind &kind, std::spa
     for (std::size_t i = 0; i < states.size(); ++i)
         points.push_back({values[2 * i], values[2 * i + 1]});
     return points;
+}
+
+namespace {
+
+/// A temperature in shown units.
+std::string temperature(double t, unit_system units) {
+    const unit shown = shown_unit("K", units);
+    std::array<char, 32> digits{};
+    constexpr int precision = 5;
+    const char *const end = std::to_chars(digits.data(), digits.data() + digits.size(), in_unit(t, shown),
+                                          std::chars_format::general, precision)
+                                .ptr;
+    std::string text(digits.data(), static_cast<std::size_t>(end - digits.data()));
+    if (text.starts_with('-'))
+        text.replace(0, 1, "−");
+    return text + (shown.name == "degC" ? " °C" : " " + std::string(shown.name));
+}
+
+} // namespace
+
+std::string beginning_of(const diagram &curves, unit_system units) {
+    const std::string from = "drawn from " + temperature(curves.t_low, units) + ", ";
+    std::string text;
+    switch (curves.t_low_reason) {
+    case lowest_temperature::chosen:
+        break;
+    case lowest_temperature::triple_point:
+        text = from + "the triple point of the real fluid";
+        break;
+    case lowest_temperature::heat_capacity:
+        text = from + "where the heat capacity begins";
+        break;
+    case lowest_temperature::line_end:
+        text = from + "where the saturation line of the equation ends";
+        break;
+    case lowest_temperature::liquid:
+        text = from + "below which the liquid of the equation has no meaning";
+        break;
+    }
+    if (curves.dome.empty())
+        text += (text.empty() ? "" : "; ") + std::string("no saturation line");
+    return text;
+}
+
+std::string extrapolation_of(const ostrel::fluid &fluid, const diagram &curves, unit_system units) {
+    const double lowest = fluid.constant("t_cp_min");
+    const auto is_caloric = [](property what) { return what == property::h || what == property::s; };
+    if (!(curves.t_low < lowest) || !(is_caloric(curves.kind->x) || is_caloric(curves.kind->y)))
+        return {};
+    return "h and s are extrapolated below " + temperature(lowest, units) +
+           ", where the fit of the heat capacity begins.";
 }
 
 } // namespace studies

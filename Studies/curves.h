@@ -115,6 +115,13 @@ std::array<axis_range, 2> diagram_ranges(const ostrel::fluid &fluid, const diagr
 /// The curves of a diagram. Throws no_diagram if the fluid has no state in the ranges.
 diagram make_diagram(const ostrel::fluid &fluid, const diagram_request &asked);
 
+/// Why a diagram begins at its lowest temperature and whether it has no saturation line, in a few words without a point
+/// at the end; empty if there is nothing to say.
+std::string beginning_of(const diagram &curves, unit_system units);
+
+/// A sentence if h and s of a diagram are extrapolated at low temperatures; else empty.
+std::string extrapolation_of(const ostrel::fluid &fluid, const diagram &curves, unit_system units);
+
 /// Round numbers between low and high [unit of the values]: 1-2-5 steps, or 1-2-5 numbers if logarithmic, at most
 /// `most` of them.
 std::vector<double> round_values(double low, double high, std::size_t most, bool logarithmic);

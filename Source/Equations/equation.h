@@ -92,13 +92,19 @@ struct equation {
     }
 };
 
+// Only some standard libraries have vectors that exist before the program runs.
+#ifdef __cpp_lib_constexpr_vector
+#define OSTREL_CONSTINIT constinit
+#else
+#define OSTREL_CONSTINIT
+#endif
+
 /// The heat capacity that goes with no_model: energy and entropy are zero.
-constexpr ideal_gas_heat::heat_capacity heat_without_form() {
+inline OSTREL_CONSTINIT const ideal_gas_heat::heat_capacity no_heat = [] {
     ideal_gas_heat::heat_capacity heat;
     heat.Rgas = heat.P_ref = heat.v_ref = 1.0;
     return heat;
-}
-inline constinit const ideal_gas_heat::heat_capacity no_heat = heat_without_form();
+}();
 
 /// The equation of state of a fluid, from its parts.
 template <class Model>
