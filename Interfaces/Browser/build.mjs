@@ -7,11 +7,12 @@
 import { build, transform } from "esbuild";
 import fs from "node:fs";
 import path from "node:path";
+import { fileURLToPath } from "node:url";
 import zlib from "node:zlib";
 
 const [moduleFolder, fluids, page] = process.argv.slice(2);
-const here = import.meta.dirname;
-const packed = (bytes) => zlib.deflateRawSync(bytes, { level: 9 }).toString("base64");
+const here = path.dirname(fileURLToPath(import.meta.url));
+const packed = (bytes) => zlib.deflateSync(bytes, { level: 9 }).toString("base64");
 
 /** All files of the catalogue behind a line with their names and sizes. */
 function catalogue() {

@@ -252,7 +252,7 @@ EMSCRIPTEN_KEEPALIVE const char *browser_tables() {
                 {{"name", one.name}, {"si", one.si}, {"difference", one.difference}, {"meaning", one.meaning}});
         for (std::size_t i = 0; const char *const model = ostrel_list("models", i, "name"); ++i)
             tables["advice"][model] = studies::advice_on_model(model);
-        for (int phase = 0; !studies::phase_name(phase).empty(); ++phase)
+        for (int phase = 0; studies::phase_name(phase) != studies::phase_name(-1); ++phase)
             tables["phases"].push_back(studies::phase_name(phase));
         return tables;
     });
