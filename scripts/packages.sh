@@ -28,3 +28,5 @@ packages_of_python="$packages_to_bind_python python3-pytest python3-hypothesis m
 packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev openmpi-bin libopenmpi-dev python3 valgrind groff-base $packages_of_python"
 # clang only recommends the runtime of sanitizers and libFuzzer, so it is named here.
 packages_to_sanitize="clang libclang-rt-dev"
+packages_of_browser="emscripten cmake ninja-build libtomlplusplus-dev nlohmann-json3-dev"
+packages_to_test_browser="chromium"

@@ -378,7 +378,7 @@ EMSCRIPTEN_KEEPALIVE const char *browser_cycle(const char *text, const char *nam
         }
         std::optional<command::chosen_fluid> own;
         if (of == nullptr)
-            own = command::open_fluid(file, "");
+            own = file.fluid.open();
         const studies::cycle_result solved = studies::solve(own ? own->fluid : of->fluid, file.wanted);
         json result = definition_of(file);
         for (const studies::cycle_state &one : solved.states)

@@ -299,7 +299,8 @@ export interface Library {
   open(name: string, options?: Options): Fluid;
   /** Opens a fluid from a parameter text. Throws LibraryError. */
   openText(text: string, options?: Options): Fluid;
-  /** Says in words what a parameter text means. `name` stands for the path of the file in messages. */
+  /** Says in words what a parameter text means. `name` stands for the path of the file in messages; "own.osd" if not
+   * given. */
   check(text: string, name?: string): CheckReport;
 
   readonly units: Units;

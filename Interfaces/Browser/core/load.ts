@@ -539,9 +539,9 @@ class LoadedLibrary implements Library {
       ),
     );
   }
-  check(text: string, name = "text"): CheckReport {
+  check(text: string, name = "own.osd"): CheckReport {
     const { calls } = this;
-    const path = name.replace(/[/\0]/g, "_") || "text";
+    const path = name.replace(/[/\0]/g, "_") || "own.osd";
     return calls.answer<CheckReport>(() =>
       calls.core._browser_check(calls.text(text), utf8.encode.encode(text).length, calls.text(path)),
     );
