@@ -1,49 +1,86 @@
 // SPDX-License-Identifier: MIT
-// Puts the page together: library.js with the WebAssembly module and the catalogue, and app.js with the views.
+// Puts the page together: library.js with the WebAssembly module and the catalogue, app.js and style.css with the views.
 //
 //     node build.mjs FOLDER-OF-THE-MODULE FOLDER-OF-THE-FLUIDS FOLDER-OF-THE-PAGE
+//     node build.mjs --tests FOLDER       the tests as scripts for node --test
 //
-// Both scripts are classic ones and need nothing else, so that index.html works when it is opened from a folder.
+// The scripts of the page are classic ones and need nothing else, so that index.html works when it is opened from a
+// folder.
 import { build, transform } from "esbuild";
 import fs from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
 import zlib from "node:zlib";
 
-const [moduleFolder, fluids, page] = process.argv.slice(2);
 const here = path.dirname(fileURLToPath(import.meta.url));
 const packed = (bytes) => zlib.deflateSync(bytes, { level: 9 }).toString("base64");
+const common = {
+  absWorkingDir: here,
+  bundle: true,
+  target: "es2022",
+  jsx: "automatic",
+  jsxImportSource: "preact",
+  loader: { ".toml": "text" },
+  logLevel: "warning",
+};
 
 /** All files of the catalogue behind a line with their names and sizes. */
-function catalogue() {
+function catalogue(folder) {
   const files = fs
-    .readdirSync(fluids)
+    .readdirSync(folder)
     .filter((name) => name.endsWith(".osd") || name === "index.csv")
     .sort()
-    .map((name) => [name, fs.readFileSync(path.join(fluids, name))]);
+    .map((name) => [name, fs.readFileSync(path.join(folder, name))]);
   const sizes = files.map(([name, bytes]) => [name, bytes.length]);
   return Buffer.concat([Buffer.from(JSON.stringify(sizes) + "\n"), ...files.map(([, bytes]) => bytes)]);
 }
 
-fs.mkdirSync(page, { recursive: true });
-const script = fs.readFileSync(path.join(moduleFolder, "ostrel_core.js"), "utf8");
-const { code } = await transform(script, { minify: true, target: "es2022" });
-const parts = { wasm: packed(fs.readFileSync(path.join(moduleFolder, "ostrel_core.wasm"))), catalogue: packed(catalogue()) };
-fs.writeFileSync(path.join(page, "library.js"), `${code}globalThis.ostrel_core=ostrel_core;globalThis.ostrel_parts=${JSON.stringify(parts)};\n`);
+async function library(moduleFolder, fluids, page) {
+  const script = fs.readFileSync(path.join(moduleFolder, "ostrel_core.js"), "utf8");
+  const { code } = await transform(script, { minify: true, target: "es2022" });
+  const parts = {
+    wasm: packed(fs.readFileSync(path.join(moduleFolder, "ostrel_core.wasm"))),
+    catalogue: packed(catalogue(fluids)),
+  };
+  const globals = `globalThis.ostrel_core=ostrel_core;globalThis.ostrel_parts=${JSON.stringify(parts)};`;
+  fs.writeFileSync(path.join(page, "library.js"), `${code}${globals}\n`);
+}
 
-const views = path.join(here, "page");
-if (fs.existsSync(views)) {
+async function views(folder, page) {
   await build({
-    entryPoints: [path.join(views, "app.tsx")],
-    outfile: path.join(page, "app.js"),
-    bundle: true,
+    ...common,
+    entryPoints: [path.join(folder, "app.tsx"), path.join(folder, "style.css")],
+    outdir: page,
     format: "iife",
     minify: true,
-    target: "es2022",
-    jsx: "automatic",
-    jsxImportSource: "preact",
     legalComments: "eof",
-    logLevel: "warning",
   });
-  for (const name of ["index.html", "style.css"]) fs.copyFileSync(path.join(views, name), path.join(page, name));
+  fs.copyFileSync(path.join(folder, "index.html"), path.join(page, "index.html"));
+}
+
+async function tests(folder) {
+  const sources = path.join(here, "tests");
+  await build({
+    ...common,
+    entryPoints: fs
+      .readdirSync(sources)
+      .filter((name) => name.endsWith(".test.ts"))
+      .map((name) => path.join(sources, name)),
+    outdir: folder,
+    outExtension: { ".js": ".mjs" },
+    platform: "node",
+    format: "esm",
+    external: ["playwright-core"],
+  });
+}
+
+const [first, second, third] = process.argv.slice(2);
+if (first === "--tests") {
+  await tests(path.resolve(second));
+} else {
+  const page = path.resolve(third);
+  fs.mkdirSync(page, { recursive: true });
+  await library(first, second, page);
+  const folder = path.join(here, "page");
+  if (fs.existsSync(path.join(folder, "app.tsx"))) await views(folder, page);
 }
