@@ -290,6 +290,8 @@ export interface NozzleResult {
 export interface Library {
   /** Version of the package. */
   readonly version: string;
+  /** Bytes of the module's memory. */
+  readonly memory: number;
   /** A list of what there is to ask for; the same array at each call. */
   list(kind: ListKind): readonly Row[];
   /** The fluids of the catalogue whose names, formulas or families have to do with the words, the best first; all of

@@ -507,6 +507,9 @@ class LoadedLibrary implements Library {
     this.cycleKeys = tables.cycleKeys;
   }
 
+  get memory(): number {
+    return this.calls.core.HEAPU8.length;
+  }
   list(kind: ListKind): readonly Row[] {
     let rows = this.lists.get(kind);
     if (rows === undefined) {
