@@ -10,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 #include <system_error>
+// The package calls itself for each value in a value. Definitions have none.
+#define TOML_MAX_NESTED_VALUES 16
 #include <toml++/toml.h>
 #include <utility>
 #include <vector>
@@ -23,6 +25,8 @@ constexpr std::string_view kind_key = "kind";
 constexpr std::string_view database_key = "database";
 
 constexpr std::size_t longest_text = 1'000'000;
+/// The package that reads files calls itself for each table within a table. Definitions have two.
+constexpr std::ptrdiff_t most_points = 100; // in a line
 
 std::vector<std::string> kind_names() {
     std::vector<std::string> names;
@@ -49,6 +53,7 @@ private:
     toml::table parsed(const std::string &text) const {
         if (text.size() > longest_text)
             throw failure(named("the file is longer than a definition of a cycle can be"));
+        refuse_deep_names(text);
         try {
             return toml::parse(text, path_);
         } catch (const toml::parse_error &reason) {
@@ -56,11 +61,24 @@ private:
         }
     }
 
+    void refuse_deep_names(const std::string &text) const {
+        std::istringstream lines(text);
+        std::size_t number = 0;
+        for (std::string line; std::getline(lines, line);) {
+            ++number;
+            const std::size_t first = line.find_first_not_of(" \t");
+            if (first != std::string::npos && line[first] != '#' && std::ranges::count(line, '.') > most_points)
+                throw refused(number, "there are more than " + std::to_string(most_points) + " points");
+        }
+    }
+
+    failure refused(std::size_t number, const std::string &text, std::vector<std::string> advice = {}) const {
+        const std::string line = std::to_string(number);
+        return failure((path_.empty() ? "line " + line : path_ + ':' + line) + ": " + text, std::move(advice), number);
+    }
     failure refused(const toml::source_region &where, const std::string &text,
                     std::vector<std::string> advice = {}) const {
-        const std::string line = std::to_string(where.begin.line);
-        return failure((path_.empty() ? "line " + line : path_ + ':' + line) + ": " + text, std::move(advice),
-                       where.begin.line);
+        return refused(where.begin.line, text, std::move(advice));
     }
     std::string named(const std::string &text) const { return path_.empty() ? text : path_ + ": " + text; }
     failure unknown(const toml::source_region &where, const std::string &what, const std::string &written,

@@ -86,6 +86,31 @@ test("hostile texts are refused", () => {
   assert.equal(library.open("water").constant("t_crit"), 647.096);
 });
 
+test("definitions that are nested deeply are refused, as by the command", () => {
+  const folder = mkdtempSync(join(tmpdir(), "ostrel-cycle-"));
+  try {
+    const key = (count: number): string => Array(count).fill("a").join(".");
+    const texts = [
+      ...[50, 101, 102, 49_000, 400_000].flatMap((count) => [`fluid = "water"\n[${key(count)}]\nx = 1\n`, `fluid = "water"\n${key(count)} = 1\n`]),
+      `x = ${"[".repeat(9e5)}\n`,
+      `x = ${`[{${key(90)} =\n`.repeat(4000)}`,
+      `x = ${`[{${key(90)} = `.repeat(15)}1${"}]".repeat(15)}\n`,
+      `x = ${`[\n{${key(90)} = `.repeat(10)}1${"}]".repeat(10)}\n`,
+      "[a]\n".repeat(2e5),
+    ];
+    for (const text of texts) {
+      const path = join(folder, "deep.toml");
+      writeFileSync(path, text);
+      const said = native(["cycle", path]);
+      assert.equal(said.code, 1);
+      const own = refusal(() => library.cycle(text));
+      assert.ok(said.error.includes(own.message.replace(/^line (\d+): /, "$1: ")), `${said.error} ${own.message}`);
+    }
+  } finally {
+    rmSync(folder, { recursive: true });
+  }
+});
+
 test("saturation", () => {
   const fluid = library.open("r134a");
   const both = fluid.saturation("t", ["p", "d"], Float64Array.of(300, 500));
