@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+export function CyclesView() {
+  return <p>Cycles</p>;
+}

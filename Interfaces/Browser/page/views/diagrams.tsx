@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+export function DiagramsView() {
+  return <p>Diagrams</p>;
+}

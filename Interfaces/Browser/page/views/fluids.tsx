@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+export function FluidsView() {
+  return <p>Fluids</p>;
+}

@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+export function StateView() {
+  return <p>State</p>;
+}

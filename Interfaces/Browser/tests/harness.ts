@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+// Opens the built page in Chromium. Every test fails on a request that leaves the page and on a message in the console.
+import { mkdtempSync, rmSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, before, test as nodeTest } from "node:test";
+import { pathToFileURL } from "node:url";
+import { chromium, type BrowserContext, type Page } from "playwright-core";
+
+/** The folder of the built page. */
+const folder = process.env.OSTREL_PAGE ?? "build/browser/page";
+export const pageAddress = pathToFileURL(join(folder, "index.html")).href;
+/** The native command, if it has been built. */
+export const command = process.env.OSTREL_COMMAND || undefined;
+
+export interface Setting {
+  readonly width?: number;
+  readonly height?: number;
+  readonly dark?: boolean;
+  readonly reducedMotion?: boolean;
+  /** 2 for a page at 200 %. */
+  readonly zoom?: number;
+}
+
+let browser: { context: BrowserContext; profile: string } | undefined;
+
+async function start(): Promise<BrowserContext> {
+  const profile = mkdtempSync(join(tmpdir(), "ostrel-page-"));
+  const context = await chromium.launchPersistentContext(profile, {
+    executablePath: process.env.OSTREL_CHROMIUM ?? "/usr/bin/chromium",
+    headless: true,
+    args: [
+      "--no-sandbox",
+      "--disable-gpu",
+      "--disable-quic",
+      "--no-first-run",
+      "--disable-background-networking",
+      "--disable-component-update",
+      "--disable-sync",
+    ],
+    viewport: null,
+    acceptDownloads: true,
+  });
+  browser = { context, profile };
+  return context;
+}
+
+async function end(): Promise<void> {
+  await browser?.context.close();
+  if (browser) rmSync(browser.profile, { recursive: true, force: true });
+  browser = undefined;
+}
+
+before(async () => void (await start()));
+after(end);
+
+/** A tab, and what it has done that no page may do. */
+export interface Opened {
+  readonly page: Page;
+  readonly complaints: string[];
+}
+
+/** Opens the page with a link ("view=fluids&fluid=water") in a tab of its own. */
+export async function open(link = "", setting: Setting = {}): Promise<Opened> {
+  const context = browser?.context ?? (await start());
+  const page = await context.newPage();
+  const complaints: string[] = [];
+  page.on("request", (request) => {
+    const address = request.url();
+    const own = address.startsWith(pageAddress.slice(0, pageAddress.lastIndexOf("/") + 1));
+    if (!own && !/^(data|blob):/.test(address)) complaints.push(`request: ${address}`);
+  });
+  page.on("websocket", (socket) => complaints.push(`socket: ${socket.url()}`));
+  page.on("console", (message) => complaints.push(`console: ${message.text()}`));
+  page.on("pageerror", (error) => complaints.push(`error: ${error.stack ?? error.message}`));
+  page.on("dialog", (dialog) => {
+    complaints.push(`dialog: ${dialog.message()}`);
+    void dialog.dismiss();
+  });
+  const { width = 1280, height = 900, zoom = 1 } = setting;
+  // A browser at 200 % gives the page half as many pixels, each of them twice as large.
+  await page.setViewportSize({ width: Math.round(width / zoom), height: Math.round(height / zoom) });
+  await page.emulateMedia({
+    colorScheme: setting.dark ? "dark" : "light",
+    reducedMotion: setting.reducedMotion ? "reduce" : "no-preference",
+  });
+  await page.goto(link ? `${pageAddress}#${link}` : pageAddress);
+  await page.locator("#view").waitFor();
+  return { page, complaints };
+}
+
+/** A test with a tab of its own. */
+export function test(
+  name: string,
+  body: (page: Page) => Promise<void>,
+  { link = "", ...setting }: Setting & { link?: string } = {},
+): void {
+  nodeTest(name, { timeout: 120_000 }, async () => {
+    const { page, complaints } = await open(link, setting);
+    try {
+      await body(page);
+      if (complaints.length > 0) throw new Error(complaints.join("\n"));
+    } finally {
+      await page.close();
+    }
+  });
+}
+
+/** Fails if the page is wider than its window. */
+export async function expectNoSidewaysScroll(page: Page): Promise<void> {
+  const [wide, room] = await page.evaluate(() => [
+    document.documentElement.scrollWidth,
+    document.documentElement.clientWidth,
+  ]);
+  if (Number(wide) > Number(room)) throw new Error(`The page is ${wide} pixels wide in a window of ${room}.`);
+}
