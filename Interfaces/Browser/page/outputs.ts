@@ -9,9 +9,9 @@ export function outputRow(name: string): Row | undefined {
 }
 
 /** "vapor quality" of "vapor quality, 0 for the saturated liquid, 1 for the saturated vapor" */
-export const shortMeaning = (row: Row) => row.description.split(/, (?=[^\d])|, 0|: 0/)[0] ?? row.description;
+export const shortMeaning = (row: Row) => row.description.split(/[,:] /)[0] ?? row.description;
 
-/** What an output is called where space is short. Parts behind a comma that are formulas are left out. */
+/** What an output is called where space is short. */
 export function outputTitle(name: string): string {
   const row = outputRow(name);
   return row ? shortMeaning(row) : name;

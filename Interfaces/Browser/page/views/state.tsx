@@ -29,18 +29,16 @@ export function StateView() {
   };
   return (
     <div class="state-view">
-      <div class="side">
-        <section class="panel" aria-labelledby="inputs-title">
-          <h2 id="inputs-title">State</h2>
-          <Inputs solution={solution} />
-          <button type="button" class="keep" disabled={!solution.phase} onClick={keep}>
-            Keep this state
-          </button>
-          <Derivatives />
-        </section>
-        <Elsewhere solution={solution} first={first} second={second} />
-      </div>
+      <section class="panel given" aria-labelledby="inputs-title">
+        <h2 id="inputs-title">State</h2>
+        <Inputs solution={solution} />
+        <button type="button" class="keep" disabled={!solution.phase} onClick={keep}>
+          Keep this state
+        </button>
+        <Derivatives />
+      </section>
       <Properties solution={solution} />
+      <Elsewhere solution={solution} first={first} second={second} />
       <Kept />
       <Models first={first} second={second} />
       <Saturation />

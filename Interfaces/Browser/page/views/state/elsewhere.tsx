@@ -2,7 +2,7 @@
 // The lines that give one of the numbers in other languages.
 import { useState } from "preact/hooks";
 import { languages, type Request } from "../../code_lines";
-import { fileName } from "../../csv";
+import { fileName } from "../../files";
 import { exactText, unitText } from "../../numbers";
 import { ownText } from "../../opening";
 import { outputRow, shortMeaning } from "../../outputs";

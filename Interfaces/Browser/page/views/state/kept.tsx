@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // States that somebody has put down, and their differences from the first one.
 import type { Row } from "../../../core/library";
-import { csvText, csvType, type Cell } from "../../csv";
+import { columnName, csvText, type Cell } from "../../csv";
+import { csvType } from "../../files";
 import { numberText, useUnits } from "../../numbers";
 import { openFluid } from "../../opening";
 import { outputRow } from "../../outputs";
@@ -44,7 +45,7 @@ export function Kept() {
   };
   const csv = () =>
     csvText([
-      ["fluid", "options", "phase", ...outputs.map((row) => `${row.name} [${unit(row.unit).name}]`)],
+      ["fluid", "options", "phase", ...outputs.map((row) => columnName(row.name, unit(row.unit).name))],
       ...states.map(({ kept, solution }): Cell[] => [
         fluidName(kept.fluid),
         Object.entries(kept.options)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The same state by every equation of state, with the differences from the chosen one.
 import type { Row } from "../../../core/library";
-import { csvText, csvType, fileName, type Cell } from "../../csv";
+import { columnName, csvText, type Cell } from "../../csv";
+import { csvType, fileName } from "../../files";
 import { library } from "../../library";
 import { useUnits } from "../../numbers";
 import { openFluid, useFluid } from "../../opening";
@@ -44,7 +45,7 @@ export function Models({ first, second }: { first: number; second: number }) {
     base && solution !== base ? percent(solution.of(row.name), base.of(row.name)) : "";
   const csv = () =>
     csvText([
-      ["model", "equation of state", "phase", ...shownOutputs.map((row) => `${row.name} [${units.unit(row.unit).name}]`), "note"],
+      ["model", "equation of state", "phase", ...shownOutputs.map((row) => columnName(row.name, units.unit(row.unit).name)), "note"],
       ...models.map(({ model, solution, problem }): Cell[] => [
         model.name,
         model.description,

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // All properties of a state. A click on a row chooses the number that "the same number elsewhere" is about.
 import type { Row } from "../../../core/library";
-import { csvText, csvType, fileName } from "../../csv";
+import { csvText } from "../../csv";
+import { csvType, fileName } from "../../files";
 import { numberText, useUnits } from "../../numbers";
 import { shortMeaning } from "../../outputs";
 import { SaveButton } from "../../parts/copy_button";
@@ -26,20 +27,22 @@ function PropertyRow({ row, value, note }: { row: Row; value: number; note: stri
       onClick={() => set({ output: row.name })}
     >
       <th scope="row">
-        <span aria-hidden="true">
-          <Symbol name={row.name} />
-        </span>
-        <span class="meaning">{shortMeaning(row)}</span>
-        {asked && (
-          <button
-            type="button"
-            class="quiet remove"
-            aria-label={`Leave out ${row.description}`}
-            onClick={() => set({ derivatives: slice.derivatives.filter((name) => name !== row.name) })}
-          >
-            ×
-          </button>
-        )}
+        <div>
+          <span aria-hidden="true">
+            <Symbol name={row.name} />
+          </span>
+          <span class="meaning">{shortMeaning(row)}</span>
+          {asked && (
+            <button
+              type="button"
+              class="quiet remove"
+              aria-label={`Leave out ${row.description}`}
+              onClick={() => set({ derivatives: slice.derivatives.filter((name) => name !== row.name) })}
+            >
+              ×
+            </button>
+          )}
+        </div>
       </th>
       <td>
         <Num value={shown(value, row.unit)} />
@@ -96,7 +99,7 @@ export function Properties({ solution }: { solution: Solution }) {
           {solution.phase && (
             <>
               <strong>{solution.phase}</strong>
-              {Number.isFinite(quality) && <> vapor quality {numberText(quality)}</>}
+              {Number.isFinite(quality) && <>, vapor quality {numberText(quality)}</>}
             </>
           )}
         </p>

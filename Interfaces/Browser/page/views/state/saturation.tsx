@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The table of saturated states by temperature or pressure.
 import { LibraryError, type Fluid, type Row, type Saturation as Answer } from "../../../core/library";
-import { csvText, csvType, fileName } from "../../csv";
+import { columnName, csvText } from "../../csv";
+import { csvType, fileName } from "../../files";
 import { library } from "../../library";
 import { shownUnit, useUnits } from "../../numbers";
 import { useFluid } from "../../opening";
@@ -19,29 +20,31 @@ import { stateSlice } from "./slice";
 type By = "t" | "p";
 const mostRows = 500;
 
-/** A round number of the unit at or above a value, with two digits. */
-function round(value: number, si: string, up: boolean): number {
-  const unit = shownUnit(si);
-  const shown = library.units.to(value, unit);
-  const step = si === "K" ? 10 : 10 ** (Math.floor(Math.log10(Math.abs(shown))) - 1);
-  const places = up ? Math.ceil(shown / step) : Math.floor(shown / step);
-  return library.units.from(Number((places * step).toPrecision(12)), unit);
+const steps = [100, 50, 25, 20, 10, 5, 2, 1];
+const fewestRows = 9;
+
+interface Ends {
+  readonly from: string;
+  readonly to: string;
+  readonly rows: number;
 }
 
-/** Ends of a table that suit the fluid. */
-function usualEnds(fluid: Fluid, by: By): { from: string; to: string } {
+/** Round temperatures that suit the fluid, in the page's unit, or pressures with two digits. */
+function usualEnds(fluid: Fluid, by: By): Ends | undefined {
+  const si = by === "t" ? "K" : "Pa";
+  const unit = shownUnit(si);
   const critical = fluid.constant("t_crit");
   const lowest = Math.max(0.5 * critical, fluid.constant("t_triple") || 0, fluid.constant("t_sat_min") || 0);
-  const low = Math.min(lowest * 1.001, 0.9 * critical);
-  const high = 0.99 * critical;
-  const pressure = (t: number) => fluid.value("tq", t, 1, "p");
-  const [first, last] = by === "t" ? [low, high] : [pressure(low), pressure(high)];
-  const si = outputRow(by)?.unit ?? "";
-  if (!Number.isFinite(first) || !Number.isFinite(last)) return { from: "", to: "" };
-  return {
-    from: quantityText(round(first, si, true), shownUnit(si)),
-    to: quantityText(round(last, si, false), shownUnit(si)),
-  };
+  const [low, high] = [Math.min(lowest * 1.001, 0.9 * critical), 0.995 * critical];
+  const text = (value: number) => quantityText(library.units.from(value, unit), unit);
+  const [first = NaN, last = NaN] = [low, high].map((t) =>
+    library.units.to(by === "t" ? t : fluid.value("tq", t, 1, "p"), unit),
+  );
+  if (!Number.isFinite(fluid.value("tq", high, 1, "p"))) return undefined;
+  if (by === "p") return { from: text(Number(first.toPrecision(2))), to: text(Number(last.toPrecision(2))), rows: 12 };
+  const step = steps.find((one) => (last - first) / one >= fewestRows) ?? (last - first) / fewestRows;
+  const [from, to] = [Math.ceil(first / step), Math.floor(last / step)];
+  return { from: text(from * step), to: text(to * step), rows: to - from + 1 };
 }
 
 /** SI values from one end to the other; pressures are a geometric series. */
@@ -75,9 +78,13 @@ export function Saturation() {
   const latent = outputs.some((row) => row.name === "h") ? outputRow("h") : undefined;
 
   const usual = usualEnds(fluid, by);
-  const texts = { from: slice.from || usual.from, to: slice.to || usual.to };
+  const texts = {
+    from: slice.from || (usual?.from ?? ""),
+    to: slice.to || (usual?.to ?? ""),
+    rows: slice.rows || String(usual?.rows ?? 2),
+  };
   const ends = { from: readQuantity(texts.from, given.unit), to: readQuantity(texts.to, given.unit) };
-  const count = Number(slice.rows);
+  const count = Number(texts.rows);
   const wrongCount = Number.isInteger(count) && count >= 2 && count <= mostRows ? "" : `A table has 2 to ${mostRows} rows.`;
   let table: Table | undefined;
   let problem = "";
@@ -88,7 +95,7 @@ export function Saturation() {
       if (!(refusal instanceof LibraryError)) throw refusal;
       problem = sentence(refusal.message);
     }
-  } else if (texts.from === "") {
+  } else if (!usual && !slice.from) {
     problem = "This equation of state has no saturation line.";
   }
 
@@ -111,10 +118,10 @@ export function Saturation() {
   const csv = () =>
     csvText([
       [
-        `${by} [${unit(given.unit).name}]`,
-        `${other} [${unit(follows.unit).name}]`,
-        ...(table?.columns.map(({ row, phase }) => `${row.name} ${phase} [${unit(row.unit).name}]`) ?? []),
-        ...(latentUnit ? [`latent heat [${latentUnit.name}]`] : []),
+        columnName(by, unit(given.unit).name),
+        columnName(other, unit(follows.unit).name),
+        ...(table?.columns.map(({ row, phase }) => columnName(`${row.name} ${phase}`, unit(row.unit).name)) ?? []),
+        ...(latentUnit ? [columnName("latent heat", latentUnit.name)] : []),
       ],
       ...rows.filter((row) => !row.fails).map(numbers),
     ]);
@@ -140,7 +147,7 @@ export function Saturation() {
             { value: "t", text: "temperature" },
             { value: "p", text: "pressure" },
           ]}
-          choose={(value) => set({ by: value, from: "", to: "" })}
+          choose={(value) => set({ by: value, from: "", to: "", rows: "" })}
         />
         <QuantityField key={`from-${by}`} label="From" si={given.unit} text={texts.from} write={(from) => set({ from })} />
         <QuantityField key={`to-${by}`} label="To" si={given.unit} text={texts.to} write={(to) => set({ to })} />
@@ -151,7 +158,7 @@ export function Saturation() {
             class="count"
             type="text"
             inputMode="numeric"
-            value={slice.rows}
+            value={texts.rows}
             aria-invalid={wrongCount !== ""}
             onInput={(event) => set({ rows: event.currentTarget.value })}
           />

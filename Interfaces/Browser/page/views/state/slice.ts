@@ -38,7 +38,7 @@ export interface StateSlice {
   /** The columns of the table of models, and of the kept states. */
   readonly compared: string;
   readonly by: string;
-  /** Ends of the saturation table, as typed; empty for ends that suit the fluid. */
+  /** The saturation table's ends and number of rows, as typed; empty for what suits the fluid. */
   readonly from: string;
   readonly to: string;
   readonly rows: string;
@@ -58,7 +58,7 @@ export const stateSlice = defineSlice<StateSlice>(
     by: "t",
     from: "",
     to: "",
-    rows: "12",
+    rows: "",
     saturated: "d, h, s",
     kept: [],
   },
