@@ -9,6 +9,7 @@ import { change, link, startStore, useStore, views, type View } from "./store";
 import { CyclesView } from "./views/cycles";
 import { DiagramsView } from "./views/diagrams";
 import { FluidsView } from "./views/fluids";
+import { takeDrops } from "./views/fluids/files";
 import { StateView } from "./views/state";
 
 const shownViews: Record<View, { title: string; content: FunctionComponent }> = {
@@ -128,6 +129,7 @@ async function main(): Promise<void> {
     place.textContent = `Ostrel cannot start: ${failure instanceof Error ? failure.message : String(failure)}`;
     return;
   }
+  takeDrops();
   place.replaceChildren();
   render(<App />, place);
 }

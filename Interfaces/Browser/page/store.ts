@@ -15,6 +15,12 @@ export interface OwnFluid {
   readonly text: string;
 }
 
+/** An own fluid that is being written. */
+export interface Draft extends OwnFluid {
+  /** What was wrong with its file. */
+  readonly problem: string;
+}
+
 /** What links can have: texts, numbers, yes or no, and arrays and objects of these. */
 export type Value = string | number | boolean | readonly Value[] | { readonly [key: string]: Value };
 export type Values = { readonly [key: string]: Value };
@@ -26,6 +32,8 @@ export interface PageState {
   readonly options: Options;
   readonly units: UnitSystem;
   readonly own: readonly OwnFluid[];
+  /** What somebody writes as an own fluid; no link has it. */
+  readonly draft: Draft;
   /** The parts of the views, by name. */
   readonly slices: { readonly [name: string]: Values };
 }
@@ -46,6 +54,7 @@ const atStart: PageState = {
   options: {},
   units: "engineering",
   own: [],
+  draft: { name: "", text: "", problem: "" },
   slices: {},
 };
 
@@ -165,6 +174,7 @@ function stateOf(given: URLSearchParams): PageState {
     fluid: given.get("fluid") || atStart.fluid,
     units: given.get("units") === "si" ? "si" : atStart.units,
     own: state.own,
+    draft: state.draft,
     options,
     slices: parts,
   };

@@ -29,7 +29,8 @@ const symbolOf = (name: string) =>
   letters[name] ?? name.replace(/^([a-z])_/, (_, letter: string) => `${letters[letter] ?? letter}_`);
 
 function one(symbol: string): ComponentChild {
-  const [base = "", index] = symbol.split("_", 2);
+  const [base = "", ...indices] = symbol.split("_");
+  const index = indices.join(",\u2009");
   const text = upright.test(base) ? base : <i>{base}</i>;
   return index ? [text, <sub>{index}</sub>] : text;
 }
