@@ -41,16 +41,14 @@ const double = (value: number) => {
   const [mantissa = "", exponent = "0"] = String(value).split("e");
   return `${mantissa}d${exponent.replace("+", "")}`;
 };
-/** In arguments of a command a minus sign at the beginning would be that of an option. */
-const argument = (value: number) => String(value);
-
 export const languages: readonly Language[] = [
   {
     name: "Shell",
     note: "",
     lines: (of) => {
       const options = given(of.options).map(([key, value]) => `--${key} ${word(value)} `);
-      const values = `${word(of.fluid)} ${of.pair} ${argument(of.first)} ${argument(of.second)} ${word(of.output)}`;
+      const values = `${word(of.fluid)} ${of.pair} ${of.first} ${of.second} ${word(of.output)}`;
+      // Behind -- a minus sign does not begin an option.
       return `ostrel prop --csv ${options.join("")}-- ${values}\n`;
     },
   },
@@ -103,9 +101,9 @@ int main() {
     use ostrel_handles
     implicit none
     type(ostrel_fluid) :: fluid
-    call fluid%open${of.isFile ? "_file" : ""}(${inSingleQuotes(of.fluid)}, ${inSingleQuotes(optionText(of.options))})
-    print '(es24.16e3)', fluid%value('${of.pair}', ${double(of.first)}, &
-                                     ${double(of.second)}, '${of.output}') ! ${of.unit}
+    call fluid%open${of.isFile ? "_file" : ""}(${inSingleQuotes(of.fluid)}, &
+        ${inSingleQuotes(optionText(of.options))})
+    print '(es24.16e3)', fluid%value('${of.pair}', ${double(of.first)}, ${double(of.second)}, '${of.output}') ! ${of.unit}
 end program state
 `,
   },

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Opens the built page in Chromium. Every test fails on a request that leaves the page and on a message in the console.
-import { mkdtempSync, rmSync } from "node:fs";
+import { mkdtempSync, readFileSync, rmSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, test as nodeTest } from "node:test";
@@ -113,4 +113,49 @@ export async function expectNoSidewaysScroll(page: Page): Promise<void> {
     document.documentElement.clientWidth,
   ]);
   if (Number(wide) > Number(room)) throw new Error(`The page is ${wide} pixels wide in a window of ${room}.`);
+}
+
+/** Gives an open page another link, and waits until it shows what the link says. */
+export async function follow(page: Page, link: string): Promise<void> {
+  await page.evaluate(
+    (hash) =>
+      new Promise<void>((resolve) => {
+        addEventListener("hashchange", () => setTimeout(resolve), { once: true });
+        location.hash = hash;
+      }),
+    link,
+  );
+}
+
+/** Presses Tab until an element with this accessible name has the focus. */
+export async function tabTo(page: Page, name: string | RegExp, most = 80): Promise<void> {
+  const passed: string[] = [];
+  for (let i = 0; i < most; ++i) {
+    await page.keyboard.press("Tab");
+    const found = await page.evaluate(() => {
+      const element = document.activeElement;
+      if (!(element instanceof HTMLElement)) return "";
+      const labels = (element as HTMLInputElement).labels;
+      return element.ariaLabel ?? labels?.[0]?.textContent ?? element.textContent ?? "";
+    });
+    passed.push(found.slice(0, 30));
+    if (typeof name === "string" ? found.trim() === name : name.test(found)) return;
+  }
+  throw new Error(`The focus does not reach ${name}; it passed ${passed.join(" | ")}`);
+}
+
+/** The text that a button saves. */
+export async function saved(page: Page, button: string): Promise<{ name: string; text: string }> {
+  const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: button }).click()]);
+  return { name: download.suggestedFilename(), text: readFileSync(await download.path(), "utf8") };
+}
+
+/** The rows of a file of comma-separated values. */
+export function csvRows(text: string): string[][] {
+  const rows: string[][] = [[]];
+  for (const [, cell = "", end = ""] of text.matchAll(/("(?:[^"]|"")*"|[^,\r\n]*)(,|\r?\n|$)/g)) {
+    rows.at(-1)?.push(cell.startsWith('"') ? cell.slice(1, -1).replaceAll('""', '"') : cell);
+    if (end.endsWith("\n")) rows.push([]);
+  }
+  return rows.filter((row) => row.length > 1);
 }
