@@ -33,6 +33,22 @@ export function digits(value: number, significant = significantDigits): Digits {
   return { whole, fraction: fraction ? `.${fraction}` : "", exponent: plain ? "" : String(exponent) };
 }
 
+/** The places that a column needs before and behind its points, in widths of a digit. */
+export interface Places {
+  readonly whole: number;
+  readonly fraction: number;
+}
+
+const widthOfMinus = 1.35;
+const widthOfTen = 3.4;
+
+export function placesOf(values: readonly number[], significant = significantDigits): Places {
+  const all = values.map((value) => digits(value, significant));
+  const wholes = all.map(({ whole }) => whole.length + (whole.startsWith(minus) ? widthOfMinus - 1 : 0));
+  const fractions = all.map(({ fraction, exponent }) => fraction.length + (exponent ? widthOfTen + 0.7 * exponent.length : 0));
+  return { whole: Math.max(1, ...wholes), fraction: Math.max(0, ...fractions) };
+}
+
 const raised: Record<string, string> = Object.fromEntries([..."0123456789-"].map((sign, i) => [sign, "⁰¹²³⁴⁵⁶⁷⁸⁹⁻"[i] ?? ""]));
 const raise = (text: string) => [...text].map((sign) => raised[sign] ?? sign).join("");
 

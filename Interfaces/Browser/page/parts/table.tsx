@@ -2,7 +2,7 @@
 // Parts of wide tables of numbers.
 import type { ComponentChildren } from "preact";
 import type { Row } from "../../core/library";
-import { useUnits } from "../numbers";
+import { useUnits, type Places } from "../numbers";
 import { shortMeaning } from "../outputs";
 import { Symbol } from "../symbols";
 import { Num, UnitName } from "./number";
@@ -33,10 +33,11 @@ export function ColumnHead({ row, note, difference }: { row: Row; note?: string;
   );
 }
 
-export function ValueCell({ value, below }: { value: number; below?: string }) {
+/** `places` are those of all values of the column. */
+export function ValueCell({ value, places, below }: { value: number; places: Places; below?: string }) {
   return (
     <td class="numeric">
-      <Num value={value} />
+      <Num value={value} places={places} />
       {below !== undefined && <span class="below note">{below || "\u00a0"}</span>}
     </td>
   );

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One state: what is given, all its properties, and what goes with it.
+import { useEffect, useState } from "preact/hooks";
 import { useFluid } from "../opening";
 import { inputsOf } from "../outputs";
 import { Problem } from "../parts/message";
@@ -18,6 +19,9 @@ import { solve } from "./state/solution";
 export function StateView() {
   const { fluid, problem } = useFluid();
   const [slice, set] = useSlice(stateSlice);
+  // The first numbers do not wait for the tables below them.
+  const [tables, showTables] = useState(false);
+  useEffect(() => showTables(true), []);
   if (!fluid) return problem ? <Problem problem={problem} /> : null;
   const [one, other] = inputsOf(slice.pair);
   const first = readQuantity(slice.first, one?.unit ?? "1").value;
@@ -39,9 +43,13 @@ export function StateView() {
       </section>
       <Properties solution={solution} />
       <Elsewhere solution={solution} first={first} second={second} />
-      <Kept />
-      <Models first={first} second={second} />
-      <Saturation />
+      {tables && (
+        <>
+          <Kept />
+          <Models first={first} second={second} />
+          <Saturation />
+        </>
+      )}
     </div>
   );
 }

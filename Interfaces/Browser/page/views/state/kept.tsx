@@ -3,7 +3,7 @@
 import type { Row } from "../../../core/library";
 import { columnName, csvText, type Cell } from "../../csv";
 import { csvType } from "../../files";
-import { numberText, useUnits } from "../../numbers";
+import { numberText, placesOf, useUnits } from "../../numbers";
 import { openFluid } from "../../opening";
 import { outputRow } from "../../outputs";
 import { SaveButton } from "../../parts/copy_button";
@@ -43,6 +43,10 @@ export function Kept() {
     const text = numberText(value / unitOf.factor, 4);
     return `${value >= 0 ? "+" : ""}${text}`;
   };
+  const columns = outputs.map((row) => ({
+    row,
+    places: placesOf(states.map(({ solution }) => shown(solution?.of(row.name) ?? NaN, row.unit))),
+  }));
   const csv = () =>
     csvText([
       ["fluid", "options", "phase", ...outputs.map((row) => columnName(row.name, unit(row.unit).name))],
@@ -86,8 +90,9 @@ export function Kept() {
               {solution?.phase ? (
                 <>
                   <td>{solution.phase}</td>
-                  {outputs.map((row) => (
+                  {columns.map(({ row, places }) => (
                     <ValueCell
+                      places={places}
                       value={shown(solution.of(row.name), row.unit)}
                       below={place > 0 && base?.phase ? difference(solution.of(row.name) - base.of(row.name), row) : ""}
                     />

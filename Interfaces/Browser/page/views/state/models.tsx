@@ -4,7 +4,7 @@ import type { Row } from "../../../core/library";
 import { columnName, csvText, type Cell } from "../../csv";
 import { csvType, fileName } from "../../files";
 import { library } from "../../library";
-import { useUnits } from "../../numbers";
+import { placesOf, useUnits } from "../../numbers";
 import { openFluid, useFluid } from "../../opening";
 import { SaveButton } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
@@ -21,7 +21,7 @@ const ofZero = new Set(["h", "s", "u", "g", "a"]);
 export function percent(value: number, base: number): string {
   const part = (100 * (value - base)) / Math.abs(base);
   if (!Number.isFinite(part)) return "";
-  const text = Math.abs(part) < 1000 ? part.toFixed(2) : part.toPrecision(3);
+  const text = part.toFixed(Math.abs(part) < 100 ? 2 : 0);
   return `${part >= 0 ? "+" : ""}${text} %`.replace("-", "\u2212");
 }
 
@@ -43,6 +43,9 @@ export function Models({ first, second }: { first: number; second: number }) {
   const shownOutputs = outputs.filter((row) => !given.includes(row.name));
   const difference = (solution: Solution, row: Row) =>
     base && solution !== base ? percent(solution.of(row.name), base.of(row.name)) : "";
+  const value = (solution: Solution | undefined, row: Row) =>
+    units.shown(solution?.of(row.name) ?? NaN, row.unit);
+  const columns = shownOutputs.map((row) => ({ row, places: placesOf(models.map((one) => value(one.solution, row))) }));
   const csv = () =>
     csvText([
       ["model", "equation of state", "phase", ...shownOutputs.map((row) => columnName(row.name, units.unit(row.unit).name)), "note"],
@@ -50,7 +53,7 @@ export function Models({ first, second }: { first: number; second: number }) {
         model.name,
         model.description,
         solution?.phase ?? "",
-        ...shownOutputs.map((row) => (solution?.phase ? units.shown(solution.of(row.name), row.unit) : "")),
+        ...shownOutputs.map((row) => (solution?.phase ? value(solution, row) : "")),
         problem,
       ]),
     ]);
@@ -90,8 +93,8 @@ export function Models({ first, second }: { first: number; second: number }) {
               {solution?.phase ? (
                 <>
                   <td>{solution.phase}</td>
-                  {shownOutputs.map((row) => (
-                    <ValueCell value={units.shown(solution.of(row.name), row.unit)} below={difference(solution, row)} />
+                  {columns.map(({ row, places }) => (
+                    <ValueCell value={value(solution, row)} places={places} below={difference(solution, row)} />
                   ))}
                 </>
               ) : (

@@ -4,7 +4,7 @@ import { LibraryError, type Fluid, type Row, type Saturation as Answer } from ".
 import { columnName, csvText } from "../../csv";
 import { csvType, fileName } from "../../files";
 import { library } from "../../library";
-import { shownUnit, useUnits } from "../../numbers";
+import { placesOf, shownUnit, useUnits } from "../../numbers";
 import { useFluid } from "../../opening";
 import { outputRow } from "../../outputs";
 import { Switch } from "../../parts/choice";
@@ -115,6 +115,9 @@ export function Saturation() {
     ),
     ...(latentUnit ? [latentHeat(row.i) / latentUnit.factor] : []),
   ];
+  const filled = rows.filter((row) => !row.fails).map(numbers);
+  const places = (filled[0] ?? [NaN]).map((_, column) => placesOf(filled.map((row) => row[column] ?? NaN)));
+  const placesAt = (column: number) => places[column] ?? placesOf([]);
   const csv = () =>
     csvText([
       [
@@ -123,7 +126,7 @@ export function Saturation() {
         ...(table?.columns.map(({ row, phase }) => columnName(`${row.name} ${phase}`, unit(row.unit).name)) ?? []),
         ...(latentUnit ? [columnName("latent heat", latentUnit.name)] : []),
       ],
-      ...rows.filter((row) => !row.fails).map(numbers),
+      ...filled,
     ]);
   return (
     <section class="panel" aria-labelledby="saturation-title">
@@ -183,15 +186,15 @@ export function Saturation() {
             {rows.map((row) =>
               row.fails ? (
                 <tr>
-                  <ValueCell value={shown(row.at, given.unit)} />
+                  <ValueCell value={shown(row.at, given.unit)} places={placesAt(0)} />
                   <td colSpan={2 * outputs.length + 2} class="note">
                     no saturated state
                   </td>
                 </tr>
               ) : (
                 <tr>
-                  {numbers(row).map((one) => (
-                    <ValueCell value={one} />
+                  {numbers(row).map((one, column) => (
+                    <ValueCell value={one} places={placesAt(column)} />
                   ))}
                 </tr>
               ),
