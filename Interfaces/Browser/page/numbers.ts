@@ -4,7 +4,7 @@ import { library } from "./library";
 import { getState, useStore } from "./store";
 import type { Unit } from "../core/library";
 
-/** A number in pieces, so that columns can align the point. */
+/** A number in pieces. */
 export interface Digits {
   /** With the sign. */
   readonly whole: string;
@@ -33,29 +33,28 @@ export function digits(value: number, significant = significantDigits): Digits {
   return { whole, fraction: fraction ? `.${fraction}` : "", exponent: plain ? "" : String(exponent) };
 }
 
-/** The places that a column needs before and behind its points, in widths of a digit. */
+/** The places that a column needs before its points, in widths of a digit. */
 export interface Places {
   readonly whole: number;
-  readonly fraction: number;
 }
 
-const widthOfMinus = 1.35;
-const widthOfTen = 3.4;
+const widthOfMinus = 1.32;
 
-export function placesOf(values: readonly number[], significant = significantDigits): Places {
-  const all = values.map((value) => digits(value, significant));
-  const wholes = all.map(({ whole }) => whole.length + (whole.startsWith(minus) ? widthOfMinus - 1 : 0));
-  const fractions = all.map(({ fraction, exponent }) => fraction.length + (exponent ? widthOfTen + 0.7 * exponent.length : 0));
-  return { whole: Math.max(1, ...wholes), fraction: Math.max(0, ...fractions) };
+export function placesOf(values: readonly number[]): Places {
+  const wholes = values.map((value) => {
+    const { whole } = digits(value);
+    return whole.length + (whole.startsWith(minus) ? widthOfMinus - 1 : 0);
+  });
+  return { whole: Math.max(1, ...wholes) };
 }
 
 const raised: Record<string, string> = Object.fromEntries([..."0123456789-"].map((sign, i) => [sign, "⁰¹²³⁴⁵⁶⁷⁸⁹⁻"[i] ?? ""]));
 const raise = (text: string) => [...text].map((sign) => raised[sign] ?? sign).join("");
 
-/** "1234.56" or "1.23456 × 10¹²" */
+/** "1234.56" or "1.23456×10¹²" */
 export function numberText(value: number, significant = significantDigits): string {
   const { whole, fraction, exponent } = digits(value, significant);
-  return whole + fraction + (exponent && ` × 10${raise(exponent)}`);
+  return whole + fraction + (exponent && `×10${raise(exponent)}`);
 }
 
 /** A number with all digits that make it, as other programs read it. */

@@ -13,10 +13,13 @@ interface Found {
 
 const mostShown = 60;
 
-/** The name of a fluid for people. */
+let names: ReadonlyMap<string, string> | undefined;
+
+/** The name of a fluid for people: the catalogue's for a file, the text's for another name of a fluid. */
 export function fluidName(fluid: string): string {
   if (fluid.startsWith(ownPrefix)) return fluid.slice(ownPrefix.length);
-  return openFluid(fluid).fluid?.text("name") || fluid;
+  names ??= new Map(library.find("").map((one) => [one.file, one.name]));
+  return names.get(fluid) ?? (openFluid(fluid).fluid?.text("name") || fluid);
 }
 
 export function FluidChooser() {

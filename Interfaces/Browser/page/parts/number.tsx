@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: MIT
-import { digits, exactText, unitText, type Places } from "../numbers";
+import { exactText, numberText, placesOf, unitText, type Places } from "../numbers";
+
+/** Of a column whose numbers are not known together. */
+const usualWhole = 6.5;
 
 /** A number whose point stands at the same place in all rows of a column. Its title has all digits. */
 export function Num({ value, places }: { value: number; places?: Places }) {
-  const { whole, fraction, exponent } = digits(value);
-  const style = places && { gridTemplateColumns: `${places.whole}ch ${places.fraction}ch` };
+  const before = (places?.whole ?? usualWhole) - placesOf([value]).whole;
   return (
-    <span class="number" title={exactText(value)} style={style}>
-      <span class="whole">{whole}</span>
-      <span class="fraction">
-        {fraction}
-        {exponent && (
-          <span class="power">
-            ×10<sup>{exponent.replace("-", "\u2212")}</sup>
-          </span>
-        )}
-      </span>
+    <span class="number" title={exactText(value)} style={{ paddingLeft: `${Math.max(0, before)}ch` }}>
+      {numberText(value)}
     </span>
   );
 }
