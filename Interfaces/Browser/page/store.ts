@@ -215,7 +215,7 @@ async function through(transform: GenericTransformStream, bytes: Uint8Array, lim
 }
 
 /** Own fluids of a link may have so many bytes together. */
-const ownLimit = 4e6;
+const ownLimit = 400_000;
 
 async function packed(own: readonly OwnFluid[]): Promise<string> {
   const text = JSON.stringify(own.map((one) => [one.name, one.text]));

@@ -5,7 +5,7 @@ import type { CheckReport } from "../../../core/library";
 import { library } from "../../library";
 import { sentence } from "../../parts/message";
 import { change, getState, keepOwnFluid, ownPrefix, useStore } from "../../store";
-import { edit, takeFile } from "./files";
+import { edit, guardSize, largestText, takeFile } from "./files";
 
 const pause = 150;
 /** The check speaks of a file. */
@@ -170,12 +170,14 @@ export function OwnFluids() {
             wrap="off"
             spellcheck={false}
             autoComplete="off"
-            aria-describedby={`${id}-report`}
+            maxLength={largestText}
             value={draft.text}
-            onInput={(event) => write({ text: event.currentTarget.value })}
+            onPaste={guardSize}
+            onDrop={guardSize}
+            onInput={(event) => write({ text: event.currentTarget.value, problem: "" })}
           />
         </div>
-        <div id={`${id}-report`}>
+        <div>
           {report ? (
             <Report report={report} />
           ) : (
