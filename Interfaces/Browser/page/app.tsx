@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 import { Component, render, type ComponentChildren, type FunctionComponent } from "preact";
-import { useRef } from "preact/hooks";
+import { useEffect, useRef } from "preact/hooks";
 import { library, start } from "./library";
 import { ActionButton, copy } from "./parts/copy_button";
-import { FluidChooser } from "./parts/fluid_chooser";
+import { FluidChooser, fluidName } from "./parts/fluid_chooser";
 import { ModelChooser, OptionChoosers, UnitsChooser } from "./parts/option_choosers";
 import { change, link, startStore, useStore, views, type View } from "./store";
 import { CyclesView } from "./views/cycles";
@@ -91,7 +91,11 @@ function Links() {
 
 function App() {
   const view = useStore((state) => state.view);
+  const fluid = useStore((state) => state.fluid);
   const Content = shownViews[view].content;
+  useEffect(() => {
+    document.title = `${fluidName(fluid)}: ${shownViews[view].title} – Ostrel`;
+  }, [fluid, view]);
   return (
     <>
       <header>

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The catalogue and own fluids.
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
+import { readdirSync, readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { open, test } from "./harness";
 import { run } from "./native";
 
 const link = "view=fluids";
 const propane = readFileSync("Fluids/propane.osd", "utf8");
+const files = readdirSync("Fluids").filter((name) => name.endsWith(".osd"));
 const editor = (page: Page) => page.getByLabel("Parameters", { exact: true });
 const useButton = (page: Page) => page.getByRole("button", { name: "Use this fluid" });
 const good = (page: Page) => page.getByText("This text can be used.");
@@ -19,7 +20,7 @@ test(
   "the catalogue is found by any words, and its facts are those of the command",
   async (page) => {
     const list = page.getByLabel("Fluids found");
-    assert.equal(await list.locator("option").count(), 382);
+    assert.equal(await list.locator("option").count(), files.length);
     await page.getByLabel("Name, formula, number or family").fill("R718");
     assert.equal(await list.locator("option").first().innerText(), "water");
     await list.selectOption("water");

@@ -18,6 +18,8 @@ export interface Setting {
   readonly height?: number;
   readonly dark?: boolean;
   readonly reducedMotion?: boolean;
+  /** Why a test cannot be tried here. */
+  readonly skip?: string;
   /** 2 for a page at 200 %. */
   readonly zoom?: number;
 }
@@ -95,7 +97,7 @@ export function test(
   body: (page: Page) => Promise<void>,
   { link = "", ...setting }: Setting & { link?: string } = {},
 ): void {
-  nodeTest(name, { timeout: 120_000 }, async () => {
+  nodeTest(name, { timeout: 600_000, skip: setting.skip ?? false }, async () => {
     const { page, complaints } = await open(link, setting);
     try {
       await body(page);

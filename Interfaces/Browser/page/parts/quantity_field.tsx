@@ -108,7 +108,7 @@ export function QuantityField(props: {
           >
             {units.map((one) => (
               <option value={one.name} selected={one.name === unit.name}>
-                {unitText(one.name)}
+                {unitText(one.name) || one.name}
               </option>
             ))}
           </select>

@@ -46,7 +46,7 @@ export function StateView() {
       {tables && (
         <>
           <Kept />
-          <Models first={first} second={second} />
+          {Number.isFinite(first) && Number.isFinite(second) && <Models first={first} second={second} />}
           <Saturation />
         </>
       )}
