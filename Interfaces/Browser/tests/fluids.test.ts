@@ -4,11 +4,11 @@ import assert from "node:assert/strict";
 import { readdirSync, readFileSync } from "node:fs";
 import type { Page } from "playwright-core";
 import { open, test } from "./harness";
-import { run } from "./native";
+import { native, pathOf } from "./in_node";
 
 const link = "view=fluids";
-const propane = readFileSync("Fluids/propane.osd", "utf8");
-const files = readdirSync("Fluids").filter((name) => name.endsWith(".osd"));
+const propane = readFileSync(pathOf("Fluids/propane.osd"), "utf8");
+const files = readdirSync(pathOf("Fluids")).filter((name) => name.endsWith(".osd"));
 const editor = (page: Page) => page.getByLabel("Parameters", { exact: true });
 const useButton = (page: Page) => page.getByRole("button", { name: "Use this fluid" });
 const good = (page: Page) => page.getByText("This text can be used.");
@@ -26,7 +26,7 @@ test(
     await list.selectOption("water");
     await page.getByRole("heading", { name: "water" }).waitFor();
     await page.getByText("7732-18-5", { exact: true }).waitFor();
-    const facts = run("info", "water").out;
+    const facts = native(["info", "water"]).out;
     assert.equal(await criticalTemperature(page), Number(/t_crit +(\S+)/.exec(facts)?.[1]));
     for (const row of await page.locator(".facts tr td.advice").allInnerTexts()) assert.ok(facts.includes(row), row);
   },
@@ -91,7 +91,7 @@ test(
 test(
   "files are opened, and dropped anywhere on the page",
   async (page) => {
-    await page.locator("input[type=file]").setInputFiles("Fluids/toluene.osd");
+    await page.locator("input[type=file]").setInputFiles(pathOf("Fluids/toluene.osd"));
     await good(page).waitFor();
     assert.equal(await page.getByLabel("Name", { exact: true }).inputValue(), "toluene");
     await page.getByRole("tab", { name: "State" }).click();

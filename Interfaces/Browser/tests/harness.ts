@@ -6,12 +6,9 @@ import { join } from "node:path";
 import { after, before, test as nodeTest } from "node:test";
 import { pathToFileURL } from "node:url";
 import { chromium, type BrowserContext, type Page } from "playwright-core";
+import { page as pageFolder } from "./in_node";
 
-/** The folder of the built page. */
-const folder = process.env.OSTREL_PAGE ?? "build/browser/page";
-export const pageAddress = pathToFileURL(join(folder, "index.html")).href;
-/** The native command, if it has been built. */
-export const command = process.env.OSTREL_COMMAND || undefined;
+export const pageAddress = pathToFileURL(join(pageFolder, "index.html")).href;
 
 export interface Setting {
   readonly width?: number;

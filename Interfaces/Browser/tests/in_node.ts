@@ -8,8 +8,9 @@ import { load } from "../core/library";
 import type { Library } from "../core/library";
 
 const root = process.env.OSTREL_ROOT ?? process.cwd();
-const page = process.env.OSTREL_PAGE ?? join(root, "build/browser/page");
-const command = process.env.OSTREL_COMMAND ?? join(root, "build/demo/CommandLine/ostrel");
+/** The folder of the built page. */
+export const page = process.env.OSTREL_PAGE ?? join(root, "build/browser/page");
+export const command = process.env.OSTREL_COMMAND ?? join(root, "build/demo/CommandLine/ostrel");
 
 export const pathOf = (name: string): string => join(root, name);
 

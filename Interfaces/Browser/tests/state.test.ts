@@ -6,7 +6,8 @@ import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "no
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
 import type { Page } from "playwright-core";
-import { command, csvRows, follow, saved, test } from "./harness";
+import { csvRows, follow, saved, test } from "./harness";
+import { command, pathOf } from "./in_node";
 
 const number = (page: Page, output: string) => page.locator(`tr[data-output="${output}"] .number`);
 
@@ -119,13 +120,13 @@ test("the saturation table by pressure", async (page) => {
   await page.getByText("A table has 2 to 500 rows.").waitFor();
 });
 
-const build = command ? dirname(dirname(resolve(command))) : "";
+const build = dirname(dirname(resolve(command)));
 const runs: Record<string, (folder: string, file: string) => string> = {
   Shell: (folder, file) =>
     csvRows(execFileSync("sh", [file], { cwd: folder, encoding: "utf8", env: withCommand() })).at(-1)?.[1] ?? "",
   C: (folder, file) => compiled(folder, ["cc", file]),
   "C++": (folder, file) => compiled(folder, ["c++", "-std=c++20", file]),
-  Fortran: (folder, file) => compiled(folder, ["gfortran", resolve("Interfaces/Fortran/ostrel_handles.f90"), file]),
+  Fortran: (folder, file) => compiled(folder, ["gfortran", pathOf("Interfaces/Fortran/ostrel_handles.f90"), file]),
   Python: (folder, file) =>
     execFileSync("/usr/bin/python3", [file], {
       cwd: folder,
@@ -138,18 +139,22 @@ const extensions: Record<string, string> = { Shell: "sh", C: "c", "C++": "cpp", 
 /** What this machine does not have cannot be tried on it. */
 function isThere(language: string): boolean {
   if (language === "Python") return existsSync(join(build, "Interfaces/Python/ostrel"));
-  if (language === "Shell") return Boolean(command);
+  if (language === "Shell") return existsSync(command);
   if (!existsSync(join(build, "libostrel.so"))) return false;
   const compiler = { C: "cc", "C++": "c++", Fortran: "gfortran" }[language] ?? "";
   return (process.env.PATH ?? "").split(":").some((folder) => existsSync(join(folder, compiler)));
 }
 
-const withCommand = () => ({ ...process.env, PATH: `${dirname(resolve(command ?? "."))}:${process.env.PATH}` });
+const withCommand = () => ({
+  ...process.env,
+  PATH: `${dirname(resolve(command))}:${process.env.PATH}`,
+  OSTREL_FLUIDS: pathOf("Fluids"),
+});
 
 function compiled(folder: string, [compiler = "", ...args]: string[]): string {
-  const options = [`-I${resolve("Include")}`, `-L${build}`, "-lostrel", `-Wl,-rpath,${build}`, "-o", "state"];
+  const options = [`-I${pathOf("Include")}`, `-L${build}`, "-lostrel", `-Wl,-rpath,${build}`, "-o", "state"];
   execFileSync(compiler, [...args, ...options], { cwd: folder, encoding: "utf8" });
-  return execFileSync(join(folder, "state"), { cwd: folder, encoding: "utf8" });
+  return execFileSync(join(folder, "state"), { cwd: folder, encoding: "utf8", env: withCommand() });
 }
 
 const links = [
@@ -197,7 +202,7 @@ test("the lines and the exact value can be copied", async (page) => {
 });
 
 test("own fluids have lines that read a file, which can be saved", async (page) => {
-  const text = readFileSync("Fluids/propane.osd", "utf8");
+  const text = readFileSync(pathOf("Fluids/propane.osd"), "utf8");
   await page.getByRole("tab", { name: "Fluids" }).click();
   await page.getByLabel("Parameters", { exact: true }).fill(text);
   await page.getByLabel("Name", { exact: true }).fill("My propane");

@@ -3,7 +3,29 @@
 import assert from "node:assert/strict";
 import type { Page } from "playwright-core";
 import { csvRows, follow, saved, test } from "./harness";
-import { prop, run, type Asked } from "./native";
+import { native, optionWords } from "./in_node";
+
+interface Asked {
+  readonly fluid: string;
+  readonly options: Readonly<Record<string, string>>;
+  readonly pair: string;
+  readonly first: string;
+  readonly second: string;
+}
+
+interface Answer {
+  /** Values by the names of outputs; the phase is a text. */
+  readonly values: ReadonlyMap<string, string>;
+  /** The sentence of a refusal. */
+  readonly refusal: string;
+}
+
+/** All properties of a state by the command. */
+function prop({ fluid, options, pair, first, second }: Asked): Answer {
+  const { code, out, error } = native(["prop", "--csv", ...optionWords(options), "--", fluid, pair, first, second]);
+  if (code !== 0) return { values: new Map(), refusal: error.replace(/^ostrel: |\nRun with --help.*/gs, "").trim() };
+  return { values: new Map(csvRows(out).slice(1).map((row) => [row[0] ?? "", row[1] ?? ""])), refusal: "" };
+}
 
 const fluids = ["water", "propane", "toluene", "r134a", "co2", "nitrogen", "mdm", "ammonia", "benzene", "helium"];
 const models = ["pr", "srk", "rk", "vdw", "cii", "mh", "ig", "izg"];
@@ -28,7 +50,7 @@ function* states(): Generator<Asked> {
   const random = randomNumbers(20);
   const critical = new Map(
     fluids.map((name) => {
-      const constants = JSON.parse(run("info", "--json", name).out) as unknown;
+      const constants = JSON.parse(native(["info", "--json", name]).out) as unknown;
       return [name, criticalPoint(constants)] as const;
     }),
   );
@@ -91,7 +113,7 @@ test(
     let refused = 0;
     let place = 0;
     for (const asked of states()) {
-      const native = prop(asked);
+      const expected = prop(asked);
       const link = new URLSearchParams({
         fluid: asked.fluid,
         units: "si",
@@ -104,23 +126,23 @@ test(
       await follow(page, String(link));
       const here = await shown(page);
       const what = `${JSON.stringify(asked)}`;
-      if (native.refusal) {
+      if (expected.refusal) {
         ++refused;
-        assert.equal(withoutPlace(here.refusal), withoutPlace(native.refusal), what);
+        assert.equal(withoutPlace(here.refusal), withoutPlace(expected.refusal), what);
         continue;
       }
-      assert.equal(here.phase, native.values.get("phase"), what);
+      assert.equal(here.phase, expected.values.get("phase"), what);
       const names = here.values.map(([name]) => name);
-      for (const name of native.values.keys()) {
+      for (const name of expected.values.keys()) {
         if (name !== "phase" && name !== "q") assert.ok(names.includes(name), `${name} is not shown`);
       }
       for (const [name, text] of here.values) {
-        const [value, expected] = [Number(text || NaN), Number(native.values.get(name) || NaN)];
-        assert.equal(Number.isNaN(value), Number.isNaN(expected), `${name} at ${what}: ${text}`);
-        if (Number.isNaN(value) || value === expected) continue;
-        const size = Math.max(Math.abs(expected), scaleOf(name, native.values));
-        const difference = Math.abs(value - expected) / size;
-        if (difference > worst.difference) Object.assign(worst, { difference, where: `${name} at ${what}: ${value}, ${expected}` });
+        const [value, other] = [Number(text || NaN), Number(expected.values.get(name) || NaN)];
+        assert.equal(Number.isNaN(value), Number.isNaN(other), `${name} at ${what}: ${text}`);
+        if (Number.isNaN(value) || value === other) continue;
+        const size = Math.max(Math.abs(other), scaleOf(name, expected.values));
+        const difference = Math.abs(value - other) / size;
+        if (difference > worst.difference) Object.assign(worst, { difference, where: `${name} at ${what}: ${value}, ${other}` });
         ++compared;
       }
     }
@@ -137,12 +159,12 @@ test(
   async (page) => {
     const { name, text } = await saved(page, "Save the saturation table as CSV");
     assert.equal(name, "toluene-saturation.csv");
-    const range = "400:550:16";
-    const native = csvRows(run("sat", "--csv", "--model", "pr", "--outputs", "d,h,s", "--", "toluene", range).out);
+    const words = ["sat", "--csv", "--model", "pr", "--outputs", "d,h,s", "--", "toluene", "400:550:16"];
+    const table = csvRows(native(words).out);
     const here = csvRows(text);
-    assert.equal(here.length, native.length);
+    assert.equal(here.length, table.length);
     for (const [i, row] of here.slice(1).entries()) {
-      const expected = native[i + 1] ?? [];
+      const expected = table[i + 1] ?? [];
       for (const [column, cell] of row.entries()) {
         const [value, other] = [Number(cell), Number(expected[column])];
         assert.ok(Math.abs(value - other) <= 1e-11 * Math.abs(other), `row ${i}: ${row.join()} and ${expected.join()}`);
