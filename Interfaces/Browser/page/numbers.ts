@@ -48,7 +48,9 @@ export function placesOf(values: readonly number[]): Places {
   return { whole: Math.max(1, ...wholes) };
 }
 
-const raised: Record<string, string> = Object.fromEntries([..."0123456789-"].map((sign, i) => [sign, "⁰¹²³⁴⁵⁶⁷⁸⁹⁻"[i] ?? ""]));
+const raised: Record<string, string> = Object.fromEntries(
+  [..."0123456789-"].map((sign, i) => [sign, "⁰¹²³⁴⁵⁶⁷⁸⁹⁻"[i] ?? ""]),
+);
 const raise = (text: string) => [...text].map((sign) => raised[sign] ?? sign).join("");
 
 /** "1234.56" or "1.23456×10¹²" */

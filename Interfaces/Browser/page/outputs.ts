@@ -25,7 +25,13 @@ export function outputRows(names: string): readonly Row[] {
     .filter((name) => name !== "")
     .map((name) => {
       const row = outputRow(name);
-      if (!row) throw new LibraryError(`"${name}" is no output; outputs are ${library.list("outputs").map((one) => one.name).join(", ")}, and derivatives as dp/dd|u`);
+      if (!row)
+        throw new LibraryError(
+          `"${name}" is no output; outputs are ${library
+            .list("outputs")
+            .map((one) => one.name)
+            .join(", ")}, and derivatives as dp/dd|u`,
+        );
       return row;
     });
 }

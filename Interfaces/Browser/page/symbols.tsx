@@ -35,7 +35,11 @@ function one(symbol: string): ComponentChild {
   return index ? [text, <sub>{index}</sub>] : text;
 }
 
-const plain = (name: string) => symbolOf(name).split("/").map(one).flatMap((part, i) => (i ? ["/", part] : [part]));
+const plain = (name: string) =>
+  symbolOf(name)
+    .split("/")
+    .map(one)
+    .flatMap((part, i) => (i ? ["/", part] : [part]));
 
 /** The names of a derivative's quantities: "dp/dd|u" is p, d, u; "dp_dt" is p, t. */
 const quotient = /^d(\w+)\/d(\w)\|(\w)$/;

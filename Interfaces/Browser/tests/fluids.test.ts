@@ -146,7 +146,7 @@ const hostile: Readonly<Record<string, string>> = {
   "huge numbers": propane.replace(/^[0-9.]+/gm, "9e99999"),
   "tiny and negative numbers": propane.replace(/^[0-9.]+/gm, "-1e-320"),
   "a huge repeat count": propane.replace("4*572.2", "999999999999*572.2").replace(/^26/m, "2147483647"),
-  "HTML": propane.replace("propane", "<img src=x onerror=alert(1)><script>alert(2)</script>"),
+  HTML: propane.replace("propane", "<img src=x onerror=alert(1)><script>alert(2)</script>"),
   "HTML in place of a number": propane.replace("369.89", "<svg onload=alert(1)>"),
   "lone surrogates": propane.replace("propane", "pro\ud800pane\udfff"),
   "only blanks and quotes": `' " \t\u2028 '`.repeat(500),

@@ -145,16 +145,9 @@ export async function tabTo(page: Page, name: string | RegExp, most = 80): Promi
 
 /** The text that a button saves. */
 export async function saved(page: Page, button: string): Promise<{ name: string; text: string }> {
-  const [download] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: button }).click()]);
+  const [download] = await Promise.all([
+    page.waitForEvent("download"),
+    page.getByRole("button", { name: button }).click(),
+  ]);
   return { name: download.suggestedFilename(), text: readFileSync(await download.path(), "utf8") };
-}
-
-/** The rows of a file of comma-separated values. */
-export function csvRows(text: string): string[][] {
-  const rows: string[][] = [[]];
-  for (const [, cell = "", end = ""] of text.matchAll(/("(?:[^"]|"")*"|[^,\r\n]*)(,|\r?\n|$)/g)) {
-    rows.at(-1)?.push(cell.startsWith('"') ? cell.slice(1, -1).replaceAll('""', '"') : cell);
-    if (end.endsWith("\n")) rows.push([]);
-  }
-  return rows.filter((row) => row.length > 1);
 }

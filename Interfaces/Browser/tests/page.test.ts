@@ -66,7 +66,11 @@ for (const view of views) {
 
 async function everythingHasAName(page: Page): Promise<void> {
   const nameless = await page.evaluate(() =>
-    [...document.querySelectorAll<HTMLElement>("button, input, select, textarea, summary, [role=region], [tabindex='0']")]
+    [
+      ...document.querySelectorAll<HTMLElement>(
+        "button, input, select, textarea, summary, [role=region], [tabindex='0']",
+      ),
+    ]
       .filter((element) => element.checkVisibility())
       .filter((element) => {
         const labels = [...((element as HTMLInputElement).labels ?? [])].map((label) => label.textContent).join("");
@@ -112,11 +116,15 @@ const hostileLinks = [
   "state.rows=500&state.from=-5+K&state.to=1e300+K",
 ];
 for (const link of hostileLinks) {
-  test(`a hostile link does no harm: ${link}`, async (page) => {
-    assert.equal(await page.locator("#view").count(), 1);
-    assert.equal(await page.locator("#page img, #page script, #page b").count(), 0);
-    assert.equal(await page.getByText("has a defect").count(), 0);
-  }, { link });
+  test(
+    `a hostile link does no harm: ${link}`,
+    async (page) => {
+      assert.equal(await page.locator("#view").count(), 1);
+      assert.equal(await page.locator("#page img, #page script, #page b").count(), 0);
+      assert.equal(await page.getByText("has a defect").count(), 0);
+    },
+    { link },
+  );
 }
 
 test("the first number", async (page) => {

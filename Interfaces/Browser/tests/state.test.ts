@@ -6,8 +6,8 @@ import { existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "no
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
 import type { Page } from "playwright-core";
-import { csvRows, follow, saved, test } from "./harness";
-import { command, pathOf } from "./in_node";
+import { follow, saved, test } from "./harness";
+import { command, csvRows, pathOf } from "./in_node";
 
 const number = (page: Page, output: string) => page.locator(`tr[data-output="${output}"] .number`);
 
@@ -83,19 +83,20 @@ test("the state as CSV", async (page) => {
   assert.equal(rows.get("cp")?.[2], "kJ/(kg K)");
 });
 
-test(
-  "the equations side by side, as CSV",
-  async (page) => {
-    const rows = csvRows((await saved(page, "Save the comparison of equations as CSV")).text);
-    const [head = [], ...models] = rows;
-    assert.deepEqual(head.slice(0, 4), ["model", "equation of state", "phase", "d [kg/m3]"]);
-    assert.equal(models.length, 8);
-    const gas = models.find((row) => row[0] === "ig") ?? [];
-    const density = (1e5 * 0.04409562) / (8.314 * 298.15);
-    assert.ok(Math.abs(Number(gas[3]) / density - 1) < 1e-6, `${gas[3]} ${density}`);
-    await page.getByRole("row", { name: /Peng-Robinson/ }).getByText(/[+−]0\.11 %/).first().waitFor();
-  },
-);
+test("the equations side by side, as CSV", async (page) => {
+  const rows = csvRows((await saved(page, "Save the comparison of equations as CSV")).text);
+  const [head = [], ...models] = rows;
+  assert.deepEqual(head.slice(0, 4), ["model", "equation of state", "phase", "d [kg/m3]"]);
+  assert.equal(models.length, 8);
+  const gas = models.find((row) => row[0] === "ig") ?? [];
+  const density = (1e5 * 0.04409562) / (8.314 * 298.15);
+  assert.ok(Math.abs(Number(gas[3]) / density - 1) < 1e-6, `${gas[3]} ${density}`);
+  await page
+    .getByRole("row", { name: /Peng-Robinson/ })
+    .getByText(/[+−]0\.11 %/)
+    .first()
+    .waitFor();
+});
 
 test("kept states, their differences, and CSV", async (page) => {
   await page.getByRole("button", { name: "Keep this state" }).click();
@@ -104,7 +105,10 @@ test("kept states, their differences, and CSV", async (page) => {
   const table = page.getByRole("region", { name: "Kept states" });
   await table.getByText("+35.00", { exact: true }).waitFor();
   const rows = csvRows((await saved(page, "Save the kept states as CSV")).text);
-  assert.deepEqual(rows.map((row) => row[3]), ["t [degC]", "25", "60"]);
+  assert.deepEqual(
+    rows.map((row) => row[3]),
+    ["t [degC]", "25", "60"],
+  );
   await page.getByRole("button", { name: "Remove state 1" }).click();
   assert.equal(await table.getByRole("row").count(), 2);
 });
@@ -115,7 +119,10 @@ test("the saturation table by pressure", async (page) => {
   await page.getByLabel("To", { exact: true }).fill("16 bar");
   await page.getByLabel("Rows").fill("5");
   const rows = csvRows((await saved(page, "Save the saturation table as CSV")).text);
-  assert.deepEqual(rows.slice(1).map((row) => Number(Number(row[0]).toFixed(9))), [1, 2, 4, 8, 16]);
+  assert.deepEqual(
+    rows.slice(1).map((row) => Number(Number(row[0]).toFixed(9))),
+    [1, 2, 4, 8, 16],
+  );
   await page.getByLabel("Rows").fill("0");
   await page.getByText("A table has 2 to 500 rows.").waitFor();
 });

@@ -2,34 +2,32 @@
 // The numbers of the page against those of the native command: 300 states, and the saturation table.
 import assert from "node:assert/strict";
 import type { Page } from "playwright-core";
-import { csvRows, follow, saved, test } from "./harness";
-import { native, optionWords } from "./in_node";
-
-interface Asked {
-  readonly fluid: string;
-  readonly options: Readonly<Record<string, string>>;
-  readonly pair: string;
-  readonly first: string;
-  readonly second: string;
-}
-
-interface Answer {
-  /** Values by the names of outputs; the phase is a text. */
-  readonly values: ReadonlyMap<string, string>;
-  /** The sentence of a refusal. */
-  readonly refusal: string;
-}
-
-/** All properties of a state by the command. */
-function prop({ fluid, options, pair, first, second }: Asked): Answer {
-  const { code, out, error } = native(["prop", "--csv", ...optionWords(options), "--", fluid, pair, first, second]);
-  if (code !== 0) return { values: new Map(), refusal: error.replace(/^ostrel: |\nRun with --help.*/gs, "").trim() };
-  return { values: new Map(csvRows(out).slice(1).map((row) => [row[0] ?? "", row[1] ?? ""])), refusal: "" };
-}
+import { follow, saved, test } from "./harness";
+import { csvRows, native, prop, type Asked } from "./in_node";
 
 const fluids = ["water", "propane", "toluene", "r134a", "co2", "nitrogen", "mdm", "ammonia", "benzene", "helium"];
 const models = ["pr", "srk", "rk", "vdw", "cii", "mh", "ig", "izg"];
-const pairs = ["pt", "tv", "td", "pv", "pd", "ph", "ps", "ts", "vh", "vs", "vu", "dh", "ds", "du", "hs", "pu", "su", "tq", "pq"];
+const pairs = [
+  "pt",
+  "tv",
+  "td",
+  "pv",
+  "pd",
+  "ph",
+  "ps",
+  "ts",
+  "vh",
+  "vs",
+  "vu",
+  "dh",
+  "ds",
+  "du",
+  "hs",
+  "pu",
+  "su",
+  "tq",
+  "pq",
+];
 const variants: readonly Record<string, string>[] = [
   {},
   { reference: "nbp" },
@@ -99,7 +97,7 @@ const withoutPlace = (sentence: string) => sentence.replace(/\.$/, "").replace(/
 /** The temperature at which a relative difference of energies and entropies makes sense, since their zeros are free. */
 const scaleOf = (name: string, values: ReadonlyMap<string, string>): number => {
   const size = (key: string) => Math.abs(Number(values.get(key)));
-  const thermal = size("p") * size("v") / (size("z") || 1); // R t
+  const thermal = (size("p") * size("v")) / (size("z") || 1); // R t
   if ("hsuga".includes(name)) return name === "s" ? thermal / size("t") : thermal;
   return 0;
 };
@@ -142,7 +140,8 @@ test(
         if (Number.isNaN(value) || value === other) continue;
         const size = Math.max(Math.abs(other), scaleOf(name, expected.values));
         const difference = Math.abs(value - other) / size;
-        if (difference > worst.difference) Object.assign(worst, { difference, where: `${name} at ${what}: ${value}, ${other}` });
+        if (difference > worst.difference)
+          Object.assign(worst, { difference, where: `${name} at ${what}: ${value}, ${other}` });
         ++compared;
       }
     }

@@ -60,7 +60,13 @@ export function save(name: string, type: string, text: string): void {
   setTimeout(() => URL.revokeObjectURL(address), 10_000);
 }
 
-export function SaveButton(props: { file: () => string; type: string; text: () => string; label: string; name?: string }) {
+export function SaveButton(props: {
+  file: () => string;
+  type: string;
+  text: () => string;
+  label: string;
+  name?: string;
+}) {
   return (
     <ActionButton
       label={props.label}

@@ -103,7 +103,9 @@ export function Facts() {
         <dl>
           {texts.map(({ row, text: value }) => (
             <>
-              <dt title={row.description}>{row.name === "cas" ? "CAS number" : capital(row.name.replaceAll("_", " "))}</dt>
+              <dt title={row.description}>
+                {row.name === "cas" ? "CAS number" : capital(row.name.replaceAll("_", " "))}
+              </dt>
               <dd>{value}</dd>
             </>
           ))}

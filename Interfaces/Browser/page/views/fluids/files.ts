@@ -6,8 +6,7 @@ import { change, getState } from "../../store";
 export const largestText = 100_000;
 
 /** Shows in the editor why a text was not taken. */
-const refuse = (what: string) =>
-  change({ view: "fluids", draft: { ...getState().draft, problem: `${what}.` } });
+const refuse = (what: string) => change({ view: "fluids", draft: { ...getState().draft, problem: `${what}.` } });
 
 const refuseSize = (what: string) => refuse(`${what} is larger than any parameter file`);
 

@@ -120,8 +120,8 @@ export function OwnFluids() {
       <div class="heading">
         <h2 id={`${id}-title`}>Own fluids</h2>
         <p class="note">
-          Write or paste the parameters of a fluid, open their file, or drop it on the page. They stay in this page and are
-          gone when it is closed, unless a link keeps them.
+          Write or paste the parameters of a fluid, open their file, or drop it on the page. They stay in this page and
+          are gone when it is closed, unless a link keeps them.
         </p>
       </div>
       <OwnList />
@@ -182,8 +182,8 @@ export function OwnFluids() {
             <Report report={report} />
           ) : (
             <p class="note">
-              What the text means is shown here. To begin with the parameters of a fluid of the catalogue, choose it and open
-              its parameters above.
+              What the text means is shown here. To begin with the parameters of a fluid of the catalogue, choose it and
+              open its parameters above.
             </p>
           )}
         </div>

@@ -34,7 +34,9 @@ export function Derivatives() {
           Add
         </button>
       </div>
-      <p class="note">{row ? row.description : "There is no such derivative: what it is by and what is constant must differ."}</p>
+      <p class="note">
+        {row ? row.description : "There is no such derivative: what it is by and what is constant must differ."}
+      </p>
     </fieldset>
   );
 }

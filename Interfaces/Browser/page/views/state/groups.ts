@@ -27,5 +27,7 @@ export function grouped(rows: readonly Row[]): readonly { title: string; rows: r
       ...(title === "Derivatives" ? rest.filter(isDerivative) : []),
     ],
   }));
-  return [...found, { title: "Others", rows: rest.filter((row) => !isDerivative(row)) }].filter((group) => group.rows.length > 0);
+  return [...found, { title: "Others", rows: rest.filter((row) => !isDerivative(row)) }].filter(
+    (group) => group.rows.length > 0,
+  );
 }

@@ -16,7 +16,10 @@ export function Inputs({ solution }: { solution: Solution }) {
   const texts = { first: slice.first, second: slice.second };
   // Another pair describes the same state, as far as the state has these properties.
   const choosePair = (pair: string) => {
-    const before: Record<string, string> = { [slice.pair.charAt(0)]: texts.first, [slice.pair.charAt(1)]: texts.second };
+    const before: Record<string, string> = {
+      [slice.pair.charAt(0)]: texts.first,
+      [slice.pair.charAt(1)]: texts.second,
+    };
     const [first = "", second = ""] = inputsOf(pair).map((row) => {
       const value = solution.of(row.name);
       if (before[row.name] !== undefined) return before[row.name];

@@ -64,7 +64,13 @@ export function Kept() {
       <div class="heading">
         <h2 id="kept-title">Kept states</h2>
         <div class="actions">
-          <SaveButton label="Save CSV" name="Save the kept states as CSV" type={csvType} file={() => "states.csv"} text={csv} />
+          <SaveButton
+            label="Save CSV"
+            name="Save the kept states as CSV"
+            type={csvType}
+            file={() => "states.csv"}
+            text={csv}
+          />
           <button type="button" class="quiet" onClick={() => set({ kept: [] })}>
             Remove all
           </button>

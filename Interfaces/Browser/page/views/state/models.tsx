@@ -43,12 +43,17 @@ export function Models({ first, second }: { first: number; second: number }) {
   const shownOutputs = outputs.filter((row) => !given.includes(row.name));
   const difference = (solution: Solution, row: Row) =>
     base && solution !== base ? percent(solution.of(row.name), base.of(row.name)) : "";
-  const value = (solution: Solution | undefined, row: Row) =>
-    units.shown(solution?.of(row.name) ?? NaN, row.unit);
+  const value = (solution: Solution | undefined, row: Row) => units.shown(solution?.of(row.name) ?? NaN, row.unit);
   const columns = shownOutputs.map((row) => ({ row, places: placesOf(models.map((one) => value(one.solution, row))) }));
   const csv = () =>
     csvText([
-      ["model", "equation of state", "phase", ...shownOutputs.map((row) => columnName(row.name, units.unit(row.unit).name)), "note"],
+      [
+        "model",
+        "equation of state",
+        "phase",
+        ...shownOutputs.map((row) => columnName(row.name, units.unit(row.unit).name)),
+        "note",
+      ],
       ...models.map(({ model, solution, problem }): Cell[] => [
         model.name,
         model.description,
@@ -111,8 +116,8 @@ export function Models({ first, second }: { first: number; second: number }) {
         {zeros.length > 0 && !options.reference && (
           <>
             {" "}
-            The zeros of {zeros.join(", ")} are at the critical point of each equation; with another zero, under Options,
-            they compare better.
+            The zeros of {zeros.join(", ")} are at the critical point of each equation; with another zero, under
+            Options, they compare better.
           </>
         )}
       </p>

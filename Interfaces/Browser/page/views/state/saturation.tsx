@@ -85,7 +85,8 @@ export function Saturation() {
   };
   const ends = { from: readQuantity(texts.from, given.unit), to: readQuantity(texts.to, given.unit) };
   const count = Number(texts.rows);
-  const wrongCount = Number.isInteger(count) && count >= 2 && count <= mostRows ? "" : `A table has 2 to ${mostRows} rows.`;
+  const wrongCount =
+    Number.isInteger(count) && count >= 2 && count <= mostRows ? "" : `A table has 2 to ${mostRows} rows.`;
   let table: Table | undefined;
   let problem = "";
   if (Number.isFinite(ends.from.value) && Number.isFinite(ends.to.value) && !wrongCount) {
@@ -100,13 +101,20 @@ export function Saturation() {
   }
 
   const width = outputs.length + 1;
-  const value = (row: number, column: number, phase: "liquid" | "vapor") => table?.answer[phase][row * width + column] ?? NaN;
+  const value = (row: number, column: number, phase: "liquid" | "vapor") =>
+    table?.answer[phase][row * width + column] ?? NaN;
   const latentHeat = (row: number) => {
     const place = outputs.findIndex((one) => one.name === "h") + 1;
     return value(row, place, "vapor") - value(row, place, "liquid");
   };
   const latentUnit = latent && unit(latent.unit, true);
-  const rows = table ? [...table.at].map((at, i) => ({ at, i, fails: table.answer.status[i] !== 0 && !Number.isFinite(value(i, 0, "vapor")) })) : [];
+  const rows = table
+    ? [...table.at].map((at, i) => ({
+        at,
+        i,
+        fails: table.answer.status[i] !== 0 && !Number.isFinite(value(i, 0, "vapor")),
+      }))
+    : [];
   const numbers = (row: { at: number; i: number }) => [
     shown(row.at, given.unit),
     shown(value(row.i, 0, "vapor"), follows.unit),
@@ -152,7 +160,13 @@ export function Saturation() {
           ]}
           choose={(value) => set({ by: value, from: "", to: "", rows: "" })}
         />
-        <QuantityField key={`from-${by}`} label="From" si={given.unit} text={texts.from} write={(from) => set({ from })} />
+        <QuantityField
+          key={`from-${by}`}
+          label="From"
+          si={given.unit}
+          text={texts.from}
+          write={(from) => set({ from })}
+        />
         <QuantityField key={`to-${by}`} label="To" si={given.unit} text={texts.to} write={(to) => set({ to })} />
         <div class="field">
           <label for="saturation-rows">Rows</label>
@@ -179,7 +193,9 @@ export function Saturation() {
               {table.columns.map(({ row, phase }) => (
                 <ColumnHead row={row} note={phase} />
               ))}
-              {latent && <ColumnHead row={{ ...latent, name: "Δh", description: "latent heat" }} note="latent" difference />}
+              {latent && (
+                <ColumnHead row={{ ...latent, name: "Δh", description: "latent heat" }} note="latent" difference />
+              )}
             </tr>
           </thead>
           <tbody>

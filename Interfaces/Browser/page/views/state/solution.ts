@@ -57,4 +57,6 @@ export function solve(
 
 /** Outputs that a state between the phases does not have, if it is one. */
 export const withoutMeaning = (solution: Solution) =>
-  solution.status === twoPhase ? solution.rows.filter((_, i) => Number.isNaN(solution.values[i])).map((row) => row.name) : [];
+  solution.status === twoPhase
+    ? solution.rows.filter((_, i) => Number.isNaN(solution.values[i])).map((row) => row.name)
+    : [];
