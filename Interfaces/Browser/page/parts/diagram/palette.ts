@@ -30,11 +30,11 @@ export const light: Palette = {
 };
 
 export const dark: Palette = {
-  paper: "#14181c",
+  paper: "#1a1f23",
   ink: "#e6e9ec",
   faint: "#9aa4ad",
-  grid: "#23292f",
-  mixture: "#1a2027",
+  grid: "#2a3137",
+  mixture: "#202830",
   dome: "#e6e9ec",
   state: "#ff6fa5",
   path: "#ff9a4d",

@@ -2,16 +2,20 @@
 // A diagram on the screen that follows gestures and keys.
 //
 // At each frame of a gesture the curves are computed anew for what is visible. If that takes too long for a frame, the
-// last curves are drawn in the new view, and are computed when the gesture pauses. Each frame tells its times by the
-// event "frame" of the host.
+// last curves are drawn in the new view at most frames. Each frame tells its times by the event "frame" of the host.
 import { pointer, select } from "d3-selection";
 import { zoom, zoomIdentity, type D3ZoomEvent, type ZoomTransform } from "d3-zoom";
 import { LibraryError, type Diagram, type Fluid, type Library, type UnitSystem } from "../../../core/library";
 import { drawAxes } from "./axes";
 import { Drawing, type DrawnPath, type Mark, middleOf, type Scene } from "./drawing";
+import { Box } from "./lines";
 import { dark, light, type Palette } from "./palette";
 import { CanvasSurface, SvgSurface, svgElement } from "./surface";
 import { type Frame, kindNamed, limited, type Place, Plane, type View } from "./view";
+
+/** The buttons over the frame's upper right corner [px]. */
+const buttonsWidth = 140;
+const buttonsHeight = 48;
 
 /** What a plot shows. It is never changed, but replaced. */
 export interface Shown {
@@ -44,9 +48,10 @@ export interface FrameTimes {
   readonly drawing: number;
 }
 
-/** Curves that take longer would cost frames. */
-const budget = 11;
-const pause = 120;
+/** Curves that take longer would cost frames [ms]. */
+const budget = 9;
+/** They are computed again when so many times their cost has passed. */
+const patience = 4;
 
 function marginsOf(width: number): { left: number; right: number; top: number; bottom: number } {
   return width < 480 ? { left: 52, right: 8, top: 8, bottom: 42 } : { left: 66, right: 14, top: 10, bottom: 46 };
@@ -67,7 +72,9 @@ export class Plot {
   private problem = "";
   private stale = true;
   private moving = false;
+  /** What the last curves cost, and when they were ready [ms]. */
   private cost = 0;
+  private ready = 0;
   /** The place of the cross hair on the screen. */
   private hair: Place | undefined;
   private hairByKey = false;
@@ -128,7 +135,8 @@ export class Plot {
     if (!this.shown || !this.host.clientWidth) return;
     const began = performance.now();
     if (this.stale) {
-      if (this.moving && this.diagram && this.cost > budget) this.computeSoon();
+      const wait = this.moving && this.cost > budget ? this.ready + patience * this.cost - began : 0;
+      if (this.diagram && wait > 0) this.askLater(wait);
       else this.compute();
     }
     const computed = performance.now();
@@ -138,22 +146,20 @@ export class Plot {
     this.host.dispatchEvent(new CustomEvent("frame", { detail: times }));
   }
 
-  private computeSoon(): void {
+  private askLater(wait: number): void {
     clearTimeout(this.timer);
-    this.timer = setTimeout(() => {
-      this.cost = 0;
-      this.ask();
-    }, pause);
+    this.timer = setTimeout(this.ask, wait);
   }
 
   private compute(): void {
     const { fluid, kind, units, families } = this.shown!;
     this.stale = false;
-    const began = performance.now();
+    let began = performance.now();
     try {
       this.automatic ??= viewOf(this.library.curves(fluid, kind, { units, families: "" }));
       this.view = limited(this.library, kindNamed(this.library, kind), this.view ?? this.automatic, this.automatic);
       const { x, y } = this.view;
+      began = performance.now();
       this.diagram = this.library.curves(fluid, kind, { units, families, x, y });
       this.problem = "";
     } catch (problem) {
@@ -161,7 +167,8 @@ export class Plot {
       this.diagram = undefined;
       this.problem = problem.message;
     }
-    this.cost = performance.now() - began;
+    this.ready = performance.now();
+    this.cost = this.ready - began;
     this.events.computed(this.diagram, this.problem);
   }
 
@@ -196,6 +203,9 @@ export class Plot {
     const { units, states, path } = this.shown!;
     const drawing = new Drawing(this.library, new CanvasSurface(context), this.plane, this.palette, units);
     const pointed = this.hair && this.plane.value(this.hair);
+    const { right, top } = this.plane.frame;
+    const corner = { x: right - buttonsWidth / 2, y: top + buttonsHeight / 2 };
+    drawing.texts.push(new Box(corner, buttonsWidth, buttonsHeight));
     drawing.draw({ diagram: this.diagram, states, path, pointer: pointed });
     drawAxes(this.axes, this.plane, drawing.axes, this.palette, width < 480 ? 11 : 12);
   }
@@ -252,9 +262,10 @@ export class Plot {
     this.settle();
   }
 
-  /** Tells the view, after a pause. */
+  /** Tells the view that a gesture has reached. */
   private settle(): void {
     this.moving = false;
+    if (this.stale) this.ask();
     const { view, automatic } = this;
     this.events.viewed(view === automatic ? undefined : view);
     // The page's answer must not compute the same curves again.
