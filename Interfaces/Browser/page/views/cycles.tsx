@@ -1,4 +1,354 @@
 // SPDX-License-Identifier: MIT
+// Cycles from definitions as texts, with sliders on their numbers.
+import { useMemo, useRef, useState } from "preact/hooks";
+import {
+  type CycleDefinition,
+  type CycleResult,
+  type DiagramKind,
+  type Fluid,
+  LibraryError,
+  type Options,
+  type Polyline,
+  type StateColumns,
+} from "../../core/library";
+import { library } from "../library";
+import { fileName } from "../naming";
+import { openFluid, useFluid } from "../opening";
+import { Select, Switch } from "../parts/choice";
+import { CopyButton, SaveButton } from "../parts/copy_button";
+import { type Changes, examples, withChanges, withFluid } from "../parts/cycle/definition";
+import { pythonLines, shellLines } from "../parts/cycle/elsewhere";
+import { cycleAsCsv, CycleStates, Figures } from "../parts/cycle/results";
+import { Sliders } from "../parts/cycle/sliders";
+import { Diagram } from "../parts/diagram/diagram";
+import type { DrawnPath } from "../parts/diagram/drawing";
+import { stateAt } from "../parts/diagram/evaluated";
+import type { Plot } from "../parts/diagram/plot";
+import { SaveDrawing } from "../parts/diagram/saving";
+import { stateInWords } from "../parts/diagram/state_panel";
+import { kindNamed, pairOf, type Place, type View } from "../parts/diagram/view";
+import { fluidName } from "../parts/fluid_chooser";
+import { Problem } from "../parts/message";
+import { defineSlice, ownPrefix, useSlice, useStore, type Value } from "../store";
+import { kindTitle } from "./diagrams";
+
+interface CyclesState {
+  readonly example: string;
+  /** The text, if it is not that of the example. */
+  readonly text: string;
+  readonly changes: Changes;
+  readonly kind: string;
+  /** Whether the page's fluid takes the place of the one in the text. */
+  readonly pageFluid: boolean;
+}
+
+const isAccepted: Partial<Record<keyof CyclesState, (value: Value) => boolean>> = {
+  example: (value) => examples.some((one) => one.name === value),
+  kind: (value) => library.diagramKinds.some((kind) => kind.name === value),
+  changes: (value) => Object.values(value as object).every(Number.isFinite),
+};
+
+const slice = defineSlice<CyclesState>(
+  "cycles",
+  { example: examples[0]!.name, text: "", changes: {}, kind: "ts", pageFluid: false },
+  (key, value) => isAccepted[key as keyof CyclesState]?.(value) ?? true,
+);
+
+/** What can be made of a text. */
+interface Solved {
+  readonly definition?: CycleDefinition;
+  readonly fluid?: Fluid;
+  /** The fluid as links and files name it. */
+  readonly fluidName: string;
+  readonly options: Options;
+  readonly result?: CycleResult;
+  /** The text's own numbers, if sliders have changed some. */
+  readonly unchanged?: CycleResult;
+  readonly problem?: LibraryError;
+}
+
+function attempt<T>(make: () => T): T | LibraryError {
+  try {
+    return make();
+  } catch (problem) {
+    if (problem instanceof LibraryError) return problem;
+    throw problem;
+  }
+}
+
+/** Those changes whose keys the text has. */
+const changesOf = (definition: CycleDefinition, changes: Changes): Changes =>
+  Object.fromEntries(Object.entries(changes).filter(([name]) => definition.given.some((one) => one.key.name === name)));
+
+/** In place of the fluid of the text. */
+interface Replacement {
+  readonly name: string;
+  readonly options: Options;
+  readonly fluid?: Fluid;
+  readonly problem?: LibraryError;
+}
+
+function solved(text: string, changes: Changes, own: readonly string[], page: Replacement | undefined): Solved {
+  const definition = attempt(() => library.readCycle(text));
+  if (definition instanceof LibraryError) return { problem: definition, fluidName: "", options: {} };
+  // An own fluid is as good as one of the catalogue.
+  const name = page?.name ?? (own.includes(definition.fluid) ? ownPrefix + definition.fluid : definition.fluid);
+  const options = page?.options ?? definition.options;
+  const { fluid, problem } = page ?? openFluid(name, options);
+  const known = { definition, fluidName: name, options };
+  if (!fluid) return { ...known, problem };
+  const replacement = name === definition.fluid ? undefined : fluid;
+  const valid = changesOf(definition, changes);
+  const result = attempt(() => library.cycle(text, valid, replacement));
+  if (result instanceof LibraryError) return { ...known, fluid, problem: result };
+  const unchanged = Object.keys(valid).length ? attempt(() => library.cycle(text, {}, replacement)) : undefined;
+  return { ...known, fluid, result, ...(unchanged && !(unchanged instanceof LibraryError) && { unchanged }) };
+}
+
+/** States as points of a diagram. */
+function pointsOf(columns: StateColumns, kind: DiagramKind): Polyline {
+  const [xs, ys] = [columns[kind.x], columns[kind.y]];
+  const points = new Float64Array(2 * xs.length);
+  xs.forEach((x, i) => points.set([x, ys[i]!], 2 * i));
+  return points;
+}
+
+function pathOf(result: CycleResult, kind: DiagramKind, faded: boolean): DrawnPath {
+  const at = pointsOf(result.states, kind);
+  return {
+    points: result.processes.map((process) => pointsOf(process.points, kind)),
+    marks: result.places.map((_, i) => ({ x: at[2 * i]!, y: at[2 * i + 1]!, name: String(i + 1) })),
+    faded,
+  };
+}
+
+/** A definition that the command understands: own fluids are files beside it. */
+function portable(text: string, { definition, fluidName: name, options }: Solved, changes: Changes): string {
+  const changed = definition ? withChanges(text, definition.given, changes) : text;
+  if (!definition || name === definition.fluid) return changed;
+  return withFluid(changed, name.startsWith(ownPrefix) ? `./${fileName(name.slice(ownPrefix.length))}.osd` : name, options);
+}
+
 export function CyclesView() {
-  return <p>Cycles</p>;
+  const [{ example, text: own, changes, kind: name, pageFluid }, change] = useSlice(slice);
+  const units = useStore((state) => state.units);
+  const ownFluids = useStore((state) => state.own);
+  const pageName = useStore((state) => state.fluid);
+  const pageOptions = useStore((state) => state.options);
+  const ofPage = useFluid();
+  const plot = useRef<Plot>(null);
+  const area = useRef<HTMLTextAreaElement>(null);
+  const last = useRef<{ of: Solved; result: CycleResult }>(undefined);
+  const [view, setView] = useState<{ of: string; view: View | undefined }>();
+  const [pointed, setPointed] = useState<Place>();
+
+  const text = own || (examples.find((one) => one.name === example) ?? examples[0]!).text;
+  const page = useMemo(
+    () => (pageFluid ? { ...ofPage, name: pageName, options: pageOptions } : undefined),
+    [pageFluid, ofPage.fluid, ofPage.problem, pageName, pageOptions],
+  );
+  const names = useMemo(() => ownFluids.map((one) => one.name), [ownFluids]);
+  const now = useMemo(() => solved(text, changes, names, page), [text, changes, names, page]);
+  const { definition, fluid, result, problem } = now;
+
+  const kind = kindNamed(library, name);
+  if (result) last.current = { of: now, result };
+  // What has no solution, or cannot be read, leaves the last cycle on the page. Its fluid may have been closed.
+  const before = last.current;
+  const drawn = fluid ?? (before && openFluid(before.of.fluidName, before.of.options).fluid);
+  const keyOf = (one: Solved | undefined) => JSON.stringify([one?.fluidName, one?.options]);
+  const isSame = !fluid || keyOf(now) === keyOf(before?.of);
+  const shownResult = result ?? (isSame ? before?.result : undefined);
+  const path = useMemo(() => shownResult && pathOf(shownResult, kind, !result), [shownResult, kind, !result]);
+  const fluidTitle = drawn?.text("name") ?? "";
+  const of = keyOf(fluid ? now : before?.of) + name;
+  const { inputs, xFirst } = pairOf(library, kind);
+  const changedCount = definition ? Object.keys(changesOf(definition, changes)).length : 0;
+  const file = `${fileName(fluidTitle)}-${definition?.kind ?? "cycle"}`;
+  const definitionText = () => portable(text, now, definition ? changesOf(definition, changes) : {});
+  const goToLine = (line: number) => {
+    const lines = text.split("\n");
+    const begin = lines.slice(0, line - 1).reduce((sum, one) => sum + one.length + 1, 0);
+    area.current?.focus();
+    area.current?.setSelectionRange(begin, begin + (lines[line - 1]?.length ?? 0));
+  };
+  const readout =
+    pointed && drawn
+      ? stateInWords(
+          xFirst ? stateAt(drawn, inputs, pointed.x, pointed.y) : stateAt(drawn, inputs, pointed.y, pointed.x),
+          ["t", "p", "h", "s"],
+        )
+      : "";
+  return (
+    <div class="cycles">
+      <div class="fields diagram-choices">
+        <Select
+          label="Example"
+          value={own ? "" : example}
+          choices={[
+            ...(own ? [{ value: "", text: "own text" }] : []),
+            ...examples.map((one) => ({ value: one.name, text: one.title })),
+          ]}
+          choose={(value) => value && change({ example: value, text: "", changes: {} })}
+        />
+        <Switch
+          label="Fluid of the cycle"
+          value={pageFluid ? "page" : "text"}
+          choices={[
+            { value: "text", text: definition && !pageFluid ? `of the text: ${definition.fluid}` : "of the text" },
+            { value: "page", text: `of the page: ${fluidName(pageName)}` },
+          ]}
+          choose={(value) => change({ pageFluid: value === "page" })}
+        />
+        <Switch
+          label="Diagram"
+          value={name}
+          choices={library.diagramKinds.map((one) => ({ value: one.name, text: kindTitle(one.name) }))}
+          choose={(value) => change({ kind: value })}
+        />
+      </div>
+      <div class="cycle-areas">
+        <div class="cycle-diagram">
+          {drawn && (
+            <>
+              <Diagram
+                plot={plot}
+                fluid={drawn}
+                kind={name}
+                units={units}
+                families={kind.families}
+                view={view?.of === of ? view.view : undefined}
+                states={noMarks}
+                path={path}
+                over={problem && definition && fluid && <Problem problem={problem} id="cycle-problem" />}
+                label={`${kindTitle(name)} diagram of the cycle with ${fluidTitle}`}
+                events={{ viewed: (to) => setView({ of, view: to }), pointed: setPointed }}
+              />
+              <p class="note readout">{readout}</p>
+            </>
+          )}
+        </div>
+        <div class="wanted">
+          {definition && definition.given.length > 0 && (
+            <section class="panel" aria-label="Numbers of the definition">
+              <div class="heading">
+                <h2>Numbers</h2>
+                <div class="actions">
+                  <button
+                    type="button"
+                    class="quiet"
+                    disabled={!changedCount}
+                    onClick={() => change({ text: withChanges(text, definition.given, changes), changes: {} })}
+                  >
+                    Write into the text
+                  </button>
+                  <button type="button" class="quiet" disabled={!changedCount} onClick={() => change({ changes: {} })}>
+                    As in the text
+                  </button>
+                </div>
+              </div>
+              <Sliders text={text} given={definition.given} changes={changes} change={(next) => change({ changes: next })} />
+            </section>
+          )}
+          <section class="panel definition" aria-label="Definition">
+            <div class="heading">
+              <h2>
+                <label for="cycle-text">Definition (TOML)</label>
+              </h2>
+              <SaveButton label="Save as TOML" file={() => `${file}.toml`} type="application/toml" text={definitionText} />
+            </div>
+            {problem && !(definition && fluid) && <Refusal problem={problem} goToLine={goToLine} />}
+            <textarea
+              id="cycle-text"
+              ref={area}
+              rows={14}
+              spellcheck={false}
+              aria-invalid={problem !== undefined && problem.line > 0}
+              aria-describedby={problem ? "cycle-problem" : undefined}
+              value={text}
+              onInput={(event) => change({ text: event.currentTarget.value })}
+            />
+          </section>
+        </div>
+        <div class="outcome">
+          {shownResult && (
+            <>
+              <section class={result ? "panel" : "panel faded"} aria-label="Figures">
+                <div class="heading">
+                  <h2>Figures</h2>
+                  <div class="actions">
+                    <SaveDrawing plot={plot} file={`${file}-${name}`} heading={`${fluidTitle}, ${definition?.kind ?? ""}`} />
+                    <SaveButton
+                      label="Save as CSV"
+                      name="Save figures and states as CSV"
+                      file={() => `${file}.csv`}
+                      type="text/csv"
+                      text={() => cycleAsCsv(shownResult)}
+                    />
+                  </div>
+                </div>
+                {!result && <p class="said">These are the last figures. The numbers as they are now have no solution.</p>}
+                <div class="scrolled">
+                  <Figures figures={shownResult.figures} before={(result ? now : before?.of)?.unchanged?.figures} />
+                </div>
+              </section>
+              <section class={result ? "panel" : "panel faded"} aria-label="States of the cycle">
+                <h2>States</h2>
+                <div class="scrolled">
+                  <CycleStates result={shownResult} />
+                </div>
+              </section>
+            </>
+          )}
+          {result && (
+            <Elsewhere
+              text={definitionText()}
+              figure={result.kind === "rankine" ? "efficiency" : "cop_cooling"}
+              ownFluid={now.fluidName.startsWith(ownPrefix)}
+            />
+          )}
+        </div>
+      </div>
+    </div>
+  );
+}
+
+/** Why there is no cycle, and where in the text. */
+function Refusal({ problem, goToLine }: { problem: LibraryError; goToLine: (line: number) => void }) {
+  return (
+    <div role="status">
+      <Problem problem={problem} id="cycle-problem" />
+      {problem.line > 0 && (
+        <button type="button" class="quiet" onClick={() => goToLine(problem.line)}>
+          Go to line {problem.line}
+        </button>
+      )}
+    </div>
+  );
+}
+
+const noMarks = [] as const;
+
+/** The lines with which other programs solve the cycle. */
+function Elsewhere({ text, figure, ownFluid }: { text: string; figure: string; ownFluid: boolean }) {
+  return (
+    <details class="panel elsewhere">
+      <summary>The same cycle elsewhere</summary>
+      {ownFluid && <p class="note">The text of the own fluid must be in the file that the definition names.</p>}
+      {[
+        { title: "Shell", lines: shellLines(text) },
+        { title: "Python", lines: pythonLines(text, figure) },
+      ].map(({ title, lines }) => (
+        <div key={title}>
+          <div class="heading">
+            <h3>{title}</h3>
+            <CopyButton text={() => lines} name={`Copy the lines for ${title}`} />
+          </div>
+          <pre tabIndex={0} aria-label={title}>
+            {lines}
+          </pre>
+        </div>
+      ))}
+    </details>
+  );
 }

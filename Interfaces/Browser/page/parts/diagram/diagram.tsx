@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A diagram of a fluid, with its gestures and keys.
 import { useId, useLayoutEffect, useRef, useState } from "preact/hooks";
-import type { RefObject } from "preact";
+import type { ComponentChildren, RefObject } from "preact";
 import type { Diagram as Curves } from "../../../core/library";
 import { library } from "../../library";
 import { Plot, type PlotEvents, type Shown } from "./plot";
@@ -10,6 +10,8 @@ export interface DiagramProps extends Shown {
   /** What a screen reader says of it. */
   readonly label: string;
   readonly events: Partial<PlotEvents>;
+  /** What stands over its lower edge. */
+  readonly over?: ComponentChildren;
   /** For buttons beside the diagram. */
   readonly plot?: RefObject<Plot | null>;
 }
@@ -19,7 +21,7 @@ const keys =
   "away. + and − zoom, Shift and the arrow keys move the view, 0 shows everything.";
 
 export function Diagram(props: DiagramProps) {
-  const { label, events, plot: given, ...shown } = props;
+  const { label, events, over, plot: given, ...shown } = props;
   const help = useId();
   const host = useRef<HTMLDivElement>(null);
   const layer = useRef<HTMLDivElement>(null);
@@ -66,6 +68,9 @@ export function Diagram(props: DiagramProps) {
             {curves.problem}.
           </p>
         )}
+        <div class="over" role="status">
+          {over}
+        </div>
         <div class="zoom" role="group" aria-label="View of the diagram">
           <button type="button" aria-label="Zoom in" title="Zoom in" onClick={() => own.current?.zoomBy(1.5)}>
             +

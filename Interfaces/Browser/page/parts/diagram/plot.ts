@@ -11,7 +11,7 @@ import { Drawing, type DrawnPath, type Mark, middleOf, type Scene } from "./draw
 import { Box } from "./lines";
 import { dark, light, type Palette } from "./palette";
 import { CanvasSurface, SvgSurface, svgElement } from "./surface";
-import { type Frame, kindNamed, limited, type Place, Plane, type View } from "./view";
+import { containing, type Frame, kindNamed, limited, type Place, Plane, type View } from "./view";
 
 /** The buttons over the frame's upper right corner [px]. */
 const buttonsWidth = 140;
@@ -119,6 +119,7 @@ export class Plot {
       this.stale = true;
     }
     if (shown.families !== before?.families) this.stale = true;
+    if (shown.path !== before?.path) this.stretch();
     this.ask();
   }
 
@@ -156,7 +157,10 @@ export class Plot {
     this.stale = false;
     let began = performance.now();
     try {
-      this.automatic ??= viewOf(this.library.curves(fluid, kind, { units, families: "" }));
+      if (!this.automatic) {
+        this.automatic = viewOf(this.library.curves(fluid, kind, { units, families: "" }));
+        this.stretch();
+      }
       this.view = limited(this.library, kindNamed(this.library, kind), this.view ?? this.automatic, this.automatic);
       const { x, y } = this.view;
       began = performance.now();
@@ -170,6 +174,16 @@ export class Plot {
     this.ready = performance.now();
     this.cost = this.ready - began;
     this.events.computed(this.diagram, this.problem);
+  }
+
+  /** The automatic view grows until it has the whole path, so that it does not jump while the path moves. */
+  private stretch(): void {
+    const { automatic, shown } = this;
+    if (!automatic || !shown?.path || shown.path.faded) return;
+    const stretched = containing(this.library, kindNamed(this.library, shown.kind), automatic, shown.path.points);
+    if (stretched === automatic) return;
+    if (!shown.view) [this.view, this.stale] = [stretched, true];
+    this.automatic = stretched;
   }
 
   private frameOf(width: number, height: number): Frame {
@@ -256,7 +270,8 @@ export class Plot {
   }
 
   reset(): void {
-    this.view = this.automatic;
+    this.view = undefined;
+    this.automatic = undefined;
     this.stale = true;
     this.ask();
     this.settle();
@@ -266,10 +281,10 @@ export class Plot {
   private settle(): void {
     this.moving = false;
     if (this.stale) this.ask();
-    const { view, automatic } = this;
-    this.events.viewed(view === automatic ? undefined : view);
+    const view = this.view === this.automatic ? undefined : this.view;
     // The page's answer must not compute the same curves again.
-    if (this.shown) this.shown = { ...this.shown, view: view === automatic ? undefined : view };
+    if (this.shown) this.shown = { ...this.shown, view };
+    this.events.viewed(view);
   }
 
   /** How far neighboring pixels are apart at a place [SI]. */

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // All properties of one state.
 import { library } from "../../library";
-import { numberText, unitText, useUnits } from "../../numbers";
+import { numberText, shownUnit, unitText, useUnits } from "../../numbers";
 import { Symbol } from "../../symbols";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
@@ -42,7 +42,7 @@ export function stateInWords(state: State, letters: readonly string[]): string {
   const texts = letters.map((name) => {
     const row = library.list("outputs").find((one) => one.name === name);
     if (!row) return "";
-    const shown = library.units.shown(row.unit, "engineering");
+    const shown = shownUnit(row.unit);
     return `${row.description} ${numberText(library.units.to(state.values[name]!, shown), 5)} ${unitText(shown.name)}`;
   });
   return `${[phaseText(state.values), ...texts].join(", ")}.`;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The part of a plane that a diagram shows, and how gestures move it.
-import type { AxisRange, DiagramKind, Library, Letter } from "../../../core/library";
+import type { AxisRange, DiagramKind, Letter, Library, Polyline } from "../../../core/library";
 
 /** Both axes of a diagram [SI]. */
 export interface View {
@@ -111,6 +111,32 @@ export function limited(library: Library, kind: DiagramKind, view: View, automat
   const range = (letter: Letter, of: AxisRange, standard: AxisRange) =>
     limitedRange(of, standard, library.properties[letter].logarithmic);
   return { x: range(kind.x, view.x, automatic.x), y: range(kind.y, view.y, automatic.y) };
+}
+
+/** Beside a path there is some room, as a part of the range. */
+const room = 0.04;
+
+/** The view, or a wider one that has all points inside. */
+export function containing(library: Library, kind: DiagramKind, view: View, paths: readonly Polyline[]): View {
+  const wider = (range: AxisRange, letter: Letter, offset: 0 | 1): AxisRange => {
+    let low = Infinity;
+    let high = -Infinity;
+    for (const path of paths)
+      for (let i = offset; i < path.length; i += 2) {
+        low = Math.min(low, path[i]!);
+        high = Math.max(high, path[i]!);
+      }
+    if (!(low < range[0]) && !(high > range[1])) return range;
+    const { logarithmic } = library.properties[letter];
+    const [first, last] = [Math.min(low, range[0]), Math.max(high, range[1])];
+    const more = logarithmic ? (last / first) ** room : room * (last - first);
+    const lower = logarithmic ? first / more : first - more;
+    const higher = logarithmic ? last * more : last + more;
+    return [low < range[0] ? lower : range[0], high > range[1] ? higher : range[1]];
+  };
+  const x = wider(view.x, kind.x, 0);
+  const y = wider(view.y, kind.y, 1);
+  return x === view.x && y === view.y ? view : { x, y };
 }
 
 export const kindNamed = (library: Library, name: string): DiagramKind =>
