@@ -149,7 +149,9 @@ export function CyclesView() {
   );
   const names = useMemo(() => ownFluids.map((one) => one.name), [ownFluids]);
   const now = useMemo(() => solved(text, changes, names, page), [text, changes, names, page]);
-  const { definition, fluid, result, problem } = now;
+  const { definition, result, problem } = now;
+  // It is asked for at each drawing, so that it stays open.
+  const fluid = now.fluid && openFluid(now.fluidName, now.options).fluid;
 
   const kind = kindNamed(library, name);
   if (result) last.current = { of: now, result };
