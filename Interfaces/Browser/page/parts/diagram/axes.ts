@@ -35,6 +35,8 @@ export class ShownAxis {
   readonly ticks: readonly number[];
   readonly title: string;
   private readonly logarithmic: boolean;
+  /** Large numbers of linear axes are written as multiples of this. */
+  private readonly multiple: number;
 
   constructor(library: Library, plane: Plane, letter: Letter, units: UnitSystem) {
     const property = library.properties[letter];
@@ -49,7 +51,10 @@ export class ShownAxis {
       .domain(range.map((value) => library.units.to(value, unit)))
       .range(horizontal ? [left, right] : [bottom, top]);
     this.ticks = this.scale.ticks(count);
-    const name = unitText(unit.name);
+    const largest = Math.max(...this.ticks.map(Math.abs));
+    const power = this.logarithmic || largest < 1e5 ? 0 : 3 * Math.floor(Math.log10(largest) / 3);
+    this.multiple = 10 ** power;
+    const name = [power ? powerOfTen(power) : "", unitText(unit.name)].filter(Boolean).join(" ");
     this.title = `${property.name} ${property.symbol}${name ? ` in ${name}` : ""}`;
   }
 
@@ -59,13 +64,18 @@ export class ShownAxis {
   }
 
   draw(into: SVGGElement, axis: (scale: ScaleContinuousNumeric<number, number>) => Axis<number>): void {
-    const numbered = new Set(this.numbered);
-    const significant = this.significant();
+    const numbers = this.numbers();
     const made = axis(this.scale)
       .tickValues([...this.ticks])
-      .tickFormat((tick) => (numbered.has(tick) ? roundText(tick, significant) : ""))
+      .tickFormat((tick) => numbers.get(tick) ?? "")
       .tickSizeOuter(0);
     select(into).call(made);
+  }
+
+  /** What is written at the ticks. */
+  numbers(): ReadonlyMap<number, string> {
+    const significant = this.significant();
+    return new Map(this.numbered.map((tick) => [tick, roundText(tick / this.multiple, significant)]));
   }
 
   /** Digits that neighboring ticks need to differ. */

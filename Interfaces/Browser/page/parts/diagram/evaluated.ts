@@ -2,6 +2,7 @@
 // States with all properties that the library has.
 import type { Fluid } from "../../../core/library";
 import { library } from "../../library";
+import { numberText } from "../../numbers";
 
 export interface State {
   /** Values [SI] by the names of outputs; NaN where the state has none. */
@@ -22,9 +23,9 @@ export function stateAt(fluid: Fluid, inputs: string, first: number, second: num
   return { values: found, problem: exists ? "" : message || "There is no such state." };
 }
 
-/** "liquid and vapor, 35.2 % vapor" */
+/** "vapor", or "two-phase, q = 0.3520" */
 export function phaseText({ t, q, phase }: State["values"]): string {
   if (t === undefined || Number.isNaN(t) || phase === undefined) return "";
   const name = library.phaseName(phase);
-  return q !== undefined && q > 0 && q < 1 ? `${name}, ${(100 * q).toPrecision(4)} % vapor by mass` : name;
+  return q !== undefined && q > 0 && q < 1 ? `${name}, q = ${numberText(q, 4)}` : name;
 }

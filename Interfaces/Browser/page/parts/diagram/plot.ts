@@ -6,11 +6,11 @@
 import { pointer, select } from "d3-selection";
 import { zoom, zoomIdentity, type D3ZoomEvent, type ZoomTransform } from "d3-zoom";
 import { LibraryError, type Diagram, type Fluid, type Library, type UnitSystem } from "../../../core/library";
-import { drawAxes } from "./axes";
+import { drawAxes, ShownAxis } from "./axes";
 import { Drawing, type DrawnPath, type Mark, middleOf, type Scene } from "./drawing";
 import { Box } from "./lines";
 import { dark, light, type Palette } from "./palette";
-import { CanvasSurface, SvgSurface, svgElement } from "./surface";
+import { CanvasSurface, SvgSurface, svgElement, textWidth } from "./surface";
 import { containing, type Frame, kindNamed, limited, type Place, Plane, type View } from "./view";
 
 /** The buttons over the frame's upper right corner [px]. */
@@ -53,9 +53,10 @@ const budget = 9;
 /** They are computed again when so many times their cost has passed. */
 const patience = 4;
 
-function marginsOf(width: number): { left: number; right: number; top: number; bottom: number } {
-  return width < 480 ? { left: 52, right: 8, top: 8, bottom: 42 } : { left: 66, right: 14, top: 10, bottom: 46 };
-}
+const isNarrow = (width: number): boolean => width < 480;
+const axesSize = (width: number): number => (isNarrow(width) ? 11 : 12);
+const marginsOf = (width: number): Frame =>
+  isNarrow(width) ? { left: 48, right: 14, top: 8, bottom: 42 } : { left: 56, right: 20, top: 10, bottom: 46 };
 
 export class Plot {
   private readonly canvas = document.createElement("canvas");
@@ -79,6 +80,7 @@ export class Plot {
   private hair: Place | undefined;
   private hairByKey = false;
   private pointed: Place | undefined;
+  private left = 0;
   private request = 0;
   private timer: ReturnType<typeof setTimeout> | undefined;
   private last: ZoomTransform = zoomIdentity;
@@ -186,9 +188,21 @@ export class Plot {
     this.automatic = stretched;
   }
 
-  private frameOf(width: number, height: number): Frame {
-    const { left, right, top, bottom } = marginsOf(width);
+  private frameOf(width: number, height: number, left: number): Frame {
+    const { right, top, bottom } = marginsOf(width);
     return { left, top, right: width - right, bottom: height - bottom };
+  }
+
+  /** Room for the numbers of the vertical axis. It does not shrink while a gesture moves them. */
+  private leftMargin(width: number, height: number, size: number): number {
+    const least = marginsOf(width).left;
+    const plane = this.planeIn(this.frameOf(width, height, least));
+    if (!plane) return least;
+    const { y } = plane.kind;
+    const texts = [...new ShownAxis(this.library, plane, y, this.shown!.units).numbers().values()];
+    const needed = Math.max(...texts.map((text) => textWidth(text, size))) + 1.8 * size + 14;
+    this.left = Math.max(least, needed, this.moving ? this.left : 0);
+    return Math.ceil(this.left);
   }
 
   private planeIn(frame: Frame): Plane | undefined {
@@ -202,7 +216,8 @@ export class Plot {
   private render(): void {
     const { clientWidth: width, clientHeight: height } = this.host;
     const context = this.canvas.getContext("2d");
-    this.plane = this.planeIn(this.frameOf(width, height));
+    const size = axesSize(width);
+    this.plane = this.planeIn(this.frameOf(width, height, this.leftMargin(width, height, size)));
     if (!context) return;
     const ratio = devicePixelRatio || 1;
     const pixels = [Math.round(width * ratio), Math.round(height * ratio)] as const;
@@ -221,7 +236,7 @@ export class Plot {
     const corner = { x: right - buttonsWidth / 2, y: top + buttonsHeight / 2 };
     drawing.texts.push(new Box(corner, buttonsWidth, buttonsHeight));
     drawing.draw({ diagram: this.diagram, states, path, pointer: pointed });
-    drawAxes(this.axes, this.plane, drawing.axes, this.palette, width < 480 ? 11 : 12);
+    drawAxes(this.axes, this.plane, drawing.axes, this.palette, size);
   }
 
   /** The drawing as an SVG document, in light colors. */
@@ -233,7 +248,8 @@ export class Plot {
       viewBox: `0 0 ${width} ${height}`,
     });
     root.append(svgElement("rect", { width, height, fill: light.paper }));
-    const inner = this.frameOf(width, height);
+    const size = 13;
+    const inner = this.frameOf(width, height, this.leftMargin(width, height, size));
     const plane = this.planeIn({ ...inner, top: inner.top + 24 });
     if (plane && this.shown) {
       const { units, states, path } = this.shown;
@@ -241,7 +257,7 @@ export class Plot {
       const scene: Scene = { diagram: this.diagram, states, path, heading };
       drawing.draw(scene);
       drawing.drawKey(scene);
-      drawAxes(root.appendChild(svgElement("g")), plane, drawing.axes, light, 13);
+      drawAxes(root.appendChild(svgElement("g")), plane, drawing.axes, light, size);
     }
     return `<?xml version="1.0" encoding="UTF-8"?>\n${new XMLSerializer().serializeToString(root)}\n`;
   }

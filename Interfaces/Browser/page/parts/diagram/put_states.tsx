@@ -152,10 +152,11 @@ export function PutStates(props: {
                     <button
                       type="button"
                       class="quiet"
+                      title="Remove"
                       aria-label={`Remove state ${i + 1}`}
                       onClick={() => change(puts.filter((_, k) => k !== i))}
                     >
-                      Remove
+                      ×
                     </button>
                   </td>
                 </tr>

@@ -13,7 +13,7 @@ export function StatePanel({ state, hint }: { state: State | undefined; hint: st
   const rows = library.list("outputs").filter((row) => row.name !== "phase");
   return (
     <>
-      <p class="phase">{phaseText(state.values)}</p>
+      <p class="phase-name">{phaseText(state.values)}</p>
       <table class="properties">
         <tbody>
           {rows.map((row) => (
