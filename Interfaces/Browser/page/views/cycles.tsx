@@ -11,8 +11,8 @@ import {
   type Polyline,
   type StateColumns,
 } from "../../core/library";
+import { csvType, fileName } from "../files";
 import { library } from "../library";
-import { fileName } from "../naming";
 import { openFluid, useFluid } from "../opening";
 import { Select, Switch } from "../parts/choice";
 import { CopyButton, SaveButton } from "../parts/copy_button";
@@ -22,7 +22,6 @@ import { cycleAsCsv, CycleStates, Figures } from "../parts/cycle/results";
 import { Sliders } from "../parts/cycle/sliders";
 import { Diagram } from "../parts/diagram/diagram";
 import type { DrawnPath } from "../parts/diagram/drawing";
-import { stateAt } from "../parts/diagram/evaluated";
 import type { Plot } from "../parts/diagram/plot";
 import { SaveDrawing } from "../parts/diagram/saving";
 import { stateInWords } from "../parts/diagram/state_panel";
@@ -31,6 +30,7 @@ import { fluidName } from "../parts/fluid_chooser";
 import { Problem } from "../parts/message";
 import { defineSlice, ownPrefix, useSlice, useStore, type Value } from "../store";
 import { kindTitle } from "./diagrams";
+import { solve } from "./state/solution";
 
 interface CyclesState {
   readonly example: string;
@@ -126,7 +126,7 @@ function pathOf(result: CycleResult, kind: DiagramKind, faded: boolean): DrawnPa
 function portable(text: string, { definition, fluidName: name, options }: Solved, changes: Changes): string {
   const changed = definition ? withChanges(text, definition.given, changes) : text;
   if (!definition || name === definition.fluid) return changed;
-  return withFluid(changed, name.startsWith(ownPrefix) ? `./${fileName(name.slice(ownPrefix.length))}.osd` : name, options);
+  return withFluid(changed, name.startsWith(ownPrefix) ? `./${fileName(name.slice(ownPrefix.length), "", "osd")}` : name, options);
 }
 
 export function CyclesView() {
@@ -166,7 +166,8 @@ export function CyclesView() {
   const of = keyOf(fluid ? now : before?.of) + name;
   const { inputs, xFirst } = pairOf(library, kind);
   const changedCount = definition ? Object.keys(changesOf(definition, changes)).length : 0;
-  const file = `${fileName(fluidTitle)}-${definition?.kind ?? "cycle"}`;
+  const file = (what: string, extension: string) => fileName(fluidTitle, what, extension);
+  const cycleKind = definition?.kind ?? "cycle";
   const definitionText = () => portable(text, now, definition ? changesOf(definition, changes) : {});
   const goToLine = (line: number) => {
     const lines = text.split("\n");
@@ -177,7 +178,7 @@ export function CyclesView() {
   const readout =
     pointed && drawn
       ? stateInWords(
-          xFirst ? stateAt(drawn, inputs, pointed.x, pointed.y) : stateAt(drawn, inputs, pointed.y, pointed.x),
+          xFirst ? solve(drawn, inputs, pointed.x, pointed.y) : solve(drawn, inputs, pointed.y, pointed.x),
           ["t", "p", "h", "s"],
         )
       : "";
@@ -257,7 +258,7 @@ export function CyclesView() {
               <h2>
                 <label for="cycle-text">Definition (TOML)</label>
               </h2>
-              <SaveButton label="Save as TOML" file={() => `${file}.toml`} type="application/toml" text={definitionText} />
+              <SaveButton label="Save TOML" file={() => file(cycleKind, "toml")} type="application/toml" text={definitionText} />
             </div>
             {problem && !(definition && fluid) && <Refusal problem={problem} goToLine={goToLine} />}
             <textarea
@@ -274,33 +275,31 @@ export function CyclesView() {
         </div>
         <div class="outcome">
           {shownResult && (
-            <>
-              <section class={result ? "panel" : "panel faded"} aria-label="Figures">
-                <div class="heading">
-                  <h2>Figures</h2>
-                  <div class="actions">
-                    <SaveDrawing plot={plot} file={`${file}-${name}`} heading={`${fluidTitle}, ${definition?.kind ?? ""}`} />
-                    <SaveButton
-                      label="Save as CSV"
-                      name="Save figures and states as CSV"
-                      file={() => `${file}.csv`}
-                      type="text/csv"
-                      text={() => cycleAsCsv(shownResult)}
-                    />
-                  </div>
+            <section class={result ? "panel" : "panel faded"} aria-label="Figures">
+              <div class="heading">
+                <h2>Figures</h2>
+                <div class="actions">
+                  <SaveDrawing plot={plot} file={(extension) => file(`${cycleKind}-${name}`, extension)} heading={`${fluidTitle}, ${cycleKind}`} />
+                  <SaveButton
+                    label="Save CSV"
+                    name="Save the figures and states as CSV"
+                    file={() => file(cycleKind, "csv")}
+                    type={csvType}
+                    text={() => cycleAsCsv(shownResult)}
+                  />
                 </div>
-                {!result && <p class="said">These are the last figures. The numbers as they are now have no solution.</p>}
-                <div class="scrolled">
-                  <Figures figures={shownResult.figures} before={(result ? now : before?.of)?.unchanged?.figures} />
-                </div>
-              </section>
-              <section class={result ? "panel" : "panel faded"} aria-label="States of the cycle">
-                <h2>States</h2>
-                <div class="scrolled">
-                  <CycleStates result={shownResult} />
-                </div>
-              </section>
-            </>
+              </div>
+              {!result && <p class="said">These are the last figures. The numbers as they are now have no solution.</p>}
+                <Figures figures={shownResult.figures} before={(result ? now : before?.of)?.unchanged?.figures} />
+            </section>
+          )}
+        </div>
+        <div class="rest">
+          {shownResult && (
+            <section class={result ? "panel" : "panel faded"} aria-label="States of the cycle">
+              <h2>States</h2>
+              <CycleStates result={shownResult} />
+            </section>
           )}
           {result && (
             <Elsewhere
@@ -334,7 +333,7 @@ const noMarks = [] as const;
 /** The lines with which other programs solve the cycle. */
 function Elsewhere({ text, figure, ownFluid }: { text: string; figure: string; ownFluid: boolean }) {
   return (
-    <details class="panel elsewhere">
+    <details class="panel cycle-elsewhere">
       <summary>The same cycle elsewhere</summary>
       {ownFluid && <p class="note">The text of the own fluid must be in the file that the definition names.</p>}
       {[

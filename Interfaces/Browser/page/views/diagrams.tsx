@@ -2,21 +2,21 @@
 // Diagrams of the page's fluid: any state under the pointer, states that are put down, and their differences.
 import { useMemo, useRef, useState } from "preact/hooks";
 import type { Letter } from "../../core/library";
+import { fileName } from "../files";
 import { library } from "../library";
-import { fileName } from "../naming";
 import { shownUnit, useUnits } from "../numbers";
 import { useFluid } from "../opening";
 import { Switch } from "../parts/choice";
 import { Diagram } from "../parts/diagram/diagram";
-import { type State, stateAt } from "../parts/diagram/evaluated";
 import { Families } from "../parts/diagram/families";
 import { type Plot } from "../parts/diagram/plot";
-import { Differences, evaluatedPut, type PutState, PutStates } from "../parts/diagram/put_states";
+import { Differences, type PutState, PutStates, solvePut } from "../parts/diagram/put_states";
 import { SaveDrawing } from "../parts/diagram/saving";
 import { stateInWords, StatePanel } from "../parts/diagram/state_panel";
 import { kindNamed, pairOf, type Place, type View } from "../parts/diagram/view";
 import { Problem } from "../parts/message";
 import { defineSlice, useSlice, useStore, type Value } from "../store";
+import { type Solution, solve } from "./state/solution";
 
 interface DiagramsState {
   readonly kind: string;
@@ -77,16 +77,15 @@ export function DiagramsView() {
 
   const kind = kindNamed(library, name);
   const { inputs, xFirst } = pairOf(library, kind);
-  const states = useMemo(() => (fluid ? puts.map((put) => evaluatedPut(fluid, put)) : []), [fluid, puts]);
+  const states = useMemo(() => (fluid ? puts.map((put) => solvePut(fluid, put)) : []), [fluid, puts]);
   if (!fluid) return <div class="panel">{problem && <Problem problem={problem} />}</div>;
 
-  const at = ({ x, y }: Place): State =>
-    xFirst ? stateAt(fluid, inputs, x, y) : stateAt(fluid, inputs, y, x);
+  const at = ({ x, y }: Place): Solution => solve(fluid, inputs, ...(xFirst ? ([x, y] as const) : ([y, x] as const)));
   const viewOf = JSON.stringify([fluidName, options, name]);
   const [of, x0, x1, y0, y1] = kept as Exclude<DiagramsState["view"], readonly []>;
   const view: View | undefined = of === viewOf ? { x: [x0, x1], y: [y0, y1] } : undefined;
-  const marks = states.flatMap(({ values, problem: missing }, i) =>
-    missing ? [] : [{ x: values[kind.x]!, y: values[kind.y]!, name: String(i + 1) }],
+  const marks = states.flatMap((state, i) =>
+    state.phase ? [{ x: state.of(kind.x), y: state.of(kind.y), name: String(i + 1) }] : [],
   );
   const setStates = (next: readonly PutState[]) => {
     const last = next.length - 1;
@@ -123,7 +122,7 @@ export function DiagramsView() {
           choose={(value) => change({ families: value })}
         />
         <div class="actions">
-          <SaveDrawing plot={plot} file={`${fileName(fluidTitle)}-${name}`} heading={`${fluidTitle}, ${fluid.text("model")}`} />
+          <SaveDrawing plot={plot} file={(extension) => fileName(fluidTitle, name, extension)} heading={`${fluidTitle}, ${fluid.text("model")}`} />
         </div>
       </div>
       <div class="beside">
@@ -157,7 +156,7 @@ export function DiagramsView() {
           </p>
         </section>
       </div>
-      <PutStates puts={puts} states={states} change={setStates} file={fileName(fluidTitle)} />
+      <PutStates puts={puts} states={states} change={setStates} fluid={fluidTitle} />
       {states.length > 1 && (
         <Differences states={states} from={from} to={to} choose={(a, b) => change({ compared: [a, b] })} />
       )}

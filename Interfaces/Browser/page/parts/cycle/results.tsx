@@ -4,74 +4,68 @@ import type { CycleFigure, CycleResult } from "../../../core/library";
 import { type Cell, columnName, csvText } from "../../csv";
 import { library } from "../../library";
 import { useUnits } from "../../numbers";
-import { Symbol } from "../../symbols";
+import { outputRow } from "../../outputs";
 import { Num, UnitName } from "../number";
+import { ColumnHead, ScrolledTable, ValueCell } from "../table";
 
 export function Figures({ figures, before }: { figures: readonly CycleFigure[]; before?: readonly CycleFigure[] }) {
   const { unit } = useUnits();
   const rows = figures.filter((one) => Number.isFinite(one.value));
   const inText = (name: string) => before?.find((one) => one.name === name)?.value ?? NaN;
   return (
-    <table class="figures">
+    <ScrolledTable label="Figures">
       <thead>
         <tr>
           <th scope="col">Figure</th>
-          <th scope="col" class="number-name">
+          <th scope="col" class="numeric">
             Value
           </th>
           {before && (
-            <th scope="col" class="number-name">
+            <th scope="col" class="numeric">
               In the text
             </th>
           )}
           <th scope="col">Unit</th>
-          <th scope="col" class="meaning">
+          <th scope="col" class="figure-meaning">
             Meaning
           </th>
         </tr>
       </thead>
-      <tbody>
+      <tbody class="figures">
         {rows.map((one) => {
           const shown = unit(one.si, one.difference);
           return (
             <tr key={one.name} data-figure={one.name} title={one.meaning}>
               <th scope="row">{one.name.replaceAll("_", " ")}</th>
-              <td class="value">
+              <td class="numeric value">
                 <Num value={library.units.to(one.value, shown)} />
               </td>
-              {before && (
-                <td>
-                  <Num value={library.units.to(inText(one.name), shown)} />
-                </td>
-              )}
+              {before && <ValueCell value={library.units.to(inText(one.name), shown)} />}
               <td>
                 <UnitName name={shown.name} />
               </td>
-              <td class="note meaning">{one.meaning}</td>
+              <td class="note figure-meaning">{one.meaning}</td>
             </tr>
           );
         })}
       </tbody>
-    </table>
+    </ScrolledTable>
   );
 }
 
 const columns = ["t", "p", "h", "s", "d", "q"] as const;
-const row = (name: string) => library.list("outputs").find((one) => one.name === name);
-const siOf = (name: string) => row(name)?.unit ?? "1";
+const siOf = (name: string) => outputRow(name)?.unit ?? "1";
 
 export function CycleStates({ result }: { result: CycleResult }) {
-  const { unit, shown } = useUnits();
+  const { shown } = useUnits();
   return (
-    <table class="cycle-states">
+    <ScrolledTable label="States of the cycle">
       <thead>
         <tr>
           <th scope="col">No.</th>
           <th scope="col">State</th>
-          {columns.map((name) => (
-            <th scope="col" key={name} class="number-name" title={row(name)?.description}>
-              <Symbol name={name} /> <UnitName name={unit(siOf(name)).name} />
-            </th>
+          {columns.flatMap((name) => outputRow(name) ?? []).map((row) => (
+            <ColumnHead key={row.name} row={row} />
           ))}
         </tr>
       </thead>
@@ -81,14 +75,12 @@ export function CycleStates({ result }: { result: CycleResult }) {
             <td>{i + 1}</td>
             <th scope="row">{place}</th>
             {columns.map((name) => (
-              <td key={name}>
-                <Num value={shown(result.states[name][i]!, siOf(name))} />
-              </td>
+              <ValueCell key={name} value={shown(result.states[name][i]!, siOf(name))} />
             ))}
           </tr>
         ))}
       </tbody>
-    </table>
+    </ScrolledTable>
   );
 }
 

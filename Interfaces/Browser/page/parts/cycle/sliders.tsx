@@ -63,7 +63,7 @@ function Slider(props: {
       />
       <input
         type="text"
-        class="given"
+        class="typed"
         aria-label={`Value of ${words(key.name.replace(".", ", "))}`}
         aria-invalid={problem !== ""}
         autoComplete="off"

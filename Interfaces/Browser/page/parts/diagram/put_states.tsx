@@ -2,48 +2,53 @@
 // The states that somebody has put down: as a table, and the differences between two of them.
 import { useState } from "preact/hooks";
 import { LibraryError, type Fluid } from "../../../core/library";
-import { columnName, csvText } from "../../csv";
+import { type Cell, columnName, csvText } from "../../csv";
+import { csvType, fileName } from "../../files";
 import { library } from "../../library";
 import { useUnits } from "../../numbers";
+import { outputRow, outputTitle } from "../../outputs";
 import { Symbol } from "../../symbols";
+import { type Solution, solve } from "../../views/state/solution";
 import { Select } from "../choice";
 import { SaveButton } from "../copy_button";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
-import { phaseText, type State, stateAt } from "./evaluated";
+import { ColumnHead, ScrolledTable, ValueCell } from "../table";
+import { phaseText } from "./state_panel";
 
 /** A state as two inputs with units: ["ts", "380 K", "1200 J/(kg K)"]. */
 export type PutState = readonly [inputs: string, first: string, second: string];
 
-const row = (name: string) => library.list("outputs").find((one) => one.name === name);
-const siOf = (name: string) => row(name)?.unit ?? "1";
+const siOf = (name: string) => outputRow(name)?.unit ?? "1";
 
 /** The state that the texts mean. */
-export function evaluatedPut(fluid: Fluid, [inputs, first, second]: PutState): State {
+export function solvePut(fluid: Fluid, [inputs, first, second]: PutState): Solution {
+  const none = solve(fluid, inputs, NaN, NaN);
   try {
     const read = (text: string, i: number) => library.units.parse(text, siOf(inputs[i]!));
-    return stateAt(fluid, inputs, read(first, 0), read(second, 1));
+    return solve(fluid, inputs, read(first, 0), read(second, 1));
   } catch (problem) {
-    if (problem instanceof LibraryError) return { values: {}, problem: problem.message };
+    if (problem instanceof LibraryError) return { ...none, problem: problem.message };
     throw problem;
   }
 }
 
 /** All states with all properties [SI], and the inputs as they were given. */
-export function statesAsCsv(puts: readonly PutState[], states: readonly State[]): string {
-  const columns = library.list("outputs");
+export function statesAsCsv(puts: readonly PutState[], states: readonly Solution[]): string {
+  const columns = library.list("outputs").filter((one) => one.name !== "phase");
   return csvText([
-    ["state", "first input", "second input", ...columns.map((one) => columnName(one.name, one.unit)), "note"],
-    ...states.map((state, i) => {
+    ["state", "first input", "second input", "phase", ...columns.map((one) => columnName(one.name, one.unit)), "note"],
+    ...states.map((state, i): Cell[] => {
       const [inputs = "", first = "", second = ""] = puts[i] ?? [];
-      const values = columns.map((one) => state.values[one.name]);
-      return [i + 1, `${inputs[0]} = ${first}`, `${inputs[1]} = ${second}`, ...values, state.problem];
+      const values = columns.map((one) => state.of(one.name));
+      return [i + 1, `${inputs[0]} = ${first}`, `${inputs[1]} = ${second}`, state.phase, ...values, state.problem];
     }),
   ]);
 }
 
 /** A field whose text holds when the focus leaves it or Enter is pressed. */
-function Input({ label, text, take, wrong }: { label: string; text: string; take: (text: string) => void; wrong: boolean }) {
+function Input(props: { label: string; text: string; take: (text: string) => void; wrong: boolean }) {
+  const { label, text, take, wrong } = props;
   const [draft, setDraft] = useState<string>();
   const finish = () => {
     if (draft !== undefined && draft !== text) take(draft);
@@ -52,7 +57,7 @@ function Input({ label, text, take, wrong }: { label: string; text: string; take
   return (
     <input
       type="text"
-      class="given"
+      class="typed"
       aria-label={label}
       aria-invalid={wrong}
       autoComplete="off"
@@ -69,23 +74,25 @@ const columns = ["t", "p", "v", "h", "s"];
 
 export function PutStates(props: {
   puts: readonly PutState[];
-  states: readonly State[];
+  states: readonly Solution[];
   change: (puts: readonly PutState[]) => void;
-  file: string;
+  fluid: string;
 }) {
   const { puts, states, change } = props;
-  const { unit, shown } = useUnits();
+  const { shown } = useUnits();
   if (!puts.length) return null;
+  const rows = columns.flatMap((name) => outputRow(name) ?? []);
   const replace = (i: number, by: PutState) => change(puts.map((put, k) => (k === i ? by : put)));
   return (
-    <section class="panel put-states" aria-label="States">
+    <section class="panel put-states" aria-labelledby="put-title">
       <div class="heading">
-        <h2>States</h2>
+        <h2 id="put-title">States</h2>
         <div class="actions">
           <SaveButton
-            label="Save as CSV"
-            file={() => `${props.file}-states.csv`}
-            type="text/csv"
+            label="Save CSV"
+            name="Save the states as CSV"
+            file={() => fileName(props.fluid, "states", "csv")}
+            type={csvType}
             text={() => statesAsCsv(puts, states)}
           />
           <button type="button" class="quiet" onClick={() => change([])}>
@@ -93,85 +100,79 @@ export function PutStates(props: {
           </button>
         </div>
       </div>
-      <div class="scrolled">
-        <table>
-          <thead>
-            <tr>
-              <th scope="col">No.</th>
-              <th scope="col" colSpan={2}>
-                Given
-              </th>
-              {columns.map((name) => (
-                <th scope="col" key={name} class="quantity-name" title={row(name)?.description}>
-                  <Symbol name={name} /> <UnitName name={unit(siOf(name)).name} />
-                </th>
-              ))}
-              <th scope="col">Phase</th>
-              <th scope="col">
-                <span class="unseen">Remove</span>
-              </th>
-            </tr>
-          </thead>
-          <tbody>
-            {puts.map((put, i) => {
-              const state = states[i]!;
-              const [inputs, ...texts] = put;
-              const field = (k: 0 | 1) => (
-                <td class="given-cell">
-                  <span aria-hidden="true">
-                    <Symbol name={inputs[k]!} /> ={" "}
-                  </span>
-                  <Input
-                    label={`State ${i + 1}, ${row(inputs[k]!)?.description ?? ""}`}
-                    text={texts[k]!}
-                    wrong={state.problem !== ""}
-                    take={(text) => replace(i, k ? [inputs, put[1], text] : [inputs, text, put[2]])}
-                  />
-                </td>
-              );
-              return (
-                <tr key={i}>
-                  <th scope="row">{i + 1}</th>
-                  {field(0)}
-                  {field(1)}
-                  {state.problem ? (
-                    <td colSpan={columns.length + 1} class="said">
-                      {sentence(state.problem)}
-                    </td>
-                  ) : (
-                    <>
-                      {columns.map((name) => (
-                        <td key={name}>
-                          <Num value={shown(state.values[name]!, siOf(name))} />
-                        </td>
-                      ))}
-                      <td class="phase-cell">{phaseText(state.values)}</td>
-                    </>
-                  )}
-                  <td>
-                    <button
-                      type="button"
-                      class="quiet"
-                      title="Remove"
-                      aria-label={`Remove state ${i + 1}`}
-                      onClick={() => change(puts.filter((_, k) => k !== i))}
-                    >
-                      ×
-                    </button>
+      <ScrolledTable label="States">
+        <thead>
+          <tr>
+            <th scope="col">No.</th>
+            <th scope="col" colSpan={2}>
+              Given
+            </th>
+            {rows.map((row) => (
+              <ColumnHead key={row.name} row={row} />
+            ))}
+            <th scope="col">Phase</th>
+            <th scope="col">
+              <span class="unseen">Remove</span>
+            </th>
+          </tr>
+        </thead>
+        <tbody>
+          {puts.map((put, i) => {
+            const state = states[i]!;
+            const [inputs, ...texts] = put;
+            const field = (k: 0 | 1) => (
+              <td>
+                <span aria-hidden="true">
+                  <Symbol name={inputs[k]!} /> ={" "}
+                </span>
+                <Input
+                  label={`State ${i + 1}, ${outputTitle(inputs[k]!)}`}
+                  text={texts[k]!}
+                  wrong={state.problem !== ""}
+                  take={(text) => replace(i, k ? [inputs, put[1], text] : [inputs, text, put[2]])}
+                />
+              </td>
+            );
+            return (
+              <tr key={i}>
+                <th scope="row">{i + 1}</th>
+                {field(0)}
+                {field(1)}
+                {state.phase ? (
+                  <>
+                    {rows.map((row) => (
+                      <ValueCell key={row.name} value={shown(state.of(row.name), row.unit)} />
+                    ))}
+                    <td>{phaseText(state)}</td>
+                  </>
+                ) : (
+                  <td colSpan={rows.length + 1} class="said">
+                    {sentence(state.problem)}
                   </td>
-                </tr>
-              );
-            })}
-          </tbody>
-        </table>
-      </div>
+                )}
+                <td>
+                  <button
+                    type="button"
+                    class="quiet"
+                    title="Remove"
+                    aria-label={`Remove state ${i + 1}`}
+                    onClick={() => change(puts.filter((_, k) => k !== i))}
+                  >
+                    ×
+                  </button>
+                </td>
+              </tr>
+            );
+          })}
+        </tbody>
+      </ScrolledTable>
     </section>
   );
 }
 
 /** What changes from one state to another. */
 export function Differences(props: {
-  states: readonly State[];
+  states: readonly Solution[];
   from: number;
   to: number;
   choose: (from: number, to: number) => void;
@@ -183,62 +184,61 @@ export function Differences(props: {
   const choices = states.map((_, i) => ({ value: String(i), text: String(i + 1) }));
   const rows = library
     .list("outputs")
-    .filter((one) => one.name !== "phase")
-    .filter((one) => Number.isFinite(first.values[one.name]) && Number.isFinite(second.values[one.name]));
+    .filter((row) => row.name !== "phase")
+    .filter((row) => Number.isFinite(second.of(row.name) - first.of(row.name)));
   return (
-    <section class="panel differences" aria-label="Differences between two states">
+    <section class="panel differences" aria-labelledby="differences-title">
       <div class="heading">
-        <h2>Differences</h2>
+        <h2 id="differences-title">Differences</h2>
         <div class="fields">
-          <Select label="From state" value={String(from)} choices={choices} choose={(value) => choose(Number(value), to)} />
-          <Select label="to state" value={String(to)} choices={choices} choose={(value) => choose(from, Number(value))} />
+          <Select label="From state" value={String(from)} choices={choices} choose={(one) => choose(Number(one), to)} />
+          <Select label="To state" value={String(to)} choices={choices} choose={(one) => choose(from, Number(one))} />
         </div>
       </div>
       {rows.length > 0 ? (
-        <div class="scrolled">
-          <table>
-            <thead>
-              <tr>
-                <th scope="col">Property</th>
-                <th scope="col" class="number-name">State {from + 1}</th>
-                <th scope="col" class="number-name">State {to + 1}</th>
-                <th scope="col" class="number-name">Difference</th>
-                <th scope="col">Unit</th>
-              </tr>
-            </thead>
-            <tbody>
-              {rows.map((one) => {
-                const [a, b] = [first.values[one.name]!, second.values[one.name]!];
-                const ofDifference = unit(one.unit, true);
-                return (
-                  <tr key={one.name} title={one.description} data-output={one.name}>
-                    <th scope="row">
-                      <Symbol name={one.name} />
-                      <span class="unseen">, {one.description}</span>
-                    </th>
-                    <td>
-                      <Num value={shown(a, one.unit)} />
-                    </td>
-                    <td>
-                      <Num value={shown(b, one.unit)} />
-                    </td>
-                    <td class="difference">
-                      <Num value={library.units.to(b - a, ofDifference)} />
-                    </td>
-                    <td>
-                      <UnitName name={unit(one.unit).name} />
-                      {ofDifference.name !== unit(one.unit).name && (
-                        <>
-                          , <UnitName name={ofDifference.name} />
-                        </>
-                      )}
-                    </td>
-                  </tr>
-                );
-              })}
-            </tbody>
-          </table>
-        </div>
+        <ScrolledTable label="Differences">
+          <thead>
+            <tr>
+              <th scope="col">Property</th>
+              {[`State ${from + 1}`, `State ${to + 1}`, "Difference"].map((title) => (
+                <th scope="col" key={title} class="numeric">
+                  {title}
+                </th>
+              ))}
+              <th scope="col">Unit</th>
+            </tr>
+          </thead>
+          <tbody>
+            {rows.map((row) => {
+              const [a, b] = [first.of(row.name), second.of(row.name)];
+              const of = unit(row.unit);
+              const ofDifference = unit(row.unit, true);
+              return (
+                <tr key={row.name} title={row.description} data-output={row.name}>
+                  <th scope="row">
+                    <span aria-hidden="true">
+                      <Symbol name={row.name} />
+                    </span>
+                    <span class="unseen">{outputTitle(row.name)}</span>
+                  </th>
+                  <ValueCell value={shown(a, row.unit)} />
+                  <ValueCell value={shown(b, row.unit)} />
+                  <td class="numeric difference">
+                    <Num value={library.units.to(b - a, ofDifference)} />
+                  </td>
+                  <td>
+                    <UnitName name={of.name} />
+                    {ofDifference.name !== of.name && (
+                      <>
+                        , <UnitName name={ofDifference.name} />
+                      </>
+                    )}
+                  </td>
+                </tr>
+              );
+            })}
+          </tbody>
+        </ScrolledTable>
       ) : (
         <p class="note">The two states have no property in common.</p>
       )}

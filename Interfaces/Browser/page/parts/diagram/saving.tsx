@@ -20,12 +20,17 @@ async function saveAsPng(name: string, svg: string): Promise<void> {
   anchor.click();
 }
 
-export function SaveDrawing(props: { plot: RefObject<Plot | null>; file: string; heading: string }) {
+export function SaveDrawing(props: {
+  plot: RefObject<Plot | null>;
+  /** The name of a file with this extension. */
+  file: (extension: string) => string;
+  heading: string;
+}) {
   const drawing = () => props.plot.current?.save(props.heading) ?? "";
   return (
     <>
-      <SaveButton label="Save as SVG" file={() => `${props.file}.svg`} type="image/svg+xml" text={drawing} />
-      <ActionButton label="Save as PNG" done="Saved" act={() => saveAsPng(`${props.file}.png`, drawing())} />
+      <SaveButton label="Save SVG" file={() => props.file("svg")} type="image/svg+xml" text={drawing} />
+      <ActionButton label="Save PNG" done="Saved" act={() => saveAsPng(props.file("png"), drawing())} />
     </>
   );
 }

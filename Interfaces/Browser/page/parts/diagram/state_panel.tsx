@@ -1,49 +1,60 @@
 // SPDX-License-Identifier: MIT
-// All properties of one state.
+// All properties of one state in a narrow column, or a few of them in words.
 import { library } from "../../library";
 import { numberText, shownUnit, unitText, useUnits } from "../../numbers";
+import { outputRow, shortMeaning } from "../../outputs";
 import { Symbol } from "../../symbols";
+import { grouped } from "../../views/state/groups";
+import type { Solution } from "../../views/state/solution";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
-import { phaseText, type State } from "./evaluated";
 
-export function StatePanel({ state, hint }: { state: State | undefined; hint: string }) {
+/** "vapor", or "two-phase, q = 0.352" */
+export function phaseText(state: Solution): string {
+  const q = state.of("q");
+  return q > 0 && q < 1 ? `${state.phase}, q = ${numberText(q, 4)}` : state.phase;
+}
+
+export function StatePanel({ state, hint }: { state: Solution | undefined; hint: string }) {
   const { unit, shown } = useUnits();
-  if (!state || state.problem) return <p class="note">{state ? sentence(state.problem) : hint}</p>;
-  const rows = library.list("outputs").filter((row) => row.name !== "phase");
+  if (!state?.phase) return <p class="note">{state ? sentence(state.problem) : hint}</p>;
   return (
     <>
-      <p class="phase-name">{phaseText(state.values)}</p>
-      <table class="properties">
+      <p class="phase-name">{phaseText(state)}</p>
+      <table class="state-values">
         <tbody>
-          {rows.map((row) => (
-            <tr key={row.name} title={row.description} data-output={row.name}>
-              <th scope="row">
-                <Symbol name={row.name} />
-                <span class="unseen">, {row.description}</span>
-              </th>
-              <td>
-                <Num value={shown(state.values[row.name]!, row.unit)} />
-              </td>
-              <td>
-                <UnitName name={unit(row.unit).name} />
-              </td>
-            </tr>
-          ))}
+          {grouped(state.rows).flatMap(({ rows }) =>
+            rows.map((row) => (
+              <tr key={row.name} title={row.description} data-output={row.name}>
+                <th scope="row">
+                  <span aria-hidden="true">
+                    <Symbol name={row.name} />
+                  </span>
+                  <span class="unseen">{shortMeaning(row)}</span>
+                </th>
+                <td>
+                  <Num value={shown(state.of(row.name), row.unit)} />
+                </td>
+                <td>
+                  <UnitName name={unit(row.unit).name} />
+                </td>
+              </tr>
+            )),
+          )}
         </tbody>
       </table>
     </>
   );
 }
 
-/** A few properties in words, for screen readers. */
-export function stateInWords(state: State, letters: readonly string[]): string {
-  if (state.problem) return sentence(state.problem);
-  const texts = letters.map((name) => {
-    const row = library.list("outputs").find((one) => one.name === name);
-    if (!row) return "";
-    const shown = shownUnit(row.unit);
-    return `${row.description} ${numberText(library.units.to(state.values[name]!, shown), 5)} ${unitText(shown.name)}`;
+/** The phase and some properties as a sentence. */
+export function stateInWords(state: Solution, names: readonly string[]): string {
+  if (!state.phase) return sentence(state.problem);
+  const texts = names.map((name) => {
+    const row = outputRow(name);
+    if (!row) return name;
+    const unit = shownUnit(row.unit);
+    return `${shortMeaning(row)} ${numberText(library.units.to(state.of(name), unit), 5)} ${unitText(unit.name)}`;
   });
-  return `${[phaseText(state.values), ...texts].join(", ")}.`;
+  return `${[phaseText(state), ...texts].join(", ")}.`;
 }
