@@ -62,8 +62,10 @@ interface Solved {
   readonly fluidName: string;
   readonly options: Options;
   readonly result?: CycleResult;
-  /** The text's own numbers, if sliders have changed some. */
-  readonly unchanged?: CycleResult;
+  /** Whether sliders have changed some numbers. */
+  readonly isChanged?: boolean;
+  /** In place of the fluid of the text. */
+  readonly replacement?: Fluid;
   readonly problem?: LibraryError;
 }
 
@@ -101,8 +103,7 @@ function solved(text: string, changes: Changes, own: readonly string[], page: Re
   const valid = changesOf(definition, changes);
   const result = attempt(() => library.cycle(text, valid, replacement));
   if (result instanceof LibraryError) return { ...known, fluid, problem: result };
-  const unchanged = Object.keys(valid).length ? attempt(() => library.cycle(text, {}, replacement)) : undefined;
-  return { ...known, fluid, result, ...(unchanged && !(unchanged instanceof LibraryError) && { unchanged }) };
+  return { ...known, fluid, result, isChanged: Object.keys(valid).length > 0, replacement };
 }
 
 /** States as points of a diagram. */
@@ -161,6 +162,12 @@ export function CyclesView() {
   const keyOf = (one: Solved | undefined) => JSON.stringify([one?.fluidName, one?.options]);
   const isSame = !fluid || keyOf(now) === keyOf(before?.of);
   const shownResult = result ?? (isSame ? before?.result : undefined);
+  const shown = result ? now : before?.of;
+  // While a slider moves, the text stays what it is.
+  const inText = useMemo(
+    () => (shown?.isChanged ? attempt(() => library.cycle(text, {}, shown.replacement)) : undefined),
+    [text, shown?.isChanged, shown?.replacement],
+  );
   const path = useMemo(() => shownResult && pathOf(shownResult, kind, !result), [shownResult, kind, !result]);
   const fluidTitle = drawn?.text("name") ?? "";
   const of = keyOf(fluid ? now : before?.of) + name;
@@ -290,7 +297,7 @@ export function CyclesView() {
                 </div>
               </div>
               {!result && <p class="said">These are the last figures. The numbers as they are now have no solution.</p>}
-                <Figures figures={shownResult.figures} before={(result ? now : before?.of)?.unchanged?.figures} />
+              <Figures figures={shownResult.figures} before={inText instanceof LibraryError ? undefined : inText?.figures} />
             </section>
           )}
         </div>
