@@ -18,6 +18,7 @@ import { Select, Switch } from "../parts/choice";
 import { CopyButton, SaveButton } from "../parts/copy_button";
 import { type Changes, examples, withChanges, withFluid } from "../parts/cycle/definition";
 import { pythonLines, shellLines } from "../parts/cycle/elsewhere";
+import { Nozzle } from "../parts/cycle/nozzle";
 import { cycleAsCsv, CycleStates, Figures } from "../parts/cycle/results";
 import { Sliders } from "../parts/cycle/sliders";
 import { Diagram } from "../parts/diagram/diagram";
@@ -308,6 +309,7 @@ export function CyclesView() {
               <CycleStates result={shownResult} />
             </section>
           )}
+          {result && fluid && <Nozzle fluid={fluid} cycle={result} />}
           {result && (
             <Elsewhere
               text={definitionText()}

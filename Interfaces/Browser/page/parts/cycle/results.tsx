@@ -3,15 +3,23 @@
 import type { CycleFigure, CycleResult } from "../../../core/library";
 import { type Cell, columnName, csvText } from "../../csv";
 import { library } from "../../library";
-import { useUnits } from "../../numbers";
+import { placesOf, useUnits } from "../../numbers";
 import { outputRow } from "../../outputs";
 import { Num, UnitName } from "../number";
 import { ColumnHead, ScrolledTable, ValueCell } from "../table";
 
 export function Figures({ figures, before }: { figures: readonly CycleFigure[]; before?: readonly CycleFigure[] }) {
   const { unit } = useUnits();
-  const rows = figures.filter((one) => Number.isFinite(one.value));
-  const inText = (name: string) => before?.find((one) => one.name === name)?.value ?? NaN;
+  const shown = (value: number, { si, difference }: CycleFigure) => library.units.to(value, unit(si, difference));
+  const rows = figures
+    .filter((one) => Number.isFinite(one.value))
+    .map((one) => ({
+      one,
+      value: shown(one.value, one),
+      inText: shown(before?.find(({ name }) => name === one.name)?.value ?? NaN, one),
+    }));
+  const places = placesOf(rows.map(({ value }) => value));
+  const placesInText = placesOf(rows.map(({ inText }) => inText));
   return (
     <ScrolledTable label="Figures">
       <thead>
@@ -32,22 +40,19 @@ export function Figures({ figures, before }: { figures: readonly CycleFigure[]; 
         </tr>
       </thead>
       <tbody class="figures">
-        {rows.map((one) => {
-          const shown = unit(one.si, one.difference);
-          return (
-            <tr key={one.name} data-figure={one.name} title={one.meaning}>
-              <th scope="row">{one.name.replaceAll("_", " ")}</th>
-              <td class="numeric value">
-                <Num value={library.units.to(one.value, shown)} />
-              </td>
-              {before && <ValueCell value={library.units.to(inText(one.name), shown)} />}
-              <td>
-                <UnitName name={shown.name} />
-              </td>
-              <td class="note figure-meaning">{one.meaning}</td>
-            </tr>
-          );
-        })}
+        {rows.map(({ one, value, inText }) => (
+          <tr key={one.name} data-figure={one.name} title={one.meaning}>
+            <th scope="row">{one.name.replaceAll("_", " ")}</th>
+            <td class="numeric value">
+              <Num value={value} places={places} />
+            </td>
+            {before && <ValueCell value={inText} places={placesInText} />}
+            <td>
+              <UnitName name={unit(one.si, one.difference).name} />
+            </td>
+            <td class="note figure-meaning">{one.meaning}</td>
+          </tr>
+        ))}
       </tbody>
     </ScrolledTable>
   );
@@ -58,13 +63,17 @@ const siOf = (name: string) => outputRow(name)?.unit ?? "1";
 
 export function CycleStates({ result }: { result: CycleResult }) {
   const { shown } = useUnits();
+  const rows = columns
+    .flatMap((name) => outputRow(name) ?? [])
+    .map((row, i) => ({ row, values: [...result.states[columns[i]!]].map((value) => shown(value, row.unit)) }))
+    .map((column) => ({ ...column, places: placesOf(column.values) }));
   return (
     <ScrolledTable label="States of the cycle">
       <thead>
         <tr>
           <th scope="col">No.</th>
           <th scope="col">State</th>
-          {columns.flatMap((name) => outputRow(name) ?? []).map((row) => (
+          {rows.map(({ row }) => (
             <ColumnHead key={row.name} row={row} />
           ))}
         </tr>
@@ -74,8 +83,8 @@ export function CycleStates({ result }: { result: CycleResult }) {
           <tr key={i}>
             <td>{i + 1}</td>
             <th scope="row">{place}</th>
-            {columns.map((name) => (
-              <ValueCell key={name} value={shown(result.states[name][i]!, siOf(name))} />
+            {rows.map(({ row, values, places }) => (
+              <ValueCell key={row.name} value={values[i]!} places={places} />
             ))}
           </tr>
         ))}

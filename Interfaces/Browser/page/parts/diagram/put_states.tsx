@@ -5,7 +5,7 @@ import { LibraryError, type Fluid } from "../../../core/library";
 import { type Cell, columnName, csvText } from "../../csv";
 import { csvType, fileName } from "../../files";
 import { library } from "../../library";
-import { useUnits } from "../../numbers";
+import { placesOf, useUnits } from "../../numbers";
 import { outputRow, outputTitle } from "../../outputs";
 import { Symbol } from "../../symbols";
 import { type Solution, solve } from "../../views/state/solution";
@@ -81,7 +81,10 @@ export function PutStates(props: {
   const { puts, states, change } = props;
   const { shown } = useUnits();
   if (!puts.length) return null;
-  const rows = columns.flatMap((name) => outputRow(name) ?? []);
+  const rows = columns
+    .flatMap((name) => outputRow(name) ?? [])
+    .map((row) => ({ row, values: states.map((state) => shown(state.of(row.name), row.unit)) }))
+    .map((column) => ({ ...column, places: placesOf(column.values) }));
   const replace = (i: number, by: PutState) => change(puts.map((put, k) => (k === i ? by : put)));
   return (
     <section class="panel put-states" aria-labelledby="put-title">
@@ -107,7 +110,7 @@ export function PutStates(props: {
             <th scope="col" colSpan={2}>
               Given
             </th>
-            {rows.map((row) => (
+            {rows.map(({ row }) => (
               <ColumnHead key={row.name} row={row} />
             ))}
             <th scope="col">Phase</th>
@@ -140,8 +143,8 @@ export function PutStates(props: {
                 {field(1)}
                 {state.phase ? (
                   <>
-                    {rows.map((row) => (
-                      <ValueCell key={row.name} value={shown(state.of(row.name), row.unit)} />
+                    {rows.map(({ row, values, places }) => (
+                      <ValueCell key={row.name} value={values[i]!} places={places} />
                     ))}
                     <td>{phaseText(state)}</td>
                   </>
@@ -185,7 +188,14 @@ export function Differences(props: {
   const rows = library
     .list("outputs")
     .filter((row) => row.name !== "phase")
-    .filter((row) => Number.isFinite(second.of(row.name) - first.of(row.name)));
+    .filter((row) => Number.isFinite(second.of(row.name) - first.of(row.name)))
+    .map((row) => {
+      const [a, b] = [first.of(row.name), second.of(row.name)];
+      const ofDifference = unit(row.unit, true);
+      const values = [shown(a, row.unit), shown(b, row.unit), library.units.to(b - a, ofDifference)] as const;
+      return { row, ofDifference, values };
+    });
+  const places = [0, 1, 2].map((i) => placesOf(rows.map(({ values }) => values[i]!)));
   return (
     <section class="panel differences" aria-labelledby="differences-title">
       <div class="heading">
@@ -209,34 +219,29 @@ export function Differences(props: {
             </tr>
           </thead>
           <tbody>
-            {rows.map((row) => {
-              const [a, b] = [first.of(row.name), second.of(row.name)];
-              const of = unit(row.unit);
-              const ofDifference = unit(row.unit, true);
-              return (
-                <tr key={row.name} title={row.description} data-output={row.name}>
-                  <th scope="row">
-                    <span aria-hidden="true">
-                      <Symbol name={row.name} />
-                    </span>
-                    <span class="unseen">{outputTitle(row.name)}</span>
-                  </th>
-                  <ValueCell value={shown(a, row.unit)} />
-                  <ValueCell value={shown(b, row.unit)} />
-                  <td class="numeric difference">
-                    <Num value={library.units.to(b - a, ofDifference)} />
-                  </td>
-                  <td>
-                    <UnitName name={of.name} />
-                    {ofDifference.name !== of.name && (
-                      <>
-                        , <UnitName name={ofDifference.name} />
-                      </>
-                    )}
-                  </td>
-                </tr>
-              );
-            })}
+            {rows.map(({ row, ofDifference, values }) => (
+              <tr key={row.name} title={row.description} data-output={row.name}>
+                <th scope="row">
+                  <span aria-hidden="true">
+                    <Symbol name={row.name} />
+                  </span>
+                  <span class="unseen">{outputTitle(row.name)}</span>
+                </th>
+                <ValueCell value={values[0]} places={places[0]!} />
+                <ValueCell value={values[1]} places={places[1]!} />
+                <td class="numeric difference">
+                  <Num value={values[2]} places={places[2]} />
+                </td>
+                <td>
+                  <UnitName name={unit(row.unit).name} />
+                  {ofDifference.name !== unit(row.unit).name && (
+                    <>
+                      , <UnitName name={ofDifference.name} />
+                    </>
+                  )}
+                </td>
+              </tr>
+            ))}
           </tbody>
         </ScrolledTable>
       ) : (
