@@ -307,3 +307,38 @@ test(
   },
   { link: "view=cycles&cycles.example=toluene" },
 );
+
+test(
+  "the nozzle is the command's",
+  async (page) => {
+    await page.getByText("Nozzle with this fluid").click();
+    await page.getByLabel("Total temperature", { exact: true }).fill("285");
+    await page.getByLabel("Outlet pressure", { exact: true }).fill("1.5");
+    await drawn(page);
+    const { name, text } = await saved(page, "Save the nozzle as CSV");
+    assert.equal(name, "toluene-nozzle.csv");
+    const [head = [], ...rows] = csvRows(text);
+    const outlet = await page.getByLabel("Unit of Outlet pressure").inputValue();
+    assert.equal(outlet, "bar");
+    const { code, out, error } = run(
+      ...["nozzle", "--csv", "--units", "si", "--model", "pr", "--to", "1.5 bar", "toluene", "pt", "20 bar", "285 degC"],
+    );
+    assert.equal(code, 0, error);
+    const [wantedHead = [], ...wanted] = csvRows(out);
+    assert.equal(rows.length, wanted.length);
+    const column = (titles: readonly string[], title: string) => titles.findIndex((one) => one.split(" ")[0] === title);
+    for (const [i, row] of rows.entries())
+      for (const title of ["p", "t", "d", "velocity", "c", "mach", "mass_flux", "area_ratio"]) {
+        assert.ok(column(wantedHead, title) >= 0, title);
+        const cell = wanted[i]?.[column(wantedHead, title)] ?? "";
+        if (!/^-?[\d.]+(e[-+]?\d+)?$/.test(cell)) continue;
+        assertNear(Number(row[column(head, title)]), Number(cell), `${title} in row ${i}`, 1e-6);
+      }
+    assert.equal(rows.filter((row) => row[0] === "throat").length, 1);
+    await page.getByRole("button", { name: "As in the cycle" }).click();
+    await page.getByLabel("Outlet pressure", { exact: true }).fill("30");
+    await drawn(page);
+    assert.ok(((await page.locator(".nozzle .problem").textContent()) ?? "").length > 10);
+  },
+  { link: "view=cycles&cycles.example=toluene" },
+);

@@ -40,7 +40,7 @@ function columnsOf({ states, flow }: NozzleResult): readonly Column[] {
   return [
     ...ofState,
     { title: "velocity", name: "velocity", si: "m/s", values: flow.velocity },
-    { title: "speed of sound", name: "sound", si: "m/s", values: flow.sound },
+    { title: "speed of sound", name: "c", si: "m/s", values: flow.sound },
     { title: "Mach number", name: "mach", si: "1", values: flow.mach },
     { title: "mass flux", name: "mass_flux", si: "kg/(m2 s)", values: flow.mass_flux },
     { title: "area/area of the throat", name: "area_ratio", si: "1", values: flow.area_ratio },
