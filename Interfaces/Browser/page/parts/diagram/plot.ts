@@ -52,6 +52,8 @@ export interface FrameTimes {
 const budget = 9;
 /** They are computed again when so many times their cost has passed. */
 const patience = 4;
+/** Two clicks in this time are a double click [ms]. */
+const twoClicks = 700;
 
 const isNarrow = (width: number): boolean => width < 480;
 const axesSize = (width: number): number => (isNarrow(width) ? 11 : 12);
@@ -81,6 +83,8 @@ export class Plot {
   private hairByKey = false;
   private pointed: Place | undefined;
   private left = 0;
+  /** When a click put a state down. */
+  private clicked = -Infinity;
   private request = 0;
   private timer: ReturnType<typeof setTimeout> | undefined;
   private last: ZoomTransform = zoomIdentity;
@@ -317,8 +321,10 @@ export class Plot {
     const behavior = zoom<HTMLElement, unknown>()
       .scaleExtent([0, Infinity])
       .clickDistance(4)
-      .on("start", () => {
+      .on("start", (event: D3ZoomEvent<HTMLElement, unknown>) => {
         this.moving = true;
+        // Of two taps, d3 keeps the second one for itself.
+        if ((event.sourceEvent as Event | null)?.type === "touchend") this.takeClickBack();
       })
       .on("zoom", (event: D3ZoomEvent<HTMLElement, unknown>) => {
         const { transform } = event;
@@ -348,15 +354,22 @@ export class Plot {
       // The first click of two puts a state down; the second one takes it back, because two zoom.
       .on("click.put", (event: MouseEvent) => {
         if (event.detail > 1) {
-          if (event.detail === 2) this.events.takeBack();
+          this.takeClickBack();
           return;
         }
         const [x, y] = pointer(event, this.layer);
-        if (this.plane?.contains({ x, y })) this.events.put(this.plane.value({ x, y }));
+        if (!this.plane?.contains({ x, y })) return;
+        this.clicked = performance.now();
+        this.events.put(this.plane.value({ x, y }));
       })
       .on("keydown.keys", (event: KeyboardEvent) => {
         if (this.key(event)) event.preventDefault();
       });
+  }
+
+  private takeClickBack(): void {
+    if (performance.now() - this.clicked < twoClicks) this.events.takeBack();
+    this.clicked = -Infinity;
   }
 
   /** The view is kept as ranges; the transform of d3 only counts from the beginning of a gesture. */
