@@ -115,7 +115,10 @@ test(
     assert.notDeepEqual(texts(text), before, "the isolines are others");
     await expectDrawing(page, text);
     await page.waitForTimeout(300);
-    assert.match(decodeURIComponent(page.url()), /diagrams\.view=/);
+    const { page: second } = await open(page.url().split("#")[1]);
+    await drawn(second);
+    assert.deepEqual(await ticks(second, "x"), narrow, "the link keeps the view");
+    await second.close();
 
     await pointAt(page, 0.5, 0.5);
     await page.mouse.down();
@@ -309,6 +312,7 @@ for (const fluid of ["toluene", "water", "r134a", "helium"])
     async (page) => {
       for (const kind of kinds) {
         await page.locator(`.switch input[value="${kind}"]`).check({ force: true });
+        for (const family of await page.locator(".families input").all()) await family.check();
         await drawn(page);
         const { text } = await saved(page, "Save SVG");
         await expectDrawing(page, text);

@@ -43,6 +43,11 @@ export function StatePanel({ state, hint }: { state: Solution | undefined; hint:
           )}
         </tbody>
       </table>
+      {state.remarks.map((remark) => (
+        <p class="note" key={remark.text}>
+          {sentence(remark.text)}
+        </p>
+      ))}
     </>
   );
 }
