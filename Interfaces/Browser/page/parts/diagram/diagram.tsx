@@ -4,6 +4,7 @@ import { useId, useLayoutEffect, useRef, useState } from "preact/hooks";
 import type { ComponentChildren, RefObject } from "preact";
 import type { Diagram as Curves } from "../../../core/library";
 import { library } from "../../library";
+import { sentence } from "../message";
 import { Plot, type PlotEvents, type Shown } from "./plot";
 
 export interface DiagramProps extends Shown {
@@ -65,7 +66,7 @@ export function Diagram(props: DiagramProps) {
         />
         {curves.problem && (
           <p class="no-curves" role="status">
-            {curves.problem}.
+            {sentence(curves.problem)}
           </p>
         )}
         <div class="over" role="status">
