@@ -52,6 +52,8 @@ export interface FrameTimes {
 const budget = 9;
 /** They are computed again when so many times their cost has passed. */
 const patience = 4;
+/** Between two tellings of the place under the pointer during a gesture [ms]. */
+const numbersPause = 60;
 /** Two clicks in this time are a double click [ms]. */
 const twoClicks = 700;
 
@@ -82,6 +84,8 @@ export class Plot {
   private hair: Place | undefined;
   private hairByKey = false;
   private pointed: Place | undefined;
+  /** When the page was told it [ms]. */
+  private told = -Infinity;
   private left = 0;
   /** When a click put a state down. */
   private clicked = -Infinity;
@@ -387,6 +391,13 @@ export class Plot {
   private tellPointed(): void {
     const at = this.hair && this.plane?.value(this.hair);
     if (at?.x === this.pointed?.x && at?.y === this.pointed?.y) return;
+    // In a gesture, the numbers of the page would take time from the curves.
+    const wait = this.moving ? this.told + numbersPause - performance.now() : 0;
+    if (at && wait > 0) {
+      this.askLater(wait);
+      return;
+    }
+    this.told = performance.now();
     this.pointed = at;
     this.events.pointed(at, this.hairByKey);
   }
