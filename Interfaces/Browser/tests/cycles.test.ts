@@ -6,8 +6,8 @@ import { mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "n
 import { tmpdir } from "node:os";
 import { delimiter, join, resolve } from "node:path";
 import type { Page } from "playwright-core";
-import { command, csvRows, expectNoSidewaysScroll, open, saved, tabTo, test } from "./harness";
-import { run } from "./native";
+import { expectNoSidewaysScroll, open, saved, tabTo, test } from "./harness";
+import { command, csvRows, native, pathOf } from "./in_node";
 import { assertNear, drawn, exactNumbers, expectDrawing, pointAt } from "./plots";
 
 async function figures(page: Page): Promise<Record<string, number>> {
@@ -25,19 +25,22 @@ function inFolder<T>(act: (folder: string) => T): T {
   }
 }
 
+/** The environment in which the command finds the catalogue. */
+const environment = (folder = "") => ({
+  ...process.env,
+  OSTREL_FLUIDS: pathOf("Fluids"),
+  PATH: `${folder}${delimiter}${process.env.PATH}`,
+});
+
 /** The rows of states and of figures that the command prints for a definition [SI]. */
 function byCommand(definition: string, files: Readonly<Record<string, string>> = {}): string[][] {
   return inFolder((folder) => {
-    for (const [name, text] of Object.entries({ "cycle.toml": definition, ...files })) writeFileSync(join(folder, name), text);
-    const before = process.cwd();
-    process.chdir(folder);
-    try {
-      const { code, out, error } = run("cycle", "--csv", "--units", "si", "cycle.toml");
-      assert.equal(code, 0, error);
-      return csvRows(out);
-    } finally {
-      process.chdir(before);
-    }
+    for (const [name, text] of Object.entries({ "cycle.toml": definition, ...files }))
+      writeFileSync(join(folder, name), text);
+    const words = ["cycle", "--csv", "--units", "si", "cycle.toml"];
+    const done = spawnSync(command, words, { cwd: folder, encoding: "utf8", env: environment() });
+    assert.equal(done.status, 0, done.stderr);
+    return csvRows(done.stdout);
   });
 }
 
@@ -154,7 +157,9 @@ test(
     await area.fill(lines.join("\n"));
     assert.match((await page.locator(".problem").textContent()) ?? "", /efficency/);
     await page.getByRole("button", { name: `Go to line ${line + 1}` }).click();
-    const selected = await area.evaluate((one: HTMLTextAreaElement) => one.value.slice(one.selectionStart, one.selectionEnd));
+    const selected = await area.evaluate((one: HTMLTextAreaElement) =>
+      one.value.slice(one.selectionStart, one.selectionEnd),
+    );
     assert.equal(selected, "efficency = 0.7");
     // The last cycle stays, and says that it is the last one.
     assert.deepEqual(await figures(page), before);
@@ -182,12 +187,27 @@ test(
     assert.match(text, /^model = "srk"$/m);
     assert.doesNotMatch(text, /toluene/);
     await compareWithCommand(page);
+    // The same fluid with another equation of state is another fluid.
+    const before = await figures(page);
+    await page.getByLabel("Equation of state").selectOption("pr");
+    assert.notEqual((await figures(page)).efficiency, before.efficiency);
+    assert.match((await saved(page, "Save TOML")).text, /^model = "pr"$/m);
+    await compareWithCommand(page);
   },
   { link: "view=cycles&cycles.example=toluene&fluid=cyclopentane&options.model=srk" },
 );
 
-/** A parameter file of the catalogue under another name. */
-const ownText = () => readFileSync(join(process.env.OSTREL_FLUIDS ?? "Fluids", "toluene.osd"), "utf8");
+test(
+  "the page's options hold for a fluid that the text names, too",
+  async (page) => {
+    assert.match((await saved(page, "Save TOML")).text, /^model = "srk"$/m);
+    await compareWithCommand(page);
+  },
+  { link: "view=cycles&cycles.example=toluene&cycles.pageFluid=true&fluid=toluene&options.model=srk" },
+);
+
+/** A parameter file of the catalogue, for another name. */
+const ownText = () => readFileSync(pathOf("Fluids/toluene.osd"), "utf8");
 
 test(
   "own fluids can be used",
@@ -204,7 +224,9 @@ test(
     assert.ok((await compareWithCommand(page, { "mine.osd": ownText() })) > 45);
     // A text may name it, too.
     await page.getByRole("radio", { name: "of the text" }).check();
-    await page.locator("#cycle-text").fill((await page.locator("#cycle-text").inputValue()).replace('"toluene"', '"mine"'));
+    await page
+      .locator("#cycle-text")
+      .fill((await page.locator("#cycle-text").inputValue()).replace('"toluene"', '"mine"'));
     await drawn(page);
     assert.equal(await page.locator(".problem").count(), 0);
     assert.match((await saved(page, "Save TOML")).text, /^fluid = "\.\/mine\.osd"$/m);
@@ -225,10 +247,9 @@ test(
     const wanted = figureIn(byCommand(definition), "efficiency");
     const shell = (await page.getByLabel("Shell", { exact: true }).textContent()) ?? "";
     inFolder((folder) => {
-      assert.ok(command);
       symlinkSync(resolve(command), join(folder, "ostrel"));
-      const environment = { ...process.env, PATH: `${folder}${delimiter}${process.env.PATH}` };
-      const done = spawnSync("sh", ["-c", `${shell.trimEnd()} --csv`], { cwd: folder, encoding: "utf8", env: environment });
+      const setting = { cwd: folder, encoding: "utf8", env: environment(folder) } as const;
+      const done = spawnSync("sh", ["-c", `${shell.trimEnd()} --csv`], setting);
       assert.equal(done.status, 0, done.stderr);
       assertNear(figureIn(csvRows(done.stdout), "efficiency"), wanted, "efficiency by the shell");
       assert.equal(readFileSync(join(folder, "cycle.toml"), "utf8"), definition);
@@ -237,7 +258,10 @@ test(
     const python = (await page.getByLabel("Python", { exact: true }).textContent()) ?? "";
     assert.match(python, /\ncycle = ostrel\.cycle\("cycle\.toml"\)\nprint\(cycle\.efficiency\)\n$/);
     inFolder((folder) => {
-      writeFileSync(join(folder, "lines.py"), python.replace(/\nimport ostrel\n/, "\n").replace(/\ncycle = [^]*$/, "\n"));
+      writeFileSync(
+        join(folder, "lines.py"),
+        python.replace(/\nimport ostrel\n/, "\n").replace(/\ncycle = [^]*$/, "\n"),
+      );
       const done = spawnSync("/usr/bin/python3", ["lines.py"], { cwd: folder, encoding: "utf8" });
       assert.equal(done.status, 0, done.stderr);
       assert.equal(readFileSync(join(folder, "cycle.toml"), "utf8"), definition);
@@ -320,9 +344,8 @@ test(
     const [head = [], ...rows] = csvRows(text);
     const outlet = await page.getByLabel("Unit of Outlet pressure").inputValue();
     assert.equal(outlet, "bar");
-    const { code, out, error } = run(
-      ...["nozzle", "--csv", "--units", "si", "--model", "pr", "--to", "1.5 bar", "toluene", "pt", "20 bar", "285 degC"],
-    );
+    const state = ["--to", "1.5 bar", "toluene", "pt", "20 bar", "285 degC"];
+    const { code, out, error } = native(["nozzle", "--csv", "--units", "si", "--model", "pr", ...state]);
     assert.equal(code, 0, error);
     const [wantedHead = [], ...wanted] = csvRows(out);
     assert.equal(rows.length, wanted.length);

@@ -2,8 +2,8 @@
 // Diagrams: states under the pointer, states that are put down, gestures, keys, exports, and frames.
 import assert from "node:assert/strict";
 import type { Page } from "playwright-core";
-import { csvRows, expectNoSidewaysScroll, open, saved, tabTo, test } from "./harness";
-import { prop } from "./native";
+import { expectNoSidewaysScroll, open, saved, tabTo, test } from "./harness";
+import { csvRows, prop } from "./in_node";
 import { assertNear, clickAt, drawn, exactNumbers, expectDrawing, layerOf, pointAt, ticks } from "./plots";
 
 const underPointer = (page: Page) => exactNumbers(page, ".state-values tr", "data-output");
@@ -94,7 +94,8 @@ test(
 );
 
 /** The texts on the lines of the saved drawing. */
-const texts = (svg: string): string[] => [...svg.matchAll(/<text[^>]*font-size="11"[^>]*>([^<]*)</g)].map((one) => one[1] ?? "");
+const texts = (svg: string): string[] =>
+  [...svg.matchAll(/<text[^>]*font-size="11"[^>]*>([^<]*)</g)].map((one) => one[1] ?? "");
 
 test(
   "wheel, drag, double click and buttons move the view, and the curves follow",
@@ -167,7 +168,7 @@ test(
     await page.keyboard.press("ArrowLeft");
     await page.keyboard.press("Enter");
     assert.equal(await putRows(page).count(), 2);
-    assert.equal(await page.locator(".differences tbody tr").count() > 5, true);
+    assert.equal((await page.locator(".differences tbody tr").count()) > 5, true);
     await page.keyboard.press("Delete");
     assert.equal(await putRows(page).count(), 1);
     const wide = await ticks(page, "x");
@@ -196,7 +197,8 @@ test(
 test(
   "families of lines can be chosen",
   async (page) => {
-    const keys = async () => [...(await saved(page, "Save SVG")).text.matchAll(/>(T|v|s|q)(?: in [^<]*)?</g)].map((one) => one[1]);
+    const keys = async () =>
+      [...(await saved(page, "Save SVG")).text.matchAll(/>(T|v|s|q)(?: in [^<]*)?</g)].map((one) => one[1]);
     assert.deepEqual((await keys()).sort(), ["T", "q", "s"]);
     await page.getByLabel("isochores").check();
     await page.getByLabel("isotherms").uncheck();

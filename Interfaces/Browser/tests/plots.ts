@@ -38,7 +38,10 @@ export async function clickAt(page: Page, x: number, y: number): Promise<void> {
 
 /** The numbers on an axis. */
 export const ticks = (page: Page, axis: "x" | "y"): Promise<string[]> =>
-  page.locator(`.plot > svg .${axis} .tick text`).allTextContents().then((all) => all.filter((text) => text !== ""));
+  page
+    .locator(`.plot > svg .${axis} .tick text`)
+    .allTextContents()
+    .then((all) => all.filter((text) => text !== ""));
 
 /** Numbers of a table with a row for each name, with all digits. */
 export const exactNumbers = (page: Page, rows: string, attribute: string): Promise<Record<string, number>> =>

@@ -1,28 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Cycles from definitions as texts, with sliders on their numbers.
 import { useMemo, useRef, useState } from "preact/hooks";
-import {
-  type CycleDefinition,
-  type CycleResult,
-  type DiagramKind,
-  type Fluid,
-  LibraryError,
-  type Options,
-  type Polyline,
-  type StateColumns,
-} from "../../core/library";
+import { type CycleResult, LibraryError } from "../../core/library";
 import { csvType, fileName } from "../files";
 import { library } from "../library";
 import { openFluid, useFluid } from "../opening";
 import { Select, Switch } from "../parts/choice";
-import { CopyButton, SaveButton } from "../parts/copy_button";
-import { type Changes, examples, withChanges, withFluid } from "../parts/cycle/definition";
-import { pythonLines, shellLines } from "../parts/cycle/elsewhere";
+import { SaveButton } from "../parts/copy_button";
+import { type Changes, examples, withChanges } from "../parts/cycle/definition";
+import { Elsewhere } from "../parts/cycle/elsewhere";
 import { Nozzle } from "../parts/cycle/nozzle";
 import { cycleAsCsv, CycleStates, Figures } from "../parts/cycle/results";
 import { Sliders } from "../parts/cycle/sliders";
+import { attempt, changesOf, pathOf, portable, type Solved, solved } from "../parts/cycle/solved";
 import { Diagram } from "../parts/diagram/diagram";
-import type { DrawnPath } from "../parts/diagram/drawing";
 import type { Plot } from "../parts/diagram/plot";
 import { SaveDrawing } from "../parts/diagram/saving";
 import { stateInWords } from "../parts/diagram/state_panel";
@@ -54,82 +45,6 @@ const slice = defineSlice<CyclesState>(
   { example: examples[0]!.name, text: "", changes: {}, kind: "ts", pageFluid: false },
   (key, value) => isAccepted[key as keyof CyclesState]?.(value) ?? true,
 );
-
-/** What can be made of a text. */
-interface Solved {
-  readonly definition?: CycleDefinition;
-  readonly fluid?: Fluid;
-  /** The fluid as links and files name it. */
-  readonly fluidName: string;
-  readonly options: Options;
-  readonly result?: CycleResult;
-  /** Whether sliders have changed some numbers. */
-  readonly isChanged?: boolean;
-  /** In place of the fluid of the text. */
-  readonly replacement?: Fluid;
-  readonly problem?: LibraryError;
-}
-
-function attempt<T>(make: () => T): T | LibraryError {
-  try {
-    return make();
-  } catch (problem) {
-    if (problem instanceof LibraryError) return problem;
-    throw problem;
-  }
-}
-
-/** Those changes whose keys the text has. */
-const changesOf = (definition: CycleDefinition, changes: Changes): Changes =>
-  Object.fromEntries(Object.entries(changes).filter(([name]) => definition.given.some((one) => one.key.name === name)));
-
-/** In place of the fluid of the text. */
-interface Replacement {
-  readonly name: string;
-  readonly options: Options;
-  readonly fluid?: Fluid;
-  readonly problem?: LibraryError;
-}
-
-function solved(text: string, changes: Changes, own: readonly string[], page: Replacement | undefined): Solved {
-  const definition = attempt(() => library.readCycle(text));
-  if (definition instanceof LibraryError) return { problem: definition, fluidName: "", options: {} };
-  // An own fluid is as good as one of the catalogue.
-  const name = page?.name ?? (own.includes(definition.fluid) ? ownPrefix + definition.fluid : definition.fluid);
-  const options = page?.options ?? definition.options;
-  const { fluid, problem } = page ?? openFluid(name, options);
-  const known = { definition, fluidName: name, options };
-  if (!fluid) return { ...known, problem };
-  const replacement = name === definition.fluid ? undefined : fluid;
-  const valid = changesOf(definition, changes);
-  const result = attempt(() => library.cycle(text, valid, replacement));
-  if (result instanceof LibraryError) return { ...known, fluid, problem: result };
-  return { ...known, fluid, result, isChanged: Object.keys(valid).length > 0, replacement };
-}
-
-/** States as points of a diagram. */
-function pointsOf(columns: StateColumns, kind: DiagramKind): Polyline {
-  const [xs, ys] = [columns[kind.x], columns[kind.y]];
-  const points = new Float64Array(2 * xs.length);
-  xs.forEach((x, i) => points.set([x, ys[i]!], 2 * i));
-  return points;
-}
-
-function pathOf(result: CycleResult, kind: DiagramKind, faded: boolean): DrawnPath {
-  const at = pointsOf(result.states, kind);
-  return {
-    points: result.processes.map((process) => pointsOf(process.points, kind)),
-    marks: result.places.map((_, i) => ({ x: at[2 * i]!, y: at[2 * i + 1]!, name: String(i + 1) })),
-    faded,
-  };
-}
-
-/** A definition that the command understands: own fluids are files beside it. */
-function portable(text: string, { definition, fluidName: name, options }: Solved, changes: Changes): string {
-  const changed = definition ? withChanges(text, definition.given, changes) : text;
-  if (!definition || name === definition.fluid) return changed;
-  return withFluid(changed, name.startsWith(ownPrefix) ? `./${fileName(name.slice(ownPrefix.length), "", "osd")}` : name, options);
-}
 
 export function CyclesView() {
   const [{ example, text: own, changes, kind: name, pageFluid }, change] = useSlice(slice);
@@ -176,7 +91,7 @@ export function CyclesView() {
   const changedCount = definition ? Object.keys(changesOf(definition, changes)).length : 0;
   const file = (what: string, extension: string) => fileName(fluidTitle, what, extension);
   const cycleKind = definition?.kind ?? "cycle";
-  const definitionText = () => portable(text, now, definition ? changesOf(definition, changes) : {});
+  const definitionText = () => portable(text, definition ? changesOf(definition, changes) : {}, now);
   const goToLine = (line: number) => {
     const lines = text.split("\n");
     const begin = lines.slice(0, line - 1).reduce((sum, one) => sum + one.length + 1, 0);
@@ -185,10 +100,12 @@ export function CyclesView() {
   };
   const readout =
     pointed && drawn
-      ? stateInWords(
-          xFirst ? solve(drawn, inputs, pointed.x, pointed.y) : solve(drawn, inputs, pointed.y, pointed.x),
-          ["t", "p", "h", "s"],
-        )
+      ? stateInWords(xFirst ? solve(drawn, inputs, pointed.x, pointed.y) : solve(drawn, inputs, pointed.y, pointed.x), [
+          "t",
+          "p",
+          "h",
+          "s",
+        ])
       : "";
   return (
     <div class="cycles">
@@ -258,7 +175,12 @@ export function CyclesView() {
                   </button>
                 </div>
               </div>
-              <Sliders text={text} given={definition.given} changes={changes} change={(next) => change({ changes: next })} />
+              <Sliders
+                text={text}
+                given={definition.given}
+                changes={changes}
+                change={(next) => change({ changes: next })}
+              />
             </section>
           )}
           <section class="panel definition" aria-label="Definition">
@@ -266,7 +188,12 @@ export function CyclesView() {
               <h2>
                 <label for="cycle-text">Definition (TOML)</label>
               </h2>
-              <SaveButton label="Save TOML" file={() => file(cycleKind, "toml")} type="application/toml" text={definitionText} />
+              <SaveButton
+                label="Save TOML"
+                file={() => file(cycleKind, "toml")}
+                type="application/toml"
+                text={definitionText}
+              />
             </div>
             {problem && !(definition && fluid) && <Refusal problem={problem} goToLine={goToLine} />}
             <textarea
@@ -287,7 +214,11 @@ export function CyclesView() {
               <div class="heading">
                 <h2>Figures</h2>
                 <div class="actions">
-                  <SaveDrawing plot={plot} file={(extension) => file(`${cycleKind}-${name}`, extension)} heading={`${fluidTitle}, ${cycleKind}`} />
+                  <SaveDrawing
+                    plot={plot}
+                    file={(extension) => file(`${cycleKind}-${name}`, extension)}
+                    heading={`${fluidTitle}, ${cycleKind}`}
+                  />
                   <SaveButton
                     label="Save CSV"
                     name="Save the figures and states as CSV"
@@ -298,7 +229,10 @@ export function CyclesView() {
                 </div>
               </div>
               {!result && <p class="said">These are the last figures. The numbers as they are now have no solution.</p>}
-              <Figures figures={shownResult.figures} before={inText instanceof LibraryError ? undefined : inText?.figures} />
+              <Figures
+                figures={shownResult.figures}
+                before={inText instanceof LibraryError ? undefined : inText?.figures}
+              />
             </section>
           )}
         </div>
@@ -338,27 +272,3 @@ function Refusal({ problem, goToLine }: { problem: LibraryError; goToLine: (line
 }
 
 const noMarks = [] as const;
-
-/** The lines with which other programs solve the cycle. */
-function Elsewhere({ text, figure, ownFluid }: { text: string; figure: string; ownFluid: boolean }) {
-  return (
-    <details class="panel cycle-elsewhere">
-      <summary>The same cycle elsewhere</summary>
-      {ownFluid && <p class="note">The text of the own fluid must be in the file that the definition names.</p>}
-      {[
-        { title: "Shell", lines: shellLines(text) },
-        { title: "Python", lines: pythonLines(text, figure) },
-      ].map(({ title, lines }) => (
-        <div key={title}>
-          <div class="heading">
-            <h3>{title}</h3>
-            <CopyButton text={() => lines} name={`Copy the lines for ${title}`} />
-          </div>
-          <pre tabIndex={0} aria-label={title}>
-            {lines}
-          </pre>
-        </div>
-      ))}
-    </details>
-  );
-}

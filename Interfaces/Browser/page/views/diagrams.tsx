@@ -99,10 +99,7 @@ export function DiagramsView() {
   };
   const say = (place: Place | undefined) => {
     clearTimeout(sayLater.current);
-    sayLater.current = setTimeout(
-      () => setSaid(place ? stateInWords(at(place), [kind.y, kind.x]) : ""),
-      250,
-    );
+    sayLater.current = setTimeout(() => setSaid(place ? stateInWords(at(place), [kind.y, kind.x]) : ""), 250);
   };
   const fluidTitle = fluid.text("name");
   const title = `${kindTitle(name)} diagram of ${fluidTitle}`;
@@ -122,7 +119,11 @@ export function DiagramsView() {
           choose={(value) => change({ families: value })}
         />
         <div class="actions">
-          <SaveDrawing plot={plot} file={(extension) => fileName(fluidTitle, name, extension)} heading={`${fluidTitle}, ${fluid.text("model")}`} />
+          <SaveDrawing
+            plot={plot}
+            file={(extension) => fileName(fluidTitle, name, extension)}
+            heading={`${fluidTitle}, ${fluid.text("model")}`}
+          />
         </div>
       </div>
       <div class="beside">

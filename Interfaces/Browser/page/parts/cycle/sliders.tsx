@@ -18,12 +18,7 @@ import {
 /** "drop_hot" as words. */
 const words = (name: string) => name.replaceAll("_", " ");
 
-function Slider(props: {
-  text: string;
-  given: GivenValue;
-  value: number;
-  take: (value: number | undefined) => void;
-}) {
+function Slider(props: { text: string; given: GivenValue; value: number; take: (value: number | undefined) => void }) {
   const { text, given, value, take } = props;
   const { key } = given;
   const id = useId();

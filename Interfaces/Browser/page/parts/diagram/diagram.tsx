@@ -87,7 +87,9 @@ export function Diagram(props: DiagramProps) {
       <p class="note keys" id={help}>
         {keys}
       </p>
-      {curves.diagram?.remarks.map((remark) => <p class="note">{remark}</p>)}
+      {curves.diagram?.remarks.map((remark) => (
+        <p class="note">{remark}</p>
+      ))}
     </div>
   );
 }

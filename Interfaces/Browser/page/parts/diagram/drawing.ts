@@ -65,9 +65,10 @@ export class Drawing {
 
   draw(scene: Scene): void {
     const { surface, plane, palette } = this;
-    const lines = (scene.diagram?.lines ?? []).map(
-      (of): DrawnLine => ({ of, parts: of.pieces.flatMap((piece) => visible(piece, plane)) }),
-    );
+    const lines = (scene.diagram?.lines ?? []).map((of): DrawnLine => ({
+      of,
+      parts: of.pieces.flatMap((piece) => visible(piece, plane)),
+    }));
     const dome = scene.diagram ? visible(scene.diagram.dome, plane) : [];
     surface.clipped(plane.frame, () => {
       if (scene.diagram) this.drawMixture(scene.diagram);

@@ -45,8 +45,7 @@ export function visible(curve: Polyline, plane: Plane): Path[] {
 export function distancesAlong(path: Path): Float64Array {
   const distances = new Float64Array(path.length / 2);
   for (let i = 1; i < distances.length; ++i)
-    distances[i] =
-      distances[i - 1]! + Math.hypot(path[2 * i]! - path[2 * i - 2]!, path[2 * i + 1]! - path[2 * i - 1]!);
+    distances[i] = distances[i - 1]! + Math.hypot(path[2 * i]! - path[2 * i - 2]!, path[2 * i + 1]! - path[2 * i - 1]!);
   return distances;
 }
 
@@ -88,9 +87,7 @@ export class Box {
   }
 
   isIn(frame: Frame): boolean {
-    return this.corners.every(
-      ({ x, y }) => x >= frame.left && x <= frame.right && y >= frame.top && y <= frame.bottom,
-    );
+    return this.corners.every(({ x, y }) => x >= frame.left && x <= frame.right && y >= frame.top && y <= frame.bottom);
   }
 
   isApartFrom(other: Box): boolean {

@@ -181,7 +181,10 @@ export class SvgSurface implements Surface {
   }
 
   box(corners: readonly Place[], color: string): void {
-    this.add("path", { d: `${SvgSurface.data(Float64Array.from(corners.flatMap(({ x, y }) => [x, y])))}Z`, fill: color });
+    this.add("path", {
+      d: `${SvgSurface.data(Float64Array.from(corners.flatMap(({ x, y }) => [x, y])))}Z`,
+      fill: color,
+    });
   }
 
   disc(center: Place, radius: number, fill: string, stroke?: Stroke): void {

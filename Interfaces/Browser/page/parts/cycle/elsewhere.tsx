@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Lines for other programs that solve the same cycle.
+// Lines with which other programs solve the same cycle.
+import { CopyButton } from "../copy_button";
 
 /** A word that is no line of the text. */
 function delimiter(text: string): string {
@@ -10,7 +11,7 @@ function delimiter(text: string): string {
 
 const ended = (text: string) => (text.endsWith("\n") ? text : `${text}\n`);
 
-export function shellLines(text: string): string {
+function shellLines(text: string): string {
   const end = delimiter(text);
   return `cat > cycle.toml <<'${end}'\n${ended(text)}${end}\nostrel cycle cycle.toml\n`;
 }
@@ -29,7 +30,7 @@ function pythonText(text: string): string {
 }
 
 /** `figure` is the name of the figure that is printed. */
-export function pythonLines(text: string, figure: string): string {
+function pythonLines(text: string, figure: string): string {
   return [
     "from pathlib import Path",
     "",
@@ -40,4 +41,27 @@ export function pythonLines(text: string, figure: string): string {
     `print(cycle.${figure})`,
     "",
   ].join("\n");
+}
+
+export function Elsewhere({ text, figure, ownFluid }: { text: string; figure: string; ownFluid: boolean }) {
+  return (
+    <details class="panel cycle-elsewhere">
+      <summary>The same cycle elsewhere</summary>
+      {ownFluid && <p class="note">The text of the own fluid must be in the file that the definition names.</p>}
+      {[
+        { title: "Shell", lines: shellLines(text) },
+        { title: "Python", lines: pythonLines(text, figure) },
+      ].map(({ title, lines }) => (
+        <div key={title}>
+          <div class="heading">
+            <h3>{title}</h3>
+            <CopyButton text={() => lines} name={`Copy the lines for ${title}`} />
+          </div>
+          <pre tabIndex={0} aria-label={title}>
+            {lines}
+          </pre>
+        </div>
+      ))}
+    </details>
+  );
 }
