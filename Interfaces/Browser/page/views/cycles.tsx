@@ -14,6 +14,7 @@ import { cycleAsCsv, CycleStates, Figures } from "../parts/cycle/results";
 import { Sliders } from "../parts/cycle/sliders";
 import { attempt, changesOf, pathOf, portable, type Solved, solved } from "../parts/cycle/solved";
 import { Diagram } from "../parts/diagram/diagram";
+import { Families } from "../parts/diagram/families";
 import type { Plot } from "../parts/diagram/plot";
 import { SaveDrawing } from "../parts/diagram/saving";
 import { stateInWords } from "../parts/diagram/state_panel";
@@ -30,6 +31,8 @@ interface CyclesState {
   readonly text: string;
   readonly changes: Changes;
   readonly kind: string;
+  /** Letters of the isolines; "standard" for those of the kind. */
+  readonly families: string;
   /** Whether the page's fluid takes the place of the one in the text. */
   readonly pageFluid: boolean;
 }
@@ -42,12 +45,12 @@ const isAccepted: Partial<Record<keyof CyclesState, (value: Value) => boolean>> 
 
 const slice = defineSlice<CyclesState>(
   "cycles",
-  { example: examples[0]!.name, text: "", changes: {}, kind: "ts", pageFluid: false },
+  { example: examples[0]!.name, text: "", changes: {}, kind: "ts", families: "standard", pageFluid: false },
   (key, value) => isAccepted[key as keyof CyclesState]?.(value) ?? true,
 );
 
 export function CyclesView() {
-  const [{ example, text: own, changes, kind: name, pageFluid }, change] = useSlice(slice);
+  const [{ example, text: own, changes, kind: name, families: kept, pageFluid }, change] = useSlice(slice);
   const units = useStore((state) => state.units);
   const ownFluids = useStore((state) => state.own);
   const pageName = useStore((state) => state.fluid);
@@ -71,6 +74,7 @@ export function CyclesView() {
   const fluid = now.fluid && openFluid(now.fluidName, now.options).fluid;
 
   const kind = kindNamed(library, name);
+  const families = kept === "standard" ? kind.families : kept;
   if (result) last.current = { of: now, result };
   // What has no solution, or cannot be read, leaves the last cycle on the page. Its fluid may have been closed.
   const before = last.current;
@@ -132,7 +136,7 @@ export function CyclesView() {
           label="Diagram"
           value={name}
           choices={library.diagramKinds.map((one) => ({ value: one.name, text: kindTitle(one.name) }))}
-          choose={(value) => change({ kind: value })}
+          choose={(value) => change({ kind: value, families: "standard" })}
         />
       </div>
       <div class="cycle-areas">
@@ -144,7 +148,7 @@ export function CyclesView() {
                 fluid={drawn}
                 kind={name}
                 units={units}
-                families={kind.families}
+                families={families}
                 view={view?.of === of ? view.view : undefined}
                 states={noMarks}
                 path={path}
@@ -153,6 +157,7 @@ export function CyclesView() {
                 events={{ viewed: (to) => setView({ of, view: to }), pointed: setPointed }}
               />
               <p class="note readout">{readout}</p>
+              <Families kind={kind} chosen={families} choose={(value) => change({ families: value })} />
             </>
           )}
         </div>

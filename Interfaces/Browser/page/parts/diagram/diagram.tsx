@@ -17,9 +17,15 @@ export interface DiagramProps extends Shown {
   readonly plot?: RefObject<Plot | null>;
 }
 
-const keys =
-  "The arrow keys move a cross hair, with Ctrl in small steps. Enter puts a state down, Delete takes the last one " +
-  "away. + and − zoom, Shift and the arrow keys move the view, 0 shows everything.";
+/** What the keys do; states can be put down in some diagrams only. */
+const keysText = (puts: boolean): string =>
+  [
+    "The arrow keys move a cross hair, with Ctrl in small steps.",
+    puts && "Enter puts a state down, Delete takes the last one away.",
+    "+ and − zoom, Shift and the arrow keys move the view, 0 shows everything.",
+  ]
+    .filter(Boolean)
+    .join(" ");
 
 export function Diagram(props: DiagramProps) {
   const { label, events, over, plot: given, ...shown } = props;
@@ -85,7 +91,7 @@ export function Diagram(props: DiagramProps) {
         </div>
       </div>
       <p class="note keys" id={help}>
-        {keys}
+        {keysText(events.put !== undefined)}
       </p>
       {curves.diagram?.remarks.map((remark) => (
         <p class="note">{remark}</p>

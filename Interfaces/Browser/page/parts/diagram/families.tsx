@@ -22,7 +22,7 @@ export function Families(props: { kind: DiagramKind; chosen: string; choose: (fa
               <input type="checkbox" checked={chosen.includes(letter)} onChange={() => toggle(letter)} />
               <span
                 class={letter === "q" ? "swatch dashed" : "swatch"}
-                style={`--line: light-dark(${light.lines[letter]}, ${dark.lines[letter]})`}
+                style={{ "--light": light.lines[letter], "--dark": dark.lines[letter] }}
               />
               <span>
                 {property.lines}
