@@ -8,8 +8,9 @@ import { load } from "../core/library";
 import type { Library } from "../core/library";
 
 const root = process.env.OSTREL_ROOT ?? process.cwd();
-const page = process.env.OSTREL_PAGE ?? join(root, "build/browser/page");
-const command = process.env.OSTREL_COMMAND ?? join(root, "build/demo/CommandLine/ostrel");
+/** The folder of the built page. */
+export const page = process.env.OSTREL_PAGE ?? join(root, "build/browser/page");
+export const command = process.env.OSTREL_COMMAND ?? join(root, "build/demo/CommandLine/ostrel");
 
 export const pathOf = (name: string): string => join(root, name);
 
@@ -41,4 +42,44 @@ export function native(words: readonly string[], input = ""): Said {
 /** The arguments of the command for options of an opening. */
 export function optionWords(options: Readonly<Record<string, string>>): string[] {
   return Object.entries(options).flatMap(([key, value]) => [`--${key}`, value]);
+}
+
+/** The rows of a file of comma-separated values. */
+export function csvRows(text: string): string[][] {
+  const rows: string[][] = [[]];
+  for (const [, cell = "", end = ""] of text.matchAll(/("(?:[^"]|"")*"|[^,\r\n]*)(,|\r?\n|$)/g)) {
+    rows.at(-1)?.push(cell.startsWith('"') ? cell.slice(1, -1).replaceAll('""', '"') : cell);
+    if (end.endsWith("\n")) rows.push([]);
+  }
+  return rows.filter((row) => row.length > 1);
+}
+
+/** A state that is asked. */
+export interface Asked {
+  readonly fluid: string;
+  readonly options: Readonly<Record<string, string>>;
+  readonly pair: string;
+  readonly first: string;
+  readonly second: string;
+}
+
+export interface Answer {
+  /** Values by the names of outputs; the phase is a text. */
+  readonly values: ReadonlyMap<string, string>;
+  /** The sentence of a refusal. */
+  readonly refusal: string;
+}
+
+/** All properties of a state by the command. */
+export function prop({ fluid, options, pair, first, second }: Asked): Answer {
+  const { code, out, error } = native(["prop", "--csv", ...optionWords(options), "--", fluid, pair, first, second]);
+  if (code !== 0) return { values: new Map(), refusal: error.replace(/^ostrel: |\nRun with --help.*/gs, "").trim() };
+  return {
+    values: new Map(
+      csvRows(out)
+        .slice(1)
+        .map((row) => [row[0] ?? "", row[1] ?? ""]),
+    ),
+    refusal: "",
+  };
 }
