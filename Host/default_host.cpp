@@ -77,7 +77,7 @@ std::string host::default_fluid_directory() {
     if (directory.empty())
         directory = installed_directory();
     if (directory.empty())
-        directory = OSTREL_SOURCE_FLUIDS;
+        directory = OSTREL_FALLBACK_FLUIDS;
     if (!directory.ends_with('/'))
         directory += '/';
     return directory;

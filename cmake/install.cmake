@@ -16,9 +16,13 @@ target_link_libraries(ostrel_modules INTERFACE ostrel)
 
 set(OSTREL_FORTRAN_SOURCES ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel.f90
     ${PROJECT_SOURCE_DIR}/Interfaces/Fortran/ostrel_handles.f90)
+if(OSTREL_BUILD_FORTRAN)
+  enable_language(Fortran)
+endif()
 include(${PROJECT_SOURCE_DIR}/cmake/fortran_module.cmake)
 
-# A wheel of the Python package has the components library, fluids and python alone.
+# Each component is a package of its own. A wheel of the Python package has library, fluids and python.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 install(TARGETS ostrel ostrel_modules EXPORT ostrelTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT library NAMELINK_COMPONENT development)
 install(FILES Include/ostrel.h Include/ostrel_fluid.h Include/ostrel.hpp Include/ostrel_names.hpp
@@ -27,7 +31,7 @@ install(FILES Documentation/Entry-points.md Documentation/Handles.md DESTINATION
 # Two headers and the folder of the handles are left out, since the library does not export what they declare.
 install(DIRECTORY Source/ DESTINATION ${OSTREL_INSTALL_MODULEDIR}
         FILES_MATCHING PATTERN "*.h" PATTERN host.h EXCLUDE PATTERN console.h EXCLUDE PATTERN Fluid EXCLUDE)
-install(FILES ${OSTREL_FORTRAN_SOURCES} DESTINATION ${OSTREL_INSTALL_FORTRANDIR})
+install(FILES ${OSTREL_FORTRAN_SOURCES} DESTINATION ${OSTREL_INSTALL_FORTRANDIR} COMPONENT fortran)
 install(DIRECTORY Fluids/ DESTINATION ${OSTREL_INSTALL_FLUIDDIR} COMPONENT fluids
         FILES_MATCHING PATTERN "*.osd" PATTERN index.csv)
 
@@ -44,3 +48,16 @@ file(RELATIVE_PATH OSTREL_PC_TO_INCLUDE ${pc_folder} ${CMAKE_INSTALL_FULL_INCLUD
 file(RELATIVE_PATH OSTREL_PC_TO_DATA ${pc_folder} ${CMAKE_INSTALL_FULL_DATADIR})
 configure_file(cmake/ostrel.pc.in ostrel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ostrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Fortran's modules as this compiler writes them, and their procedures.
+if(OSTREL_BUILD_FORTRAN)
+  set(OSTREL_INSTALL_FORTRAN_MODULEDIR ${CMAKE_INSTALL_LIBDIR}/fortran/ostrel
+      CACHE STRING "Folder of Fortran's compiled modules, relative to the prefix")
+  set_target_properties(ostrel_fortran PROPERTIES EXCLUDE_FROM_ALL OFF POSITION_INDEPENDENT_CODE ON)
+  install(TARGETS ostrel_fortran ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT fortran)
+  install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/ostrel_fortran/ DESTINATION ${OSTREL_INSTALL_FORTRAN_MODULEDIR}
+          COMPONENT fortran FILES_MATCHING PATTERN "*.mod")
+  file(RELATIVE_PATH OSTREL_PC_TO_FORTRAN_MODULES ${pc_folder} ${CMAKE_INSTALL_PREFIX}/${OSTREL_INSTALL_FORTRAN_MODULEDIR})
+  configure_file(cmake/ostrel-fortran.pc.in ostrel-fortran.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/ostrel-fortran.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT fortran)
+endif()
