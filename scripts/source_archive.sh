@@ -9,7 +9,7 @@ make_source_archive() {
     archive=$1/ostrel_$version.orig.tar.gz
     mkdir -p "$1"
     if git rev-parse --show-cdup 2>/dev/null | grep -qx ''; then
-        commit=$(git stash create)
+        commit=$(git -c user.name=- -c user.email=- stash create)
         git archive --format=tar --prefix="ostrel-$version/" "${commit:-HEAD}"
     else
         tar --create --sort=name --owner=0 --group=0 --numeric-owner --exclude=./build --exclude=__pycache__ \
