@@ -54,6 +54,9 @@ if(OSTREL_BUILD_FORTRAN)
   set(OSTREL_INSTALL_FORTRAN_MODULEDIR ${CMAKE_INSTALL_LIBDIR}/fortran/ostrel
       CACHE STRING "Folder of Fortran's compiled modules, relative to the prefix")
   set_target_properties(ostrel_fortran PROPERTIES EXCLUDE_FROM_ALL OFF POSITION_INDEPENDENT_CODE ON)
+  # gfortran puts the path of a source into messages of the program, whatever -ffile-prefix-map says. Without line markers
+  # it knows only the preprocessed file, whose path is relative, so that the build may stand anywhere.
+  target_compile_options(ostrel_fortran PRIVATE $<$<Fortran_COMPILER_ID:GNU>:-P>)
   install(TARGETS ostrel_fortran ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT fortran)
   install(DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/ostrel_fortran/ DESTINATION ${OSTREL_INSTALL_FORTRAN_MODULEDIR}
           COMPONENT fortran FILES_MATCHING PATTERN "*.mod")
