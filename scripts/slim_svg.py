@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""Makes a picture that Matplotlib wrote small. Coordinates are rounded to a tenth of a point, each style is written
-once as a class, and groups, names and metadata to which nothing refers are left out."""
+"""Makes pictures small: slim() those that Matplotlib wrote, slim_cairo() those of the command. In the first, coordinates
+are rounded to a tenth of a point, each style is written once as a class, and groups, names and metadata to which nothing
+refers are left out."""
 import itertools
 import re
 from xml.etree import ElementTree
@@ -95,3 +96,45 @@ def slim(text):
             element.text = "\n"
     ElementTree.register_namespace("", SVG)
     return ElementTree.tostring(new, encoding="unicode").replace(" />", "/>")
+
+
+def relative(data, decimals):
+    """Path data of M, L, C and Z with the steps between its points, which are rounded to some decimals."""
+    unit = 10**decimals
+    x = y = start_x = start_y = 0
+    written = ""
+    for letter, text in re.findall("([MLCZ])([^MLCZ]*)", data):
+        if letter == "Z":
+            x, y = start_x, start_y
+            written += "z"
+            continue
+        numbers = [round(unit * float(number)) for number in text.split()]
+        steps = [number - (x, y)[i % 2] for i, number in enumerate(numbers)]
+        x, y = numbers[-2:]
+        if letter == "M":
+            start_x, start_y = x, y
+        places = " ".join(re.sub(r"^(-?)0\.", r"\1.", f"{step / unit:.{decimals}f}".rstrip("0").rstrip(".")) or "0"
+                          for step in steps)
+        written += letter.lower() + places.replace(" -", "-")
+    return re.sub("m[^a-z]*$", "", written)  # a move at the end draws nothing
+
+
+def slim_cairo(picture):
+    """A small picture of a picture that Cairo wrote: the paths of lines have one decimal, those of letters two, a style
+    is a class, and letters that are not drawn are left out."""
+    def shorter(text, decimals):
+        text = re.sub(r'\bd="([^"]*)"', lambda path: f'd="{relative(path[1], decimals)}"', text)
+        text = re.sub(r' ([xy])="(-?[\d.]+)"', lambda place: f' {place[1]}="{round(float(place[2]), 1):g}"', text)
+        return re.sub(r"(\d+\.\d+)%", lambda share: f"{float(share[1]):.1f}%".replace(".0%", "%"), text)
+
+    letters, end, rest = picture.partition("</defs>")
+    drawn = set(re.findall(r'xlink:href="#(glyph[\d-]+)"', rest))
+    letters = re.sub(r'<symbol[^>]*id="([^"]*)">.*?</symbol>\n',
+                     lambda letter: letter[0] if letter[1] in drawn else "", letters, flags=re.S)
+    picture = shorter(letters, 2) + end + shorter(rest, 1)
+    classes = {}
+    picture = re.sub(r'style="([^"]*)"', lambda style: f'class="{classes.setdefault(style[1], f"c{len(classes)}")}"',
+                     picture)
+    rules = "".join(f".{name}{{{style.strip()}}}" for style, name in classes.items())
+    picture = re.sub(r"(<svg[^>]*>)", lambda start: f"{start[1]}<style>{rules}</style>", picture, count=1)
+    return re.sub(r"^ +", "", picture, flags=re.M).replace("glyph", "g")
