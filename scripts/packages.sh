@@ -26,6 +26,7 @@ packages_of_command="libcli11-dev nlohmann-json3-dev libtomlplusplus-dev libcair
 packages_to_bind_python="pybind11-dev python3-dev python3-numpy"
 packages_of_python="$packages_to_bind_python python3-pytest python3-hypothesis mypy python3-pandas python3-pint python3-dask python3-distributed python3-matplotlib python3-setuptools python3-wheel python3-pip python3-venv"
 packages_to_test="$packages_to_build $packages_of_command gfortran libgtest-dev libgmock-dev libbenchmark-dev openmpi-bin libopenmpi-dev python3 valgrind groff-base abigail-tools $packages_of_python"
+packages_of_site="python3 python3-sphinx python3-myst-parser furo node-normalize.css python3-sphinx-copybutton libjs-katex nodejs"
 # clang only recommends the runtime of sanitizers and libFuzzer, so it is named here.
 packages_to_sanitize="clang libclang-rt-dev"
 packages_of_browser="emscripten cmake ninja-build libtomlplusplus-dev nlohmann-json3-dev"
