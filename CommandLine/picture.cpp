@@ -16,6 +16,7 @@
 #include <cmath>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 namespace command {
 
@@ -57,9 +58,7 @@ std::string limits_of(const ostrel::fluid &fluid, const std::vector<drawing::lay
     for (const drawing::layer &layer : layers)
         if (const std::string begin = studies::beginning_of(layer.curves, units); !begin.empty())
             text += (text.empty() ? "" : " ") + (layers.size() > 1 ? layer.name + ": " : "") + begin + ".";
-    // A sentence begins with a capital letter.
-    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
-        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    text = studies::capitalised(std::move(text));
     if (const std::string caloric = studies::extrapolation_of(fluid, layers.front().curves, units); !caloric.empty())
         text += (text.empty() ? "" : " ") + caloric;
     return text;

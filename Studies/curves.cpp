@@ -899,6 +899,12 @@ std::string temperature(double t, unit_system units) {
 
 } // namespace
 
+std::string capitalised(std::string text) {
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    return text;
+}
+
 std::string beginning_of(const diagram &curves, unit_system units) {
     const std::string from = "drawn from " + temperature(curves.t_low, units) + ", ";
     std::string text;

@@ -115,6 +115,9 @@ std::array<axis_range, 2> diagram_ranges(const ostrel::fluid &fluid, const diagr
 /// The curves of a diagram. Throws no_diagram if the fluid has no state in the ranges.
 diagram make_diagram(const ostrel::fluid &fluid, const diagram_request &asked);
 
+/// The text with a capital letter at its beginning, if that is a letter.
+std::string capitalised(std::string text);
+
 /// Why a diagram begins at its lowest temperature and whether it has no saturation line, in a few words without a point
 /// at the end; empty if there is nothing to say.
 std::string beginning_of(const diagram &curves, unit_system units);

@@ -343,11 +343,8 @@ EMSCRIPTEN_KEEPALIVE const char *browser_curves(const open_fluid *of, const char
                       {"lines", json::array()}};
         if (made.critical)
             drawn["critical"] = {made.critical->x, made.critical->y};
-        if (std::string begin = studies::beginning_of(made, asked.units); !begin.empty()) {
-            if (begin.front() >= 'a' && begin.front() <= 'z')
-                begin.front() = static_cast<char>(begin.front() - 'a' + 'A');
-            drawn["remarks"].push_back(begin + '.');
-        }
+        if (std::string begin = studies::beginning_of(made, asked.units); !begin.empty())
+            drawn["remarks"].push_back(studies::capitalised(std::move(begin)) + '.');
         if (std::string caloric = studies::extrapolation_of(of->fluid, made, asked.units); !caloric.empty())
             drawn["remarks"].push_back(std::move(caloric));
         for (const studies::isoline &one : made.lines) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 import { useEffect, useRef, useState } from "preact/hooks";
+import { csvType } from "../files";
 
 /** Copies a text. Where a page has no clipboard, as some browsers decide for files, the old way is taken. */
 export async function copy(text: string): Promise<void> {
@@ -75,4 +76,9 @@ export function SaveButton(props: {
       act={() => save(props.file(), props.type, props.text())}
     />
   );
+}
+
+/** Saves a table; `what` is "the properties". */
+export function SaveCsv({ what, file, text }: { what: string; file: () => string; text: () => string }) {
+  return <SaveButton label="Save CSV" name={`Save ${what} as CSV`} type={csvType} file={file} text={text} />;
 }

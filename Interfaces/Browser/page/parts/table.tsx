@@ -16,20 +16,45 @@ export function ScrolledTable({ label, children }: { label: string; children: Co
   );
 }
 
+/** The symbol for the eyes, and words beside it for screen readers, or for everyone as "meaning". */
+export function Named({ name, words, shown = false }: { name: string; words: string; shown?: boolean }) {
+  return (
+    <>
+      <span aria-hidden="true">
+        <Symbol name={name} />
+      </span>
+      <span class={shown ? "meaning" : "unseen"}>{words}</span>
+    </>
+  );
+}
+
 /** Symbol and unit above a column; screen readers and titles have the meaning. */
 export function ColumnHead({ row, note, difference }: { row: Row; note?: string; difference?: boolean }) {
   const { unit } = useUnits();
   return (
     <th scope="col" class="numeric" title={row.description}>
-      <span aria-hidden="true">
-        <Symbol name={row.name} />
-      </span>
-      <span class="unseen">{shortMeaning(row)}</span>
+      <Named name={row.name} words={shortMeaning(row)} />
       {note && <span class="below">{note}</span>}
       <span class="below">
         <UnitName name={unit(row.unit, difference).name} />
       </span>
     </th>
+  );
+}
+
+/** A value [SI] in shown units, and its unit: two cells. */
+export function QuantityCells({ value, si, note }: { value: number; si: string; note?: string }) {
+  const { unit, shown } = useUnits();
+  return (
+    <>
+      <td>
+        <Num value={shown(value, si)} />
+        {note && <span class="unseen">{note}</span>}
+      </td>
+      <td>
+        <UnitName name={unit(si).name} />
+      </td>
+    </>
   );
 }
 

@@ -2,11 +2,11 @@
 // Cycles from definitions as texts, with sliders on their numbers.
 import { useMemo, useRef, useState } from "preact/hooks";
 import { type CycleResult, LibraryError } from "../../core/library";
-import { csvType, fileName } from "../files";
+import { fileName } from "../files";
 import { library } from "../library";
 import { openFluid, useFluid } from "../opening";
 import { Select, Switch } from "../parts/choice";
-import { SaveButton } from "../parts/copy_button";
+import { SaveButton, SaveCsv } from "../parts/copy_button";
 import { type Changes, examples, withChanges } from "../parts/cycle/definition";
 import { Elsewhere } from "../parts/cycle/elsewhere";
 import { Nozzle } from "../parts/cycle/nozzle";
@@ -224,11 +224,9 @@ export function CyclesView() {
                     file={(extension) => file(`${cycleKind}-${name}`, extension)}
                     heading={`${fluidTitle}, ${cycleKind}`}
                   />
-                  <SaveButton
-                    label="Save CSV"
-                    name="Save the figures and states as CSV"
+                  <SaveCsv
+                    what="the figures and states"
                     file={() => file(cycleKind, "csv")}
-                    type={csvType}
                     text={() => cycleAsCsv(shownResult)}
                   />
                 </div>

@@ -3,12 +3,12 @@
 import { useMemo } from "preact/hooks";
 import { type CycleResult, type Fluid, LibraryError, type NozzleResult } from "../../../core/library";
 import { type Cell, columnName, csvText } from "../../csv";
-import { csvType, fileName } from "../../files";
+import { fileName } from "../../files";
 import { library } from "../../library";
 import { placesOf, shownUnit, useUnits } from "../../numbers";
 import { outputRow, outputTitle } from "../../outputs";
 import { defineSlice, useSlice } from "../../store";
-import { SaveButton } from "../copy_button";
+import { SaveCsv } from "../copy_button";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
 import { QuantityField, quantityText, readQuantity } from "../quantity_field";
@@ -100,10 +100,8 @@ export function Nozzle({ fluid, cycle }: { fluid: Fluid; cycle: CycleResult }) {
           As in the cycle
         </button>
         {result && (
-          <SaveButton
-            label="Save CSV"
-            name="Save the nozzle as CSV"
-            type={csvType}
+          <SaveCsv
+            what="the nozzle"
             file={() => fileName(fluid.text("name"), "nozzle", "csv")}
             text={() => nozzleAsCsv(result, columns)}
           />

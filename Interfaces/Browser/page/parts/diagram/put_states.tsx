@@ -3,17 +3,17 @@
 import { useState } from "preact/hooks";
 import { LibraryError, type Fluid } from "../../../core/library";
 import { type Cell, columnName, csvText } from "../../csv";
-import { csvType, fileName } from "../../files";
+import { fileName } from "../../files";
 import { library } from "../../library";
 import { placesOf, useUnits } from "../../numbers";
 import { outputRow, outputTitle } from "../../outputs";
 import { Symbol } from "../../symbols";
 import { type Solution, solve } from "../../views/state/solution";
 import { Select } from "../choice";
-import { SaveButton } from "../copy_button";
+import { SaveCsv } from "../copy_button";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
-import { ColumnHead, ScrolledTable, ValueCell } from "../table";
+import { ColumnHead, Named, ScrolledTable, ValueCell } from "../table";
 import { phaseText } from "./state_panel";
 
 /** A state as two inputs with units: ["ts", "380 K", "1200 J/(kg K)"]. */
@@ -91,11 +91,9 @@ export function PutStates(props: {
       <div class="heading">
         <h2 id="put-title">States</h2>
         <div class="actions">
-          <SaveButton
-            label="Save CSV"
-            name="Save the states as CSV"
+          <SaveCsv
+            what="the states"
             file={() => fileName(props.fluid, "states", "csv")}
-            type={csvType}
             text={() => statesAsCsv(puts, states)}
           />
           <button type="button" class="quiet" onClick={() => change([])}>
@@ -222,10 +220,7 @@ export function Differences(props: {
             {rows.map(({ row, ofDifference, values }) => (
               <tr key={row.name} title={row.description} data-output={row.name}>
                 <th scope="row">
-                  <span aria-hidden="true">
-                    <Symbol name={row.name} />
-                  </span>
-                  <span class="unseen">{outputTitle(row.name)}</span>
+                  <Named name={row.name} words={outputTitle(row.name)} />
                 </th>
                 <ValueCell value={values[0]} places={places[0]!} />
                 <ValueCell value={values[1]} places={places[1]!} />

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 // All properties of one state in a narrow column, or a few of them in words.
 import { library } from "../../library";
-import { numberText, shownUnit, unitText, useUnits } from "../../numbers";
+import { numberText, shownUnit, unitText } from "../../numbers";
 import { outputRow, shortMeaning } from "../../outputs";
-import { Symbol } from "../../symbols";
 import { grouped } from "../../views/state/groups";
 import type { Solution } from "../../views/state/solution";
 import { sentence } from "../message";
-import { Num, UnitName } from "../number";
+import { Named, QuantityCells } from "../table";
 
 /** "vapor", or "two-phase, q = 0.352" */
 export function phaseText(state: Solution): string {
@@ -16,7 +15,6 @@ export function phaseText(state: Solution): string {
 }
 
 export function StatePanel({ state, hint }: { state: Solution | undefined; hint: string }) {
-  const { unit, shown } = useUnits();
   if (!state?.phase) return <p class="note">{state ? sentence(state.problem) : hint}</p>;
   return (
     <>
@@ -27,17 +25,9 @@ export function StatePanel({ state, hint }: { state: Solution | undefined; hint:
             rows.map((row) => (
               <tr key={row.name} title={row.description} data-output={row.name}>
                 <th scope="row">
-                  <span aria-hidden="true">
-                    <Symbol name={row.name} />
-                  </span>
-                  <span class="unseen">{shortMeaning(row)}</span>
+                  <Named name={row.name} words={shortMeaning(row)} />
                 </th>
-                <td>
-                  <Num value={shown(state.of(row.name), row.unit)} />
-                </td>
-                <td>
-                  <UnitName name={unit(row.unit).name} />
-                </td>
+                <QuantityCells value={state.of(row.name)} si={row.unit} />
               </tr>
             )),
           )}

@@ -7,10 +7,8 @@ import { fileName } from "../../files";
 import { CopyButton, SaveButton } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
 import { Problem } from "../../parts/message";
-import { Num, UnitName } from "../../parts/number";
-import { ScrolledTable } from "../../parts/table";
+import { Named, QuantityCells, ScrolledTable } from "../../parts/table";
 import { change, getState, useStore } from "../../store";
-import { Symbol } from "../../symbols";
 import { edit } from "./files";
 
 // These stand elsewhere: the name is the title, the model is marked in the table of models, and the others are long.
@@ -20,7 +18,6 @@ const capital = (text: string) => text.charAt(0).toUpperCase() + text.slice(1);
 
 function Constants() {
   const { fluid } = useFluid();
-  const { unit, shown } = useUnits();
   if (!fluid) return null;
   return (
     <table class="values constants">
@@ -34,18 +31,10 @@ function Constants() {
             <tr title={row.name}>
               <th scope="row">
                 <div>
-                  <span aria-hidden="true">
-                    <Symbol name={row.name} />
-                  </span>
-                  <span class="meaning">{row.description}</span>
+                  <Named name={row.name} words={row.description} shown />
                 </div>
               </th>
-              <td>
-                <Num value={shown(value, row.unit)} />
-              </td>
-              <td>
-                <UnitName name={unit(row.unit).name} />
-              </td>
+              <QuantityCells value={value} si={row.unit} />
             </tr>
           ))}
       </tbody>

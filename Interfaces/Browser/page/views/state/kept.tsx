@@ -2,11 +2,10 @@
 // States that somebody has put down, and their differences from the first one.
 import type { Row } from "../../../core/library";
 import { columnName, csvText, type Cell } from "../../csv";
-import { csvType } from "../../files";
 import { numberText, placesOf, useUnits } from "../../numbers";
 import { openFluid } from "../../opening";
 import { outputRow } from "../../outputs";
-import { SaveButton } from "../../parts/copy_button";
+import { SaveCsv } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
 import { sentence } from "../../parts/message";
 import { readOutputs } from "../../parts/outputs_field";
@@ -64,13 +63,7 @@ export function Kept() {
       <div class="heading">
         <h2 id="kept-title">Kept states</h2>
         <div class="actions">
-          <SaveButton
-            label="Save CSV"
-            name="Save the kept states as CSV"
-            type={csvType}
-            file={() => "states.csv"}
-            text={csv}
-          />
+          <SaveCsv what="the kept states" file={() => "states.csv"} text={csv} />
           <button type="button" class="quiet" onClick={() => set({ kept: [] })}>
             Remove all
           </button>

@@ -2,11 +2,11 @@
 // The same state by every equation of state, with the differences from the chosen one.
 import type { Row } from "../../../core/library";
 import { columnName, csvText, type Cell } from "../../csv";
-import { csvType, fileName } from "../../files";
+import { fileName } from "../../files";
 import { library } from "../../library";
 import { placesOf, useUnits } from "../../numbers";
 import { openFluid, useFluid } from "../../opening";
-import { SaveButton } from "../../parts/copy_button";
+import { SaveCsv } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
 import { sentence } from "../../parts/message";
 import { OutputsField, readOutputs } from "../../parts/outputs_field";
@@ -68,10 +68,8 @@ export function Models({ first, second }: { first: number; second: number }) {
       <div class="heading">
         <h2 id="models-title">The state by every equation of state</h2>
         <div class="actions">
-          <SaveButton
-            label="Save CSV"
-            name="Save the comparison of equations as CSV"
-            type={csvType}
+          <SaveCsv
+            what="the comparison of equations"
             file={() => fileName(fluidName(getState().fluid), "models", "csv")}
             text={csv}
           />

@@ -2,22 +2,20 @@
 // All properties of a state. A click on a row chooses the number that "the same number elsewhere" is about.
 import type { Row } from "../../../core/library";
 import { csvText } from "../../csv";
-import { csvType, fileName } from "../../files";
+import { fileName } from "../../files";
 import { numberText, useUnits } from "../../numbers";
 import { shortMeaning } from "../../outputs";
-import { SaveButton } from "../../parts/copy_button";
+import { SaveCsv } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
 import { sentence } from "../../parts/message";
-import { Num, UnitName } from "../../parts/number";
+import { Named, QuantityCells } from "../../parts/table";
 import { getState, useSlice } from "../../store";
-import { Symbol } from "../../symbols";
 import { grouped } from "./groups";
 import { stateSlice } from "./slice";
 import { withoutMeaning, type Solution } from "./solution";
 
 function PropertyRow({ row, value, note }: { row: Row; value: number; note: string }) {
   const [slice, set] = useSlice(stateSlice);
-  const { unit, shown } = useUnits();
   const asked = slice.derivatives.includes(row.name);
   return (
     <tr
@@ -28,10 +26,7 @@ function PropertyRow({ row, value, note }: { row: Row; value: number; note: stri
     >
       <th scope="row">
         <div>
-          <span aria-hidden="true">
-            <Symbol name={row.name} />
-          </span>
-          <span class="meaning">{shortMeaning(row)}</span>
+          <Named name={row.name} words={shortMeaning(row)} shown />
           {asked && (
             <button
               type="button"
@@ -44,13 +39,7 @@ function PropertyRow({ row, value, note }: { row: Row; value: number; note: stri
           )}
         </div>
       </th>
-      <td>
-        <Num value={shown(value, row.unit)} />
-        {note && <span class="unseen">{note}</span>}
-      </td>
-      <td>
-        <UnitName name={unit(row.unit).name} />
-      </td>
+      <QuantityCells value={value} si={row.unit} note={note} />
     </tr>
   );
 }
@@ -84,7 +73,6 @@ function stateCsv(solution: Solution, unit: ReturnType<typeof useUnits>): string
 export function Properties({ solution }: { solution: Solution }) {
   const units = useUnits();
   const quality = solution.of("q");
-  const value = (name: string) => solution.values[solution.rows.findIndex((row) => row.name === name)] ?? NaN;
   const notes = (name: string) =>
     solution.remarks
       .filter((remark) => remark.outputs.includes(name))
@@ -105,10 +93,8 @@ export function Properties({ solution }: { solution: Solution }) {
         </p>
         <div class="actions">
           {solution.phase && (
-            <SaveButton
-              label="Save CSV"
-              name="Save the properties as CSV"
-              type={csvType}
+            <SaveCsv
+              what="the properties"
               file={() => fileName(fluidName(getState().fluid), "state", "csv")}
               text={() => stateCsv(solution, units)}
             />
@@ -125,7 +111,7 @@ export function Properties({ solution }: { solution: Solution }) {
               <caption>{group.title}</caption>
               <tbody>
                 {group.rows.map((row) => (
-                  <PropertyRow key={row.name} row={row} value={value(row.name)} note={notes(row.name)} />
+                  <PropertyRow key={row.name} row={row} value={solution.of(row.name)} note={notes(row.name)} />
                 ))}
               </tbody>
             </table>

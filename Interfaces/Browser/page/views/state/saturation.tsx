@@ -2,13 +2,13 @@
 // The table of saturated states by temperature or pressure.
 import { LibraryError, type Fluid, type Row, type Saturation as Answer } from "../../../core/library";
 import { columnName, csvText } from "../../csv";
-import { csvType, fileName } from "../../files";
+import { fileName } from "../../files";
 import { library } from "../../library";
 import { placesOf, shownUnit, useUnits } from "../../numbers";
 import { useFluid } from "../../opening";
 import { outputRow } from "../../outputs";
 import { Switch } from "../../parts/choice";
-import { SaveButton } from "../../parts/copy_button";
+import { SaveCsv } from "../../parts/copy_button";
 import { fluidName } from "../../parts/fluid_chooser";
 import { sentence } from "../../parts/message";
 import { OutputsField, readOutputs } from "../../parts/outputs_field";
@@ -141,10 +141,8 @@ export function Saturation() {
       <div class="heading">
         <h2 id="saturation-title">Saturation table</h2>
         <div class="actions">
-          <SaveButton
-            label="Save CSV"
-            name="Save the saturation table as CSV"
-            type={csvType}
+          <SaveCsv
+            what="the saturation table"
             file={() => fileName(fluidName(getState().fluid), "saturation", "csv")}
             text={csv}
           />
