@@ -1,9 +1,14 @@
 # SPDX-License-Identifier: MIT
 """Makes pictures small: slim() those that Matplotlib wrote, slim_cairo() those of the command. In the first, coordinates
 are rounded to a tenth of a point, each style is written once as a class, and groups, names and metadata to which nothing
-refers are left out."""
+refers are left out.
+
+    slim_svg.py FILE      prints the small picture of one that Matplotlib wrote
+"""
 import itertools
+import pathlib
 import re
+import sys
 from xml.etree import ElementTree
 
 SVG = "http://www.w3.org/2000/svg"
@@ -138,3 +143,7 @@ def slim_cairo(picture):
     rules = "".join(f".{name}{{{style.strip()}}}" for style, name in classes.items())
     picture = re.sub(r"(<svg[^>]*>)", lambda start: f"{start[1]}<style>{rules}</style>", picture, count=1)
     return re.sub(r"^ +", "", picture, flags=re.M).replace("glyph", "g")
+
+
+if __name__ == "__main__":
+    print(slim(pathlib.Path(sys.argv[1]).read_text(encoding="utf-8")))

@@ -14,6 +14,8 @@ import unittest
 
 ROOT = pathlib.Path(sys.argv[1]).resolve()
 FENCE = re.compile(r"^```.*?^```$", re.M | re.S)
+BLOCK = re.compile(r"^```(\w*)\n(.*?)^```$", re.M | re.S)
+FILE = re.compile(r"(?:/\*|//|!|#) ([\w-]+\.\w+)\b")
 CODE = re.compile(r"`[^`\n]*`")
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 HEADING = re.compile(r"^#+ +(.+?) *$", re.M)
@@ -55,12 +57,36 @@ def broken(root):
     return nowhere, elsewhere
 
 
+def not_run(page):
+    """The first lines of the blocks of code that no test runs: each must be a file of a later command, or commands."""
+    blocks = BLOCK.findall(page)
+    unused = []
+    for place, (language, text) in enumerate(blocks):
+        later = "\n".join(text for kind, text in blocks[place + 1:] if kind in ("sh", "console", "cmake"))
+        file = FILE.match(text)
+        if language in ("sh", "console"):
+            used = "$ " in text
+        elif file:
+            used = ("$ cmake" if file[1] == "CMakeLists.txt" else file[1]) in later
+        else:
+            used = language in ("text", "ts")  # what a program prints; the tests of the browser page run lines for it
+        if not used:
+            unused.append(text.split("\n", 1)[0])
+    return unused
+
+
 class Pages(unittest.TestCase):
     def test_links(self):
         nowhere, elsewhere = broken(ROOT)
         self.assertEqual(nowhere, [])
         self.assertGreater(len(pages(ROOT)), 15)
         print(*sorted(set(elsewhere)) or ["no links to other sites"], sep="\n")
+
+    def test_every_block_of_code_is_run(self):
+        unused = {page.name: not_run(page.read_text(encoding="utf-8")) for page in pages(ROOT)}
+        self.assertEqual({name: lines for name, lines in unused.items() if lines}, {})
+        self.assertEqual(not_run("```c\n/* a.c */\n```\n```console\n$ cc a.c\n```\n```c\n/* b.c */\n```\n```c\nint x;\n```\n"),
+                         ["/* b.c */", "int x;"])
 
     def test_files_and_folders_in_code(self):
         """A path of the repository, such as `Tests/Vectors`, names something; the last part may be a beginning."""

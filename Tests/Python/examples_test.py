@@ -58,6 +58,13 @@ def test_processes_get_the_same(tmp_path):
     same_output(run("fleet_study", tmp_path, "--processes", "2"), "fleet_study")
 
 
+def test_picture_of_the_phases(tmp_path):
+    """The picture of the documentation is the program's."""
+    subprocess.run([sys.executable, PROGRAMS / "phases.py", tmp_path, "svg"], check=True, stdout=subprocess.DEVNULL)
+    slim = load(SOURCE / "scripts/slim_svg.py").slim((tmp_path / "phases.svg").read_text(encoding="utf-8"))
+    assert f"{slim}\n" == (SOURCE / "Documentation/Pictures/phases.svg").read_text(encoding="utf-8")
+
+
 def test_throat_of_the_nozzle():
     """The flow of the example is that of the command: the throat, and the outlet."""
     import json

@@ -6,6 +6,7 @@ import { mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from "n
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { test } from "node:test";
+import { format } from "node:util";
 import { LibraryError } from "../core/library";
 import { loadLibrary, native, pathOf } from "./in_node";
 
@@ -29,6 +30,15 @@ test("lists are those of the documentation", () => {
   }
   assert.equal(library.list("derivatives").length, 280);
   assert.equal(library.version, readFileSync(pathOf("VERSION"), "utf8").split("\n")[0]);
+});
+
+test("the lines of the documentation print what stands there", async () => {
+  const page = readFileSync(pathOf("Documentation/Browser.md"), "utf8");
+  const [, lines = "", printed] = /^```ts\n(.*?)^```\n```text\n(.*?)^```$/ms.exec(page) ?? [];
+  const said: string[] = [];
+  const console = { log: (...values: unknown[]) => said.push(`${format(...values)}\n`) };
+  await new Function("load", "console", `return (async () => {${lines}})();`)(loadLibrary, console);
+  assert.equal(said.join(""), printed);
 });
 
 test("fluids are found as by the command", () => {
