@@ -5,6 +5,8 @@ import type { Row } from "../../core/library";
 import { useUnits, type Places } from "../numbers";
 import { shortMeaning } from "../outputs";
 import { Symbol } from "../symbols";
+import type { Solution } from "../views/state/solution";
+import { sentence } from "./message";
 import { Num, UnitName } from "./number";
 
 /** A table that scrolls sideways in its own frame, also with the keys. */
@@ -65,5 +67,30 @@ export function ValueCell({ value, places, below }: { value: number; places: Pla
       <Num value={value} places={places} />
       {below !== undefined && <span class="below note">{below || "\u00a0"}</span>}
     </td>
+  );
+}
+
+/** The phase of a state and its values in columns, or why there is none. `below` is a small text under a value. */
+export function StateCells(props: {
+  solution: Solution | undefined;
+  problem: string;
+  columns: readonly { row: Row; places: Places }[];
+  below: (solution: Solution, row: Row) => string;
+}) {
+  const { solution, columns } = props;
+  const { shown } = useUnits();
+  if (!solution?.phase)
+    return (
+      <td colSpan={columns.length + 1} class="note refusal">
+        {sentence(props.problem)}
+      </td>
+    );
+  return (
+    <>
+      <td>{solution.phase}</td>
+      {columns.map(({ row, places }) => (
+        <ValueCell value={shown(solution.of(row.name), row.unit)} places={places} below={props.below(solution, row)} />
+      ))}
+    </>
   );
 }

@@ -10,7 +10,7 @@ import { outputRow, outputTitle } from "../../outputs";
 import { Symbol } from "../../symbols";
 import { type Solution, solve } from "../../views/state/solution";
 import { Select } from "../choice";
-import { SaveCsv } from "../copy_button";
+import { CsvPanel } from "../csv_panel";
 import { sentence } from "../message";
 import { Num, UnitName } from "../number";
 import { ColumnHead, Named, ScrolledTable, ValueCell } from "../table";
@@ -87,20 +87,21 @@ export function PutStates(props: {
     .map((column) => ({ ...column, places: placesOf(column.values) }));
   const replace = (i: number, by: PutState) => change(puts.map((put, k) => (k === i ? by : put)));
   return (
-    <section class="panel put-states" aria-labelledby="put-title">
-      <div class="heading">
-        <h2 id="put-title">States</h2>
-        <div class="actions">
-          <SaveCsv
-            what="the states"
-            file={() => fileName(props.fluid, "states", "csv")}
-            text={() => statesAsCsv(puts, states)}
-          />
-          <button type="button" class="quiet" onClick={() => change([])}>
-            Remove all
-          </button>
-        </div>
-      </div>
+    <CsvPanel
+      name="put"
+      class="put-states"
+      title="States"
+      saves={{
+        what: "the states",
+        file: () => fileName(props.fluid, "states", "csv"),
+        text: () => statesAsCsv(puts, states),
+      }}
+      actions={
+        <button type="button" class="quiet" onClick={() => change([])}>
+          Remove all
+        </button>
+      }
+    >
       <ScrolledTable label="States">
         <thead>
           <tr>
@@ -167,7 +168,7 @@ export function PutStates(props: {
           })}
         </tbody>
       </ScrolledTable>
-    </section>
+    </CsvPanel>
   );
 }
 

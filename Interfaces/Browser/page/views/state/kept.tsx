@@ -5,11 +5,10 @@ import { columnName, csvText, type Cell } from "../../csv";
 import { numberText, placesOf, useUnits } from "../../numbers";
 import { openFluid } from "../../opening";
 import { outputRow } from "../../outputs";
-import { SaveCsv } from "../../parts/copy_button";
+import { CsvPanel } from "../../parts/csv_panel";
 import { fluidName } from "../../parts/fluid_chooser";
-import { sentence } from "../../parts/message";
 import { readOutputs } from "../../parts/outputs_field";
-import { ColumnHead, ScrolledTable, ValueCell } from "../../parts/table";
+import { ColumnHead, ScrolledTable, StateCells } from "../../parts/table";
 import { useSlice, useStore } from "../../store";
 import { stateSlice, type KeptState } from "./slice";
 import { solve } from "./solution";
@@ -59,16 +58,16 @@ export function Kept() {
       ]),
     ]);
   return (
-    <section class="panel" aria-labelledby="kept-title">
-      <div class="heading">
-        <h2 id="kept-title">Kept states</h2>
-        <div class="actions">
-          <SaveCsv what="the kept states" file={() => "states.csv"} text={csv} />
-          <button type="button" class="quiet" onClick={() => set({ kept: [] })}>
-            Remove all
-          </button>
-        </div>
-      </div>
+    <CsvPanel
+      name="kept"
+      title="Kept states"
+      saves={{ what: "the kept states", file: () => "states.csv", text: csv }}
+      actions={
+        <button type="button" class="quiet" onClick={() => set({ kept: [] })}>
+          Remove all
+        </button>
+      }
+    >
       <ScrolledTable label="Kept states">
         <thead>
           <tr>
@@ -86,22 +85,14 @@ export function Kept() {
           {states.map(({ kept, solution, problem }, place) => (
             <tr>
               <th scope="row">{titleOf(kept)}</th>
-              {solution?.phase ? (
-                <>
-                  <td>{solution.phase}</td>
-                  {columns.map(({ row, places }) => (
-                    <ValueCell
-                      places={places}
-                      value={shown(solution.of(row.name), row.unit)}
-                      below={place > 0 && base?.phase ? difference(solution.of(row.name) - base.of(row.name), row) : ""}
-                    />
-                  ))}
-                </>
-              ) : (
-                <td colSpan={outputs.length + 1} class="note refusal">
-                  {sentence(problem)}
-                </td>
-              )}
+              <StateCells
+                solution={solution}
+                problem={problem}
+                columns={columns}
+                below={(own, row) =>
+                  place > 0 && base?.phase ? difference(own.of(row.name) - base.of(row.name), row) : ""
+                }
+              />
               <td>
                 <button
                   type="button"
@@ -117,6 +108,6 @@ export function Kept() {
         </tbody>
       </ScrolledTable>
       {states.length > 1 && <p class="note">The small numbers are differences from the first state.</p>}
-    </section>
+    </CsvPanel>
   );
 }

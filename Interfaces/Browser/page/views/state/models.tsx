@@ -6,11 +6,10 @@ import { fileName } from "../../files";
 import { library } from "../../library";
 import { placesOf, useUnits } from "../../numbers";
 import { openFluid, useFluid } from "../../opening";
-import { SaveCsv } from "../../parts/copy_button";
+import { CsvPanel } from "../../parts/csv_panel";
 import { fluidName } from "../../parts/fluid_chooser";
-import { sentence } from "../../parts/message";
 import { OutputsField, readOutputs } from "../../parts/outputs_field";
-import { ColumnHead, ScrolledTable, ValueCell } from "../../parts/table";
+import { ColumnHead, ScrolledTable, StateCells } from "../../parts/table";
 import { getState, useSlice, useStore } from "../../store";
 import { stateSlice } from "./slice";
 import { solve, type Solution } from "./solution";
@@ -64,17 +63,15 @@ export function Models({ first, second }: { first: number; second: number }) {
     ]);
   const zeros = shownOutputs.filter((row) => ofZero.has(row.name)).map((row) => row.name);
   return (
-    <section class="panel" aria-labelledby="models-title">
-      <div class="heading">
-        <h2 id="models-title">The state by every equation of state</h2>
-        <div class="actions">
-          <SaveCsv
-            what="the comparison of equations"
-            file={() => fileName(fluidName(getState().fluid), "models", "csv")}
-            text={csv}
-          />
-        </div>
-      </div>
+    <CsvPanel
+      name="models"
+      title="The state by every equation of state"
+      saves={{
+        what: "the comparison of equations",
+        file: () => fileName(fluidName(getState().fluid), "models", "csv"),
+        text: csv,
+      }}
+    >
       <OutputsField text={slice.compared} write={(compared) => set({ compared })} />
       <ScrolledTable label="The state by every equation of state">
         <thead>
@@ -93,18 +90,7 @@ export function Models({ first, second }: { first: number; second: number }) {
                 {model.description}
                 {model.name === chosen && <span class="unseen"> (chosen)</span>}
               </th>
-              {solution?.phase ? (
-                <>
-                  <td>{solution.phase}</td>
-                  {columns.map(({ row, places }) => (
-                    <ValueCell value={value(solution, row)} places={places} below={difference(solution, row)} />
-                  ))}
-                </>
-              ) : (
-                <td colSpan={shownOutputs.length + 1} class="note refusal">
-                  {sentence(problem)}
-                </td>
-              )}
+              <StateCells solution={solution} problem={problem} columns={columns} below={difference} />
             </tr>
           ))}
         </tbody>
@@ -119,6 +105,6 @@ export function Models({ first, second }: { first: number; second: number }) {
           </>
         )}
       </p>
-    </section>
+    </CsvPanel>
   );
 }

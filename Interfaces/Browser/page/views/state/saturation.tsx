@@ -8,7 +8,7 @@ import { placesOf, shownUnit, useUnits } from "../../numbers";
 import { useFluid } from "../../opening";
 import { outputRow } from "../../outputs";
 import { Switch } from "../../parts/choice";
-import { SaveCsv } from "../../parts/copy_button";
+import { CsvPanel } from "../../parts/csv_panel";
 import { fluidName } from "../../parts/fluid_chooser";
 import { sentence } from "../../parts/message";
 import { OutputsField, readOutputs } from "../../parts/outputs_field";
@@ -137,17 +137,15 @@ export function Saturation() {
       ...filled,
     ]);
   return (
-    <section class="panel" aria-labelledby="saturation-title">
-      <div class="heading">
-        <h2 id="saturation-title">Saturation table</h2>
-        <div class="actions">
-          <SaveCsv
-            what="the saturation table"
-            file={() => fileName(fluidName(getState().fluid), "saturation", "csv")}
-            text={csv}
-          />
-        </div>
-      </div>
+    <CsvPanel
+      name="saturation"
+      title="Saturation table"
+      saves={{
+        what: "the saturation table",
+        file: () => fileName(fluidName(getState().fluid), "saturation", "csv"),
+        text: csv,
+      }}
+    >
       <div class="fields">
         <Switch
           label="By"
@@ -216,6 +214,6 @@ export function Saturation() {
           </tbody>
         </ScrolledTable>
       )}
-    </section>
+    </CsvPanel>
   );
 }
