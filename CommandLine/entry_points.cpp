@@ -8,6 +8,7 @@
 #include "CommandLine/suggestions.h"
 #include "Ostrel_Main.h"
 #include "Thermodynamics/gas_properties.h"
+#include "Thermodynamics/transport_properties.h"
 
 #include <algorithm>
 #include <array>
@@ -198,6 +199,9 @@ void serve(request asked) {
              {std::pair("eta", viscosity_note()), std::pair("lambda", conductivity_note())})
             if (text.name == output && !note.empty())
                 found.notes.push_back(note);
+        if (text.name == "lambda" &&
+            transport_properties::active.thermal_cond_model == transport::constant_conductivity)
+            found.notes.emplace_back("lambda is a constant in W/(m K): it is the same at every state.");
     }
     if (!left_out.empty()) {
         found.notes.push_back("At a quality other than 1 these are not served: " + joined(left_out, " ", " "));

@@ -42,9 +42,8 @@ named_fluid fluid_named(const std::string &words) {
 }
 
 std::string nearest_fluids(std::string_view words) {
-    const fluid_index::answer found = fluid_index::index(fluid_folder()).find(words);
-    return found.fluids.empty() ? std::string()
-                                : "Did you mean " + joined(described_files(found.fluids), ", ", " or ") + "?";
+    const std::vector<fluid_index::fluid> meant = fluid_index::index(fluid_folder()).meant(words);
+    return meant.empty() ? std::string() : "Did you mean " + joined(described_files(meant), ", ", " or ") + "?";
 }
 
 void add_temperature_notes(std::vector<std::string> &notes, const fluid_index::fluid &facts, double t) {

@@ -19,7 +19,7 @@ struct named_fluid {
 /// several fluids.
 named_fluid fluid_named(const std::string &words);
 
-/// "Did you mean a, b or c?", or nothing if no fluid's name is near.
+/// "Did you mean a, b or c?", or nothing if the folder has no fluids.
 std::string nearest_fluids(std::string_view words);
 
 /// Adds a note for each limit of the fluid outside which a temperature [K] is.

@@ -437,11 +437,13 @@ answer index::find(std::string_view words) const {
     return result;
 }
 
-std::vector<fluid> index::nearest(std::string_view words, std::size_t most) const {
+std::vector<fluid> index::meant(std::string_view words) const {
+    std::vector<fluid> result = find(words).fluids;
     const std::vector<fluid> fluids = all();
-    std::vector<fluid> result;
     for (const std::size_t place : near_fluids(fluids, key_of(words), true))
-        if (result.size() < most)
+        if (result.size() < nearest_shown && std::none_of(result.begin(), result.end(), [&](const fluid &other) {
+                return other.file == fluids[place].file;
+            }))
             result.push_back(fluids[place]);
     return result;
 }

@@ -64,8 +64,9 @@ public:
     /// there is one of the first kind, names near in spelling follow. No words find all fluids.
     std::vector<fluid> search(std::string_view words, std::size_t most = std::string_view::npos) const;
 
-    /// At most `most` fluids of the folder, those with the names nearest in spelling, however far they are.
-    std::vector<fluid> nearest(std::string_view words, std::size_t most) const;
+    /// The three fluids that may have been meant by words that name none: those that find() has, and behind them those
+    /// with the names nearest in spelling, however far they are. Fewer only if the folder has no more.
+    std::vector<fluid> meant(std::string_view words) const;
 
     /// What the index says of a file; nothing but its name if the index does not have it.
     fluid facts(std::string_view file) const;

@@ -131,6 +131,8 @@ public:
             find_states();
         if (!any_line_ && states_.empty())
             throw no_diagram("the fluid has no states in the ranges of the axes");
+        const std::vector<double> temperatures = values_in_diagram(property::t);
+        result.t_high = temperatures.empty() ? t_low_ : temperatures.back();
         return result;
     }
 
@@ -931,11 +933,16 @@ std::string beginning_of(const diagram &curves, unit_system units) {
 
 std::string extrapolation_of(const ostrel::fluid &fluid, const diagram &curves, unit_system units) {
     const double lowest = fluid.constant("t_cp_min");
+    const double highest = fluid.constant("t_cp_max");
     const auto is_caloric = [](property what) { return what == property::h || what == property::s; };
-    if (!(curves.t_low < lowest) || !(is_caloric(curves.kind->x) || is_caloric(curves.kind->y)))
+    const bool below = curves.t_low < lowest;
+    const bool above = curves.t_high > highest;
+    if (!(below || above) || !(is_caloric(curves.kind->x) || is_caloric(curves.kind->y)))
         return {};
-    return "h and s are extrapolated below " + temperature(lowest, units) +
-           ", where the fit of the heat capacity begins.";
+    return std::string("h and s are extrapolated ") + (below ? "below " + temperature(lowest, units) : "") +
+           (below && above ? " and " : "") + (above ? "above " + temperature(highest, units) : "") +
+           ", where the fit of the heat capacity " + (below ? "begins" : "") + (below && above ? " and " : "") +
+           (above ? "ends" : "") + ".";
 }
 
 } // namespace studies

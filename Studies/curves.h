@@ -91,6 +91,7 @@ struct diagram {
     std::optional<diagram_point> critical{};
     double t_low = 0; ///< [K] nothing is drawn below this temperature
     lowest_temperature t_low_reason = lowest_temperature::chosen;
+    double t_high = 0; ///< [K] highest temperature of a grid of states in the diagram
     std::vector<isoline> lines{};
 };
 
@@ -122,7 +123,7 @@ std::string capitalised(std::string text);
 /// at the end; empty if there is nothing to say.
 std::string beginning_of(const diagram &curves, unit_system units);
 
-/// A sentence if h and s of a diagram are extrapolated at low temperatures; else empty.
+/// A sentence if h and s of a diagram are extrapolated at low or high temperatures; else empty.
 std::string extrapolation_of(const ostrel::fluid &fluid, const diagram &curves, unit_system units);
 
 /// Round numbers between low and high [unit of the values]: 1-2-5 steps, or 1-2-5 numbers if logarithmic, at most

@@ -19,9 +19,10 @@ def main(library_path):
     catalogue = figures.Catalogue(rows, measure.lines(library_path))
     searches = pages.searches(figures.search_shares(found), len(found), *measure.handle_searches(library_path))
     choosing = pages.FOLDER / "Choosing-a-model.md"
+    advice = pages.choosing(choosing.read_text(encoding="utf-8"), handles, entry_points, catalogue)
     for file, text in ((pages.FOLDER / "Accuracy.md", pages.accuracy(handles, entry_points)),
                        (pages.FOLDER / "Catalogue.md", pages.catalogue(catalogue, searches)),
-                       (choosing, pages.choosing(choosing.read_text(encoding="utf-8"), handles, catalogue))):
+                       (choosing, advice)):
         file.write_text(text, encoding="utf-8")
     from accuracy import plots  # only now, since the processes that ask the library are copies of this one
     plots.draw(handles, pages.FOLDER / "Accuracy")

@@ -8,7 +8,6 @@
 #include "Records/record_reader.h"
 #include "host.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <span>
@@ -22,8 +21,6 @@ namespace {
 
 using equations::fluid_parameters;
 using fluid_index::outcome;
-
-constexpr std::size_t nearest_shown = 3;
 
 /// Where the parameters of a fluid come from.
 struct origin {
@@ -183,11 +180,8 @@ std::string listed_fluids(const std::vector<fluid_index::fluid> &fluids) {
     return joined(texts, " or ");
 }
 
-int report_unknown(const std::string &folder, std::string_view name, std::vector<fluid_index::fluid> near) {
-    for (fluid_index::fluid &one : fluid_index::index(folder).nearest(name, nearest_shown))
-        if (near.size() < nearest_shown &&
-            std::none_of(near.begin(), near.end(), [&](const auto &other) { return other.file == one.file; }))
-            near.push_back(std::move(one));
+int report_unknown(const std::string &folder, std::string_view name) {
+    const std::vector<fluid_index::fluid> near = fluid_index::index(folder).meant(name);
     if (near.empty())
         return report(OSTREL_CANNOT_OPEN,
                       {"fluid ", in_quotes(name), ": there are no parameter files in ", in_quotes(folder),
@@ -207,7 +201,7 @@ int open_name(const char *name, const char *option_text, opened &result) {
     const std::string folder = folder_of(wanted);
     fluid_index::answer found = fluid_index::find(folder, name);
     if (found.how == outcome::not_found)
-        return report_unknown(folder, name, std::move(found.fluids));
+        return report_unknown(folder, name);
     if (found.how == outcome::ambiguous)
         return report(OSTREL_CANNOT_OPEN, {"fluid ", in_quotes(name), ": several fluids have this name; it could be ",
                                            listed_fluids(found.fluids)});

@@ -61,12 +61,12 @@ class Pages(unittest.TestCase):
 
     def test_choosing_a_model(self):
         page = read("Choosing-a-model.md")
-        self.same(pages.choosing(page, self.handles, self.catalogue), page)
+        self.same(pages.choosing(page, self.handles, self.entry_points, self.catalogue), page)
 
     def test_a_missing_table_is_an_error(self):
         page = read("Choosing-a-model.md").replace("<!-- scripts/accuracy_report: dense -->", "")
         with self.assertRaises(ValueError):
-            pages.choosing(page, self.handles, self.catalogue)
+            pages.choosing(page, self.handles, self.entry_points, self.catalogue)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Viscosity and conductivity of every shipped fluid must be positive wherever its model has a single phase, in the form
+// Viscosity and conductivity of every shipped fluid must be sensible wherever its model has a single phase, in the form
 // of the entry points and in the published one.
 #include "Equations/fluid_parameters.h"
 #include "Tests/Support/frame.h"
@@ -54,17 +54,46 @@ std::pair<double, double> dome(const std::string &name, double T) {
 }
 
 template <const constants_of_form &form>
-void expect_positive(const shipped_fluid &fluid, double T, double v) {
+constexpr const char *name_of = &form == &transport::published ? "published" : "entry points";
+
+/// Requires positive coefficients that are at least half of those of the dilute gas.
+template <const constants_of_form &form>
+void expect_sensible(const shipped_fluid &fluid, double T, double v, const transport::coefficients<double> &dilute) {
     const auto [mu, k] = fluid.coefficients<form>(T, v);
-    EXPECT_TRUE(mu > 0 && k > 0) << (&form == &transport::published ? "published" : "entry points") << ", "
-                                 << T / fluid.published.Tc << " Tc, " << fluid.vc / v << " critical densities: " << mu
-                                 << ", " << k;
+    EXPECT_TRUE(mu > 0 && k > 0 && mu >= 0.5 * dilute.mu && k >= 0.5 * dilute.k)
+        << name_of<form> << ", " << T / fluid.published.Tc << " Tc, " << fluid.vc / v << " critical densities: " << mu
+        << ", " << k << "; dilute: " << dilute.mu << ", " << dilute.k;
+}
+
+/// Coefficients in Pa s and W/(m K).
+template <const constants_of_form &form>
+transport::coefficients<double> in_si(const shipped_fluid &fluid, transport::coefficients<double> given) {
+    if (&form == &transport::published)
+        return given;
+    constexpr double unit = 418.4 * 418.4 / 1e4; // W/(m K)
+    const bool chung = fluid.parameters.transport.viscosity_model == fluid.parameters.transport.thermal_cond_model;
+    return {fluid.parameters.transport.viscosity_model == transport::dilute_gas ? given.mu / 10 : given.mu,
+            given.k * (chung ? unit : 10 * unit)};
+}
+
+/// Returns the coefficients of the dilute gas. Requires a conductivity of at least that of a monatomic gas of the same
+/// viscosity, and a viscosity near that of corresponding states (L. I. Stiel, G. Thodos, AIChE J. 7 (1961) 611).
+template <const constants_of_form &form>
+transport::coefficients<double> expect_sensible_dilute_gas(const shipped_fluid &fluid, double T) {
+    const transport::coefficients<double> dilute = fluid.coefficients<form>(T, 1e6 * fluid.vc);
+    const auto [mu, k] = in_si<form>(fluid, dilute);
+    const transport::parameters &p = fluid.published;
+    EXPECT_GE(k, 0.999 * 3.75 * p.Rgas * mu) << name_of<form> << ", " << T / p.Tc << " Tc";
+    const double usual = transport::corresponding_states_viscosity(p, T);
+    EXPECT_GT(mu, 0.5 * usual) << name_of<form> << ", " << T / p.Tc << " Tc";
+    EXPECT_LT(mu, 1.5 * usual) << name_of<form> << ", " << T / p.Tc << " Tc";
+    return dilute;
 }
 
 struct shipped_transport : support::frame_test, testing::WithParamInterface<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(part, shipped_transport, testing::Range(std::size_t{0}, shards));
 
-TEST_P(shipped_transport, is_positive_from_dilute_to_dense) {
+TEST_P(shipped_transport, is_sensible_from_dilute_to_dense) {
     const std::vector<std::string> names = support::shipped_fluids();
     ASSERT_GT(names.size(), shards);
     constexpr int temperatures = 48, densities = 60;
@@ -76,13 +105,14 @@ TEST_P(shipped_transport, is_positive_from_dilute_to_dense) {
         for (int j = 0; j <= temperatures; ++j) {
             const double T_r = 0.6 + 2.4 * j / temperatures;
             const auto [liquid, vapor] = T_r < 1 ? dome(names[i], T_r * Tc) : std::pair(0.0, 0.0);
-            for (int step = 0; step <= densities; ++step) {
-                const double density = step == 0 ? 1e-6 : largest_density(fluid) * step / densities;
-                const double v = fluid.vc / density;
+            const auto entry_points = expect_sensible_dilute_gas<transport::entry_points>(fluid, T_r * Tc);
+            const auto published = expect_sensible_dilute_gas<transport::published>(fluid, T_r * Tc);
+            for (int step = 1; step <= densities; ++step) {
+                const double v = fluid.vc / (largest_density(fluid) * step / densities);
                 if (liquid < v && v < vapor)
                     continue;
-                expect_positive<transport::entry_points>(fluid, T_r * Tc, v);
-                expect_positive<transport::published>(fluid, T_r * Tc, v);
+                expect_sensible<transport::entry_points>(fluid, T_r * Tc, v, entry_points);
+                expect_sensible<transport::published>(fluid, T_r * Tc, v, published);
             }
         }
     }

@@ -258,6 +258,27 @@ TEST(curves, limits_of_the_fluid) {
     EXPECT_TRUE(lowest({"helium", "model=mh"}).dome.empty());
 }
 
+TEST(curves, extrapolated_heat_capacities) {
+    // That of r236fa is fitted from 200 to 450 K, and its triple temperature is 179.6 K.
+    const auto said = [](std::string_view kind, std::optional<axis_range> t, studies::unit_system units) {
+        const ostrel::fluid fluid = ostrel::fluid::open("r236fa");
+        const diagram made = make_diagram(fluid, {.kind = studies::diagram_kind_named(kind), .y = t});
+        return studies::extrapolation_of(fluid, made, units);
+    };
+    const auto si = studies::unit_system::si;
+    EXPECT_EQ(said("ts", axis_range{210, 420}, si),
+              "h and s are extrapolated below 200 K, where the fit of the heat capacity begins.");
+    EXPECT_EQ(said("ts", axis_range{210, 700}, studies::unit_system::engineering),
+              "h and s are extrapolated below −73.15 °C and above 176.85 °C, where the fit of the heat capacity begins "
+              "and ends.");
+    EXPECT_EQ(said("pt", std::nullopt, si), "");
+    const ostrel::fluid steam = ostrel::fluid::open("water");
+    const diagram hot = make_diagram(steam, {.kind = studies::diagram_kind_named("ts"), .y = axis_range{300, 1300}});
+    EXPECT_EQ(studies::extrapolation_of(steam, hot, si),
+              "h and s are extrapolated above 1000 K, where the fit of the heat capacity ends.");
+    EXPECT_EQ(studies::extrapolation_of(steam, make_diagram(steam, {.kind = hot.kind}), si), "");
+}
+
 TEST(curves, requests) {
     const ostrel::fluid fluid = ostrel::fluid::open("r134a");
     const diagram_kind *const ph = studies::diagram_kind_named("ph");

@@ -293,6 +293,15 @@ TEST_F(default_host, names_of_any_bytes_open_the_file_of_that_name) {
     }
 }
 
+TEST_F(default_host, the_names_of_the_index_are_no_names_of_files) {
+    for (const std::string name : {"methylbenzene", "C7H8", "108-88-3", "R-134a", "r 134a", "carbon dioxide"}) {
+        SCOPED_TRACE(name);
+        support::fresh_frame(support::shipped_folder);
+        EXPECT_EQ(ask(name, "td", 500, 2.0, "t").text, failed_open(2));
+    }
+    EXPECT_EQ(ask("toluene", "td", 500, 2.0, "t").text, "No errors");
+}
+
 // Another host.
 
 std::int32_t no_fluid(const char *, const char *, char *, std::int32_t *found, std::size_t, std::size_t, std::size_t) {

@@ -265,7 +265,7 @@ def at_place(point):
     return f"{digits(point.Tr, 3)} Tc" + (f", {digits(point.pr, 2)} Pc" if point.pr else "")
 
 
-def saturation_block(comparison, _):
+def saturation_block(comparison, *_):
     rows, best, others = [], ("pr", "srk"), ("rk", "cii", "vdw")
     for key in ("psat", "dv", "hvap", "cpl"):
         worst = (comparison.worst_point(key, model) for model in best)
@@ -285,7 +285,7 @@ WARM = 0.9  # T/Tc above which the volumes of saturated liquids are worst
 WITH_TRANSLATED = [column for model in ("pr", "srk", "rk") for column in (model, TRANSLATED[model])]
 
 
-def liquid_block(comparison, _):
+def liquid_block(comparison, *_):
     rows = []
     for words, low, high in ((f"below {WARM} Tc", 0, WARM), (f"from {WARM} Tc", WARM, 1)):
         part = comparison.only(lambda point, low=low, high=high: low <= point.Tr < high)
@@ -298,7 +298,7 @@ def liquid_block(comparison, _):
     return table(("", *WITH_TRANSLATED), rows)
 
 
-def boiling_block(_, answers):
+def boiling_block(_, answers, __):
     words = {"equation": "critical point and acentric factor from a reference equation",
              "fitted": "Tb of the file fitted to the boiling temperature with srk", "other": "all others"}
     rows = []
@@ -336,7 +336,7 @@ def mh_worse(comparison, mh):
     return f"{mh} is worse than srk for", lambda key: ", ".join(comparison.worse_than(key, mh, "srk")) or "none"
 
 
-def vapor_block(comparison, _):
+def vapor_block(comparison, *_):
     models = ("pr", TRANSLATED["pr"], "srk", TRANSLATED["srk"])
     (stable, asked), (branch, _) = (comparison.counts("d vapor", model) for model in ("mh", VAPOR_BRANCH))
     return "\n".join([*(region_table(comparison, region, (*models, mh), THERMODYNAMIC, [mh_worse(comparison, mh)])
@@ -346,7 +346,7 @@ def vapor_block(comparison, _):
                              "a liquid.")])
 
 
-def dense_block(comparison, _):
+def dense_block(comparison, *_):
     parts = []
     for pressure, place in DENSE_PLACES.items():
         part = at_pressure(comparison, pressure)
@@ -355,12 +355,12 @@ def dense_block(comparison, _):
     return "\n".join(parts)
 
 
-def transport_block(comparison, _):
+def transport_block(comparison, *_):
     return "\n".join(region_table(comparison, region, ("pr", "pr translated", "srk", "mh", "ig"), TRANSPORT)
                      for region in ("vapor", "gas", "dense"))
 
 
-def ideal_block(comparison, _):
+def ideal_block(comparison, *_):
     rows = []
     for region in ("vapor", "gas"):
         for model in ("ig", "izg"):
@@ -370,7 +370,7 @@ def ideal_block(comparison, _):
     return table(("", "states", "density", "largest at one state"), rows)
 
 
-def cases_block(comparison, _):
+def cases_block(comparison, *_):
     cases = [("psat", "pr"), ("psat", "srk"), ("dl", "srk"), ("dl", "pr"), ("dl", "pr translated")]
     cases += [(f"d {region}", model) for region, models in (
         ("vapor", ("pr", "srk", VAPOR_BRANCH)), ("gas", ("srk", "mh")), ("dense", ("pr", "mh"))) for model in models]
@@ -381,14 +381,17 @@ def cases_block(comparison, _):
     return table(head, rows)
 
 
-def tables_block(_, answers):
+def tables_block(_, answers, entry_points):
     count, uncertain = answers.with_sign("pr", "s")
+    dense = {place: at_pressure(entry_points, pressure).counts("d dense", "mh")
+             for pressure, place in DENSE_PLACES.items()}
     return filled(f"With pr, {count} of {len(answers.rows)} fluids have two distinct phases at 0.7 and 0.9 Tc, and for "
                   f"{uncertain} of these rounding decides. With mh {answers.with_sign('mh', 's')[0]} have, with srk "
-                  f"{answers.with_sign('srk', 's')[0]}.")
+                  f"{answers.with_sign('srk', 's')[0]}. Of the supercritical states, mh answers "
+                  + listed(f"{answered} of {asked} at {place}" for place, (answered, asked) in dense.items()) + ".")
 
 
-def lines_block(_, answers):
+def lines_block(_, answers, __):
     with_line = answers.with_line("mh")
     at = ", ".join(f"{count} at {T} Tc" for T, count in zip(LINE_TEMPERATURES, with_line))
     return filled(f"Of {len(answers.rows)} fluids, so many have saturated states with mh: {at}.")
@@ -404,9 +407,9 @@ BLOCKS = {"scope": scope_block, "saturation": saturation_block, "boiling": boili
 BLOCK = re.compile(r"(<!-- scripts/accuracy_report: (\w+) -->\n).*?(<!-- end -->\n)", re.S)
 
 
-def choosing(page, comparison, answers):
+def choosing(page, handles, entry_points, answers):
     """The page with its tables made anew."""
     names = [name for _, name, _ in BLOCK.findall(page)]
     if sorted(names) != sorted(BLOCKS):
         raise ValueError(f"Choosing-a-model.md has the tables {names} and not {list(BLOCKS)}")
-    return BLOCK.sub(lambda found: found[1] + BLOCKS[found[2]](comparison, answers) + found[3], page)
+    return BLOCK.sub(lambda found: found[1] + BLOCKS[found[2]](handles, answers, entry_points) + found[3], page)
