@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Sources include only what stands further inside.
 
-    check_includes.py ROOT          walks the #include lines of the library, its host and the command
+    check_includes.py ROOT          walks the #include lines of the library, its host, the command and the interfaces
     check_includes.py --self-test   shows that forbidden ones are found
 """
 import pathlib
@@ -23,6 +23,8 @@ ROOMS = {
     "Host/": ("Source/host.h", "Source/Records/", "Source/visibility.h", "Include/"),
     "Studies/": ("Include/",),
     "CommandLine/": ("Source/", "Host/", "Include/", "Studies/"),
+    "Interfaces/Python/": ("Include/", "Studies/"),
+    "Interfaces/Browser/": ("Include/", "Studies/", "CommandLine/"),
 }
 # The outer files of Source/ stay outside of the rooms, and the library knows nothing of the two around it.
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
@@ -53,7 +55,8 @@ def complaints(files):
 
 
 def files_of(root):
-    folders = ("Source", "Include", "Host", "Studies", "CommandLine")
+    folders = ("Source", "Include", "Host", "Studies", "CommandLine", "Interfaces/Python", "Interfaces/Browser/core",
+               "Interfaces/Browser/standard")
     return {path.relative_to(root).as_posix(): path.read_text(encoding="utf-8")
             for folder in folders for end in ("h", "hpp", "cpp") for path in (root / folder).rglob(f"*.{end}")}
 
@@ -65,7 +68,7 @@ def self_test():
             "Source/host.h": '#include "ostrel.h"\n', "Include/ostrel.h": "",
             "Host/default.cpp": '#include "host.h"\n', "Host/index.h": "",
             "Source/Fluid/handle.cpp": '#include "Equations/model.h"\n#include "Host/index.h"\n#include "host.h"\n',
-            "CommandLine/main.cpp": '#include "Equations/model.h"\n'}
+            "CommandLine/main.cpp": '#include "Equations/model.h"\n', "Interfaces/Python/core.cpp": ""}
     assert list(complaints(good)) == [], list(complaints(good))
     for path, line in (("Source/Equations/model.h", "Thermodynamics/module.h"), ("Source/Equations/model.h", "host.h"),
                        ("Source/Thermodynamics/module.h", "host.h"),
@@ -73,6 +76,7 @@ def self_test():
                        ("Source/Equations/model.h", "Fluid/handle.cpp"), ("Host/default.cpp", "Fluid/handle.cpp"),
                        ("Source/frame.cpp", "CommandLine/main.cpp"),
                        ("Host/default.cpp", "Equations/model.h"), ("Source/host.h", "Host/default.cpp"),
+                       ("Interfaces/Python/core.cpp", "host.h"), ("CommandLine/main.cpp", "Interfaces/Python/core.cpp"),
                        ("Source/frame.cpp", "missing.h")):
         bad = {**good, path: good[path] + f'#include "{line}"\n'}
         assert len(list(complaints(bad))) == 1, (path, line)

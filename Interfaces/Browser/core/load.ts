@@ -288,31 +288,17 @@ class OpenFluid implements Fluid {
   evaluate(inputs: string, outputs: Outputs, first: Float64Array, second: Float64Array): Evaluation {
     if (first.length !== second.length)
       throw new LibraryError(`there are ${first.length} first and ${second.length} second inputs`, refusedCall);
-    const { calls, open } = this;
-    const names = namesOf(outputs);
-    const count = first.length;
-    let values: Address;
-    let status: Address;
-    return calls.evaluation(
-      () => {
-        values = calls.bytes(8 * count * names.length);
-        status = calls.bytes(4 * count);
-        return calls.core._ostrel_fluid_evaluate(
-          open,
-          calls.text(inputs),
-          calls.text(names.join(",")),
-          count,
-          calls.array(first),
-          calls.array(second),
-          values,
-          status,
-        );
-      },
-      (message) => ({
-        values: calls.doublesAt(values, count * names.length),
-        status: calls.statusesAt(status, count),
-        ...message,
-      }),
+    return this.states(["values"], outputs, first.length, (core, calls, names, [values], status) =>
+      core._ostrel_fluid_evaluate(
+        this.open,
+        calls.text(inputs),
+        names,
+        first.length,
+        calls.array(first),
+        calls.array(second),
+        values!,
+        status,
+      ),
     );
   }
   value(inputs: string, first: number, second: number, output: string): number {
@@ -322,31 +308,42 @@ class OpenFluid implements Fluid {
     );
   }
   saturation(input: "t" | "p", outputs: Outputs, at: Float64Array): Saturation {
-    const { calls, open } = this;
+    return this.states(["liquid", "vapor"], outputs, at.length, (core, calls, names, [liquid, vapor], status) =>
+      core._ostrel_fluid_saturation(
+        this.open,
+        calls.text(input),
+        names,
+        at.length,
+        calls.array(at),
+        liquid!,
+        vapor!,
+        status,
+      ),
+    );
+  }
+  /** Arrays of that kind with the outputs of `count` states, which `call` fills with their statuses. */
+  private states<Kind extends string>(
+    kinds: readonly Kind[],
+    outputs: Outputs,
+    count: number,
+    call: (core: Core, calls: Calls, names: Address, arrays: readonly Address[], status: Address) => number,
+  ): Record<Kind, Float64Array> & { status: Int32Array; message?: string } {
+    const { calls } = this;
     const names = namesOf(outputs);
-    const count = at.length;
-    let liquid: Address;
-    let vapor: Address;
+    const size = count * names.length;
+    let arrays: readonly Address[];
     let status: Address;
     return calls.evaluation(
       () => {
-        liquid = calls.bytes(8 * count * names.length);
-        vapor = calls.bytes(8 * count * names.length);
+        arrays = kinds.map(() => calls.bytes(8 * size));
         status = calls.bytes(4 * count);
-        return calls.core._ostrel_fluid_saturation(
-          open,
-          calls.text(input),
-          calls.text(names.join(",")),
-          count,
-          calls.array(at),
-          liquid,
-          vapor,
-          status,
-        );
+        return call(calls.core, calls, calls.text(names.join(",")), arrays, status);
       },
       (message) => ({
-        liquid: calls.doublesAt(liquid, count * names.length),
-        vapor: calls.doublesAt(vapor, count * names.length),
+        ...(Object.fromEntries(kinds.map((kind, i) => [kind, calls.doublesAt(arrays[i]!, size)])) as Record<
+          Kind,
+          Float64Array
+        >),
         status: calls.statusesAt(status, count),
         ...message,
       }),
