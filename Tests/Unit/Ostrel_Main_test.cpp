@@ -478,6 +478,18 @@ TEST_F(request_frame, get_tv_knows_no_quality_restriction) {
     EXPECT_EQ(shared_text(), unknown_pair("xq"));
 }
 
+TEST_F(request_frame, get_tv_gives_no_volume_without_saturation) {
+    ask("toluene", "td", 500, 2.0, "t");
+    const found at_p = solved("pq", 1e9, 0.5);
+    EXPECT_EQ(shared_text(), "Saturation pressure higher than critical in saturation_P.");
+    EXPECT_EQ(at_p.T, -1);
+    EXPECT_EQ(at_p.v, -2);
+    const found at_t = solved("tq", 1e4, 0.5);
+    EXPECT_EQ(shared_text(), "Saturation temperature higher than critical in saturation_T.");
+    EXPECT_EQ(at_t.T, 1e4 / gas.T_ref);
+    EXPECT_EQ(at_t.v, -2);
+}
+
 // Loading from files.
 
 TEST_F(fluid_loading, asks_the_host_for_the_directory_by_the_products_name) {
