@@ -91,7 +91,8 @@ private:
 ///   covolume()     b [v_ref]
 ///   repulsion()    the factor of T/(v - b), which is Rgas for most models
 ///   q(T), f(v)     the factors of its terms
-/// Models without attraction derive from this struct and add repulsion().
+/// and, if q is the same at every T, athermal_attraction = true. Models without attraction derive from this struct and
+/// add repulsion().
 struct no_attraction {
     static constexpr std::size_t terms = 0;
     static double covolume() { return 0; }
@@ -104,6 +105,16 @@ struct no_attraction {
         return {};
     }
 };
+
+/// Whether q is the same at every T. Its derivatives are then left out of the formulas: as zeros they would make a NaN
+/// of an infinite T or f.
+template <class Model>
+consteval bool athermal() {
+    if constexpr (requires { Model::athermal_attraction; })
+        return Model::athermal_attraction;
+    else
+        return false;
+}
 
 /// The half of a state that depends on the temperature, and below it the half that depends on the volume. A search with
 /// fixed T or v evaluates one half only once.
@@ -151,27 +162,36 @@ struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
         return result;
     }
 
+    /// Such a sum where every term has a derivative of q as a factor.
+    template <class Term>
+    OSTREL_INLINE Real sum_of_slopes(Term term) const {
+        if constexpr (athermal<Model>())
+            return Real(0);
+        else
+            return sum(term);
+    }
+
     OSTREL_INLINE Real P() const {
         return sum([](const auto &q, const auto &f) { return q[0] * f[1]; }) + repulsion * T / w;
     }
     OSTREL_INLINE gradient<Real> dP() const {
-        return {sum([](const auto &q, const auto &f) { return q[1] * f[1]; }) + repulsion / w,
+        return {sum_of_slopes([](const auto &q, const auto &f) { return q[1] * f[1]; }) + repulsion / w,
                 sum([](const auto &q, const auto &f) { return q[0] * f[2]; }) - repulsion * T / (w * w)};
     }
     OSTREL_INLINE hessian<Real> d2P() const {
-        const Real mixed = sum([](const auto &q, const auto &f) { return q[1] * f[2]; }) - repulsion / (w * w);
-        return {sum([](const auto &q, const auto &f) { return q[2] * f[1]; }), mixed, mixed,
+        const Real mixed =
+            sum_of_slopes([](const auto &q, const auto &f) { return q[1] * f[2]; }) - repulsion / (w * w);
+        return {sum_of_slopes([](const auto &q, const auto &f) { return q[2] * f[1]; }), mixed, mixed,
                 sum([](const auto &q, const auto &f) { return q[0] * f[3]; }) + 2.0 * repulsion * T / (w * w * w)};
     }
     template <class Ideal>
     OSTREL_INLINE Real e(const Ideal &ideal) const {
-        return ideal.e_0 + ideal.phi(T) +
-               sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[0]; });
+        return ideal.e_0 + ideal.phi(T) + sum([this](const auto &q, const auto &f) { return of_energy(q) * f[0]; });
     }
     template <class Ideal>
     OSTREL_INLINE Real s(const Ideal &ideal) const {
         using std::log;
-        return ideal.psi(T) + sum([](const auto &q, const auto &f) { return q[1] * f[0]; }) + ideal.s_0 +
+        return ideal.psi(T) + sum_of_slopes([](const auto &q, const auto &f) { return q[1] * f[0]; }) + ideal.s_0 +
                repulsion * log(w);
     }
     template <class Ideal>
@@ -184,23 +204,30 @@ struct state_point : temperature_side<Model, Real>, volume_side<Model, Real> {
     }
     template <class Ideal>
     OSTREL_INLINE gradient<Real> de(const Ideal &ideal) const {
-        return {cv(ideal), sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[1]; })};
+        return {cv(ideal), sum([this](const auto &q, const auto &f) { return of_energy(q) * f[1]; })};
     }
     template <class Ideal>
     OSTREL_INLINE hessian<Real> d2e(const Ideal &ideal) const {
         return {ideal.phipp(T) + dcv_dT_attraction(), dcv_dv_attraction(), dcv_dv_attraction(),
-                sum([this](const auto &q, const auto &f) { return (T * q[1] - q[0]) * f[2]; })};
+                sum([this](const auto &q, const auto &f) { return of_energy(q) * f[2]; })};
     }
 
 private:
+    /// The factor of f in the energy.
+    OSTREL_INLINE Real of_energy(const std::array<Real, 4> &q) const {
+        if constexpr (athermal<Model>())
+            return -q[0];
+        else
+            return T * q[1] - q[0];
+    }
     Real cv_attraction() const {
-        return sum([this](const auto &q, const auto &f) { return T * q[2] * f[0]; });
+        return sum_of_slopes([this](const auto &q, const auto &f) { return T * q[2] * f[0]; });
     }
     Real dcv_dT_attraction() const {
-        return sum([this](const auto &q, const auto &f) { return (q[3] * T + q[2]) * f[0]; });
+        return sum_of_slopes([this](const auto &q, const auto &f) { return (q[3] * T + q[2]) * f[0]; });
     }
     Real dcv_dv_attraction() const {
-        return sum([this](const auto &q, const auto &f) { return T * q[2] * f[1]; });
+        return sum_of_slopes([this](const auto &q, const auto &f) { return T * q[2] * f[1]; });
     }
 };
 

@@ -15,6 +15,7 @@ namespace equations {
 
 struct van_der_waals {
     static constexpr std::size_t terms = 1;
+    static constexpr bool athermal_attraction = true;
     double Rgas = 0;
     double a = 0;
     double b = 0;

@@ -478,6 +478,18 @@ TEST_F(request_frame, get_tv_knows_no_quality_restriction) {
     EXPECT_EQ(shared_text(), unknown_pair("xq"));
 }
 
+TEST_F(request_frame, get_tv_gives_no_volume_without_saturation) {
+    ask("toluene", "td", 500, 2.0, "t");
+    const found at_p = solved("pq", 1e9, 0.5);
+    EXPECT_EQ(shared_text(), "Saturation pressure higher than critical in saturation_P.");
+    EXPECT_EQ(at_p.T, -1);
+    EXPECT_EQ(at_p.v, -2);
+    const found at_t = solved("tq", 1e4, 0.5);
+    EXPECT_EQ(shared_text(), "Saturation temperature higher than critical in saturation_T.");
+    EXPECT_EQ(at_t.T, 1e4 / gas.T_ref);
+    EXPECT_EQ(at_t.v, -2);
+}
+
 // Loading from files.
 
 TEST_F(fluid_loading, asks_the_host_for_the_directory_by_the_products_name) {
@@ -666,17 +678,24 @@ TEST_F(fluid_loading, without_a_separator_directory_and_name_are_joined) {
 TEST_F(fluid_loading, a_failed_open_initialises_what_is_in_memory_again) {
     const fluid_folder fluids;
     fluids.add("fluid", support::vapor_file());
-    ask("fluid", "td", 500, 2.0, "t");
-    const double v_ref = gas.v_ref, e_0 = gas.e_0;
-    gas.v_ref = 1e6;
-    gas.e_0 = 17;
-    const auto answer = ask("missing", "td", 500, 2.0, "t");
-    EXPECT_EQ(answer.text, failed_open(ENOENT));
-    // The model has been initialised again; the steps behind it stop because of the message.
-    EXPECT_EQ(gas.v_ref, v_ref);
-    EXPECT_EQ(gas.e_0, 17);
-    EXPECT_NE(e_0, 17);
-    EXPECT_EQ(gas.name.trimmed(), "model fluid");
+    const struct {
+        std::string name;
+        int code;
+    } cases[] = {{"missing", ENOENT}, {"../fluid", ENOENT}, {std::string(300, 'n'), ENAMETOOLONG}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ask("fluid", "td", 500, 2.0, "t");
+        const double v_ref = gas.v_ref, e_0 = gas.e_0;
+        gas.v_ref = 1e6;
+        gas.e_0 = 17;
+        const auto answer = ask(c.name, "td", 500, 2.0, "t");
+        EXPECT_EQ(answer.text, failed_open(c.code));
+        // The model has been initialised again; the steps behind it stop because of the message.
+        EXPECT_EQ(gas.v_ref, v_ref);
+        EXPECT_EQ(gas.e_0, 17);
+        EXPECT_NE(e_0, 17);
+        EXPECT_EQ(gas.name.trimmed(), "model fluid");
+    }
 }
 
 TEST_F(fluid_loading, a_direct_load_leaves_its_message_in_the_shared_text) {
@@ -876,6 +895,14 @@ TEST_F(fluid_loading, reads_all_sections_of_a_database_text_without_initialising
     EXPECT_EQ(shared_text(), "No errors");
     EXPECT_EQ(transport_properties::active.m_mole, 20);
     EXPECT_EQ(gas.mu_ref, transport_properties::sutherland_law_viscosity(300));
+}
+
+TEST_F(fluid_loading, a_database_text_that_is_read_leaves_an_old_message) {
+    const database_host host(support::vapor_file());
+    ideal_specific_heat::errmsg.report({"earlier"});
+    read_database("place", "fluid");
+    EXPECT_EQ(shared_text(), "earlier");
+    EXPECT_EQ(gas.MM, 20);
 }
 
 TEST_F(fluid_loading, a_database_without_the_fluid_is_reported_and_nothing_read) {

@@ -203,6 +203,13 @@ TEST_F(fluid_database_, a_line_has_at_most_255_characters) {
     }
 }
 
+TEST_F(fluid_database_, trailing_blanks_of_a_name_do_not_stand_before_the_reason) {
+    const database fluids;
+    fluids.add("fluid", with_line(4, std::string(256, '-')));
+    read_database(fluids.location(), "fluid   ");
+    EXPECT_EQ(shared_text(), too_large("fluid", "line 5 is longer than the 255 characters of a database line"));
+}
+
 TEST_F(fluid_database_, a_text_has_at_most_255_lines) {
     const std::string text = support::vapor_file();
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));

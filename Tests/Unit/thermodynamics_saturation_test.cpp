@@ -106,6 +106,9 @@ place seek(double x, const std::vector<double> &xx) {
     seek_in_vector(x, xx, at.i1, at.i2, at.w);
     return at;
 }
+double interpolated(const std::vector<double> &y, const place &at) {
+    return (1 - at.w) * y[static_cast<std::size_t>(at.i1 - 1)] + at.w * y[static_cast<std::size_t>(at.i2 - 1)];
+}
 void expect_place(const place &at, std::int32_t i1, double w) {
     EXPECT_EQ(at.i1, i1);
     EXPECT_EQ(at.i2, i1 + 1);
@@ -381,6 +384,27 @@ TEST_F(thermodynamics_saturation_test, the_number_of_points_is_doubled_where_a_p
     expect_as_written(expected);
 }
 
+TEST_F(thermodynamics_saturation_test, the_number_of_points_is_not_more_than_doubled_by_one_pass) {
+    load(3, "names\nlow\nlow\nconstants\n20.0\nT\n300.0\n50.0\n0.25\n200.0\n0.0\n0.0\n");
+    init_saturation_curves();
+    const written_build expected;
+    EXPECT_EQ(expected.doublings, 1);
+    EXPECT_EQ(TTs.size(), 512U);
+    expect_as_written(expected);
+}
+
+// As if the covolume were larger: the curve reaches the lowest volume among points that follow each other closely.
+TEST_F(thermodynamics_saturation_test, the_table_starts_no_liquid_below_the_lowest_volume) {
+    for (const double lowest : {0.995, 0.99, 0.98, 0.97, 0.95}) {
+        SCOPED_TRACE(lowest);
+        release();
+        load(2);
+        vmin = lowest;
+        init_saturation_curves();
+        expect_as_written(written_build());
+    }
+}
+
 TEST_F(thermodynamics_saturation_test, a_model_without_a_curve_gives_up) {
     for (const std::int32_t type : {1, 8})
         for (const request &by : {by_temperature, by_pressure}) {
@@ -617,6 +641,27 @@ TEST_F(thermodynamics_saturation_test, both_phases_have_equal_temperature_and_Gi
     });
 }
 
+// Next to the critical point the table is so dense that the interpolated phases need no step. Their temperature is then
+// not searched either.
+TEST_F(thermodynamics_saturation_test, phases_that_need_no_step_have_the_interpolated_temperature) {
+    load(4);
+    init_saturation_curves();
+    int rough = 0;
+    for (std::size_t k = 1; k < 120; ++k) {
+        const double P = 0.5 * (PPs[k] + PPs[k + 1]);
+        const place start = seek(P, PPs);
+        double T = 0, v_g = 0, v_l = 0;
+        saturation__P(P, T, v_g, v_l);
+        ASSERT_EQ(support::shared_text(), "No errors");
+        if (v_g != interpolated(vvgs, start) || v_l != interpolated(vvls, start))
+            continue;
+        EXPECT_EQ(T, interpolated(TTs, start));
+        if (std::abs(P__T_v(T, v_g) - P) > 1e-8)
+            ++rough;
+    }
+    EXPECT_GT(rough, 5) << "temperatures that a search would have moved";
+}
+
 TEST_F(thermodynamics_saturation_test, the_curve_has_the_slope_of_Clausius_and_Clapeyron) {
     for_each_true_curve([] {
         for (double f = 0.05; f < (gas_type == 3 ? 0.9 : 0.98); f += 0.031) {
@@ -688,6 +733,12 @@ TEST_F(thermodynamics_saturation_test, a_singular_Jacobian_hands_on_the_text_of_
     EXPECT_EQ(errmsg.padded(), linalg_errmsg.padded());
     EXPECT_TRUE(success);
     errmsg.reset();
+    // The search does not come to the pressure of its last volume.
+    const place start = seek(0.8123 / gas.Zc, TTs);
+    EXPECT_EQ(P, interpolated(PPs, start));
+    EXPECT_EQ(v_g, interpolated(vvgs, start));
+    EXPECT_EQ(v_l, interpolated(vvls, start));
+    EXPECT_GT(std::abs(P__T_v(0.8123 / gas.Zc, v_g) - P), 1e-9);
     saturation__P(0.3123, T, v_g, v_l);
     EXPECT_EQ(support::shared_text(), singular);
     // A start that is a solution needs no inverse.
@@ -843,6 +894,26 @@ TEST_F(thermodynamics_saturation_test, the_temperature_search_behind_a_pass_may_
     EXPECT_EQ(support::shared_text(), "ERROR: in T__P_v");
     EXPECT_EQ(v_g, vmin);
     EXPECT_GT(v_l, vmin);
+}
+
+// The first pass takes each phase to the other side of the critical volume. The lowest temperature then keeps the
+// search for the liquid's temperature from converging, so that the volumes stay visible.
+TEST_F(thermodynamics_saturation_test, phases_that_have_both_crossed_start_anew) {
+    for (const double lowest : {0.09, 0.2}) {
+        SCOPED_TRACE(lowest);
+        errmsg.reset();
+        load(7);
+        start_everywhere_at({0.4, 0.9});
+        for (double &T : TTs)
+            T /= gas.Zc;
+        Tmin = 3.0;
+        vmin = lowest;
+        double T = 0, v_g = 0, v_l = 0;
+        saturation__P(0.85, T, v_g, v_l);
+        EXPECT_EQ(support::shared_text(), "ERROR: in T__P_v");
+        EXPECT_EQ(v_g, 10.0);
+        EXPECT_EQ(v_l, std::max(0.1, lowest));
+    }
 }
 
 // Sampled curves

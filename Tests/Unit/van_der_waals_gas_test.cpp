@@ -61,4 +61,32 @@ TEST_F(van_der_waals_gas_test, the_heat_capacity_is_that_of_the_ideal_gas) {
         }
 }
 
+// What does not depend on the volume, or on the attraction, is a number also where the attraction is infinite.
+TEST_F(van_der_waals_gas_test, no_volume_and_no_temperature_spoils_what_does_not_know_it) {
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    support::load(van_der_waals, support::heat_cases[8]);
+    const double T = 2.0;
+    for (const double v : {0.0, 1e-200, infinite, nan}) {
+        SCOPED_TRACE(v);
+        EXPECT_EQ(cv__T_v__vdWG(T, v), ideal_specific_heat::phip__T(T));
+        EXPECT_EQ(de__dT_dv__vdWG(T, v)[0], ideal_specific_heat::phip__T(T));
+        EXPECT_EQ(dcv__dT_dv__vdWG(T, v)[0], ideal_specific_heat::phipp__T(T));
+        EXPECT_EQ(dcv__dT_dv__vdWG(T, v)[1], 0.0);
+        EXPECT_EQ(d2P__dT2_dv2__vdWG(T, v)[0], 0.0);
+        EXPECT_EQ(d2e__dT2_dv2__vdWG(T, v)[0], ideal_specific_heat::phipp__T(T));
+        EXPECT_EQ(d2e__dT2_dv2__vdWG(T, v)[1], 0.0);
+    }
+    EXPECT_DOUBLE_EQ(dP__dT_dv__vdWG(T, 0.0)[0], -3.0);
+    EXPECT_DOUBLE_EQ(d2P__dT2_dv2__vdWG(T, 0.0)[1], -9.0);
+    EXPECT_EQ(e__T_v__vdWG(T, 0.0), -infinite);
+
+    support::load(van_der_waals, support::heat_cases[0]);
+    EXPECT_EQ(e__T_v__vdWG(infinite, 1.0), infinite);
+    EXPECT_EQ(de__dT_dv__vdWG(infinite, 1.0)[1], 3.0);
+    EXPECT_EQ(d2e__dT2_dv2__vdWG(infinite, 1.0)[3], -6.0);
+    EXPECT_EQ(cv__T_v__vdWG(infinite, 1.0), ideal_specific_heat::phip__T(1.0));
+    EXPECT_EQ(dcv__dT_dv__vdWG(infinite, 1.0)[0], 0.0);
+}
+
 } // namespace
