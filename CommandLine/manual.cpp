@@ -54,12 +54,12 @@ void write_arguments(std::ostream &out, const std::vector<argument> &arguments, 
 }
 
 /// The text at the end of a help; its examples get a heading of their own.
-void write_notes(std::ostream &out, const std::string &notes) {
+void write_notes(std::ostream &out, const std::string &notes, const char *examples = ".SH EXAMPLES") {
     std::istringstream lines(notes);
     bool filled = true;
     for (std::string line; std::getline(lines, line);) {
         if (line == "Examples:" || line == "Example:") {
-            out << (filled ? "" : ".fi\n") << ".SH EXAMPLES\n.nf\n";
+            out << (filled ? "" : ".fi\n") << examples << "\n.nf\n";
             filled = false;
             continue;
         }
@@ -78,8 +78,9 @@ std::string heading(const std::string &name) {
     return ".TH " + upper(name) + " 1 \"\" \"ostrel " OSTREL_PACKAGE_VERSION "\" \"User Commands\"\n";
 }
 
-std::string synopsis(const definition &what) {
-    std::string text = ".B " + roff("ostrel " + what.name) + "\n[\\fIOPTIONS\\fR]";
+/// NAME: with that of the command to which a subcommand belongs.
+std::string synopsis(const std::string &name, const definition &what) {
+    std::string text = ".B " + roff("ostrel " + name) + "\n[\\fIOPTIONS\\fR]";
     if (!what.parts.empty())
         text += " \\fISUBCOMMAND\\fR";
     for (const argument &one : what.arguments)
@@ -93,7 +94,7 @@ std::string page(const definition &what) {
     std::ostringstream out;
     out << heading("ostrel-" + what.name) << ".SH NAME\nostrel\\-" << what.name << " \\- " << roff(what.meaning)
         << "\n.SH SYNOPSIS\n"
-        << synopsis(what);
+        << synopsis(what.name, what);
     if (std::any_of(what.arguments.begin(), what.arguments.end(), [](const auto &one) { return !is_option(one); })) {
         out << ".SH ARGUMENTS\n";
         write_arguments(out, what.arguments, false);
@@ -103,12 +104,17 @@ std::string page(const definition &what) {
         write_arguments(out, what.arguments, true);
     }
     for (const definition &part : what.parts) {
-        out << ".SH SUBCOMMAND " << upper(part.name) << '\n' << roff(part.meaning) << ".\n";
+        out << ".SH SUBCOMMAND " << upper(part.name) << '\n'
+            << synopsis(what.name + ' ' + part.name, part) << ".PP\n"
+            << roff(part.meaning) << ".\n";
         write_arguments(out, part.arguments, false);
         write_arguments(out, part.arguments, true);
+        out << ".PP\n";
+        write_notes(out, part.notes, ".PP\nExample:\n.br");
     }
     if (!what.notes.empty()) {
-        out << ".SH DESCRIPTION\n";
+        if (!what.notes.starts_with("Example"))
+            out << ".SH DESCRIPTION\n";
         write_notes(out, what.notes);
     }
     out << ".SH SEE ALSO\n.BR ostrel (1)\n";

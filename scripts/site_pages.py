@@ -33,7 +33,7 @@ CALCULATOR = """# Calculator
 <a class="button" href="calculator/index.html">Open the calculator</a>
 
 It computes states, draws diagrams and solves cycles in the browser, with the library itself and all its fluids. It
-needs no server, and nothing that is typed there leaves the page.
+needs no server, and nothing that is typed there leaves the page. [In the browser](Documentation/Browser.md) describes it.
 """
 
 # Facts of the real fluid: heading, column of fluids.csv, unit, the unit of the table in this unit, and the name under
@@ -132,9 +132,11 @@ class Catalogue:
         if low:
             form = "pu" if [low, high] == [row["pu_Tmin"], row["pu_Tmax"]] else "cp"
             rows.append(["heat capacity of the ideal gas, fitted", f"{low} to {high} K", sources.get(form, "")])
-        confirmed = row["second"] and (f"The nearest independent source of the critical point ({row['second_by']}) differs "
-                                       f"by {100 * float(row['second']):.2g} %.\n")
-        remarks = f"Remarks on the facts: {row['notes']}.\n" if row["notes"] else ""
+        weak = "critical constants weakly confirmed"
+        confirmed = row["second"] and (f"The critical point is {'weakly ' if weak in row['notes'] else ''}confirmed: the nearest "
+                                       f"independent source ({row['second_by']}) differs by {100 * float(row['second']):.2g} %.\n")
+        notes = [note for note in row["notes"].split("; ") if note and not note.startswith(weak)]
+        remarks = f"Remarks on the facts: {'; '.join(notes)}.\n" if notes else ""
         return table(["of the real fluid", "value", "source"], rows), confirmed + remarks
 
     def described(self, name):
@@ -152,8 +154,9 @@ class Catalogue:
         head = [column for column in rows[0] if column != "note"]
         step = max(1, -(-(len(rows) - 1) // 8))
         kept = rows[:-1:step] + rows[-1:]
-        return table(head, [[number(row[column], 5) if row[column] and abs(float(row[column])) > 1e-12 else "0"
-                             for column in head] for row in kept], numbers=True)
+        shown = [column.replace("degC", "°C").replace("m3", "m³") for column in head]
+        return table(shown, [[number(row[column], 5) if row[column] and abs(float(row[column])) > 1e-12 else "0"
+                              for column in head] for row in kept], numbers=True)
 
     def comparison(self, name):
         """The figures of the accuracy report, if the fluid is one of those that it compares."""
@@ -177,9 +180,11 @@ class Catalogue:
         described, boiling = self.described(name)
         real, remarks = self.real_fluid(name)
         aliases = [alias for alias in [*index["aliases"].split("; "), index["refrigerant"]] if alias]
+        calculator = (f' · <a href="../calculator/index.html#fluid={name}">calculator</a>'
+                      if (extra / "calculator/index.html").exists() else "")
         parts = [f"---\norphan: true\n---\n\n# {index['name']}\n",
                  f"{index['formula']} · CAS {index['cas'] or 'none'} · "
-                 f"{index['family']} · file `{name}.osd` · [all fluids](index.md)\n"]
+                 f"{index['family']} · file `{name}.osd` · [all fluids](index.md){calculator}\n"]
         if aliases:
             parts.append(f"Also found as {', '.join(aliases)}.\n")
         parts += [self.diagrams(name, extra),
@@ -214,11 +219,12 @@ class Catalogue:
                 for name, row in ((name, self.index[name]) for name in names)]
         head = ["name", "other names", "formula", "Tc, K", "pc, bar", "Tb, K", "M, kg/kmol", "CAS", "family"]
         return (f"# Fluids\n\nThe {len(rows)} fluids that come with the library. Each has a page with its facts, their sources, two "
-                "diagrams and what is known of its accuracy.\n\n"
+                "diagrams and what is known of its accuracy. [Catalogue](../Documentation/Catalogue.md) says what each "
+                "equation of state does for each fluid.\n\n"
                 '<input class="filter" type="search" placeholder="name, formula, CAS number, family" '
                 'aria-label="Show the fluids in whose row these words stand">\n'
                 '<output class="filter-count"></output>\n'
-                "<style>td:nth-child(8) { white-space: nowrap; }</style>\n\n" + table(head, rows) +
+                "<style>td:nth-child(n + 4) { white-space: nowrap; }</style>\n\n" + table(head, rows) +
                 '\n<script src="../_static/catalogue.js"></script>\n')
 
 
@@ -247,7 +253,9 @@ def stage(sources, extra):
             if path.is_dir():  # the site has no page for it
                 return shown
             name = str(path.relative_to(ROOT))
-            if path.suffix == ".md":
+            if shown.lower() == "the catalogue" and not fragment:  # the site has a page for each fluid
+                name = f"{CATALOGUE}/index.md"
+            elif path.suffix == ".md":
                 if shown.strip("`") in (path.name, target, name):  # readers of the site know titles and no files
                     shown = re.search(r"^# +(.+)", path.read_text(encoding="utf-8"), re.M)[1].split(":")[0]
             else:

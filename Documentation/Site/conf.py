@@ -19,6 +19,7 @@ html_copy_source = html_show_sourcelink = html_show_copyright = html_show_sphinx
 html_permalinks_icon = "#"
 # Excerpts in the list of what a search has found would be read over the network.
 html_show_search_summary = False
+html_use_index = False
 html_static_path = [str(HERE / "static")]
 html_css_files = ["site.css"]
 html_math_renderer = "katex"
@@ -47,8 +48,20 @@ def visit_inline(translator, node):
 
 
 def visit_block(translator, node):
-    translator.body.append(f'<div class="formula">{formula(node.astext(), "block")}</div>')
+    """Formulas that stand beside each other stand below each other where there is no room."""
+    parts = "".join(f"<div>{formula(part, 'block')}</div>" for part in node.astext().split(r"\qquad"))
+    translator.body.append(f'<div class="formula">{parts}</div>')
     raise nodes.SkipNode
+
+
+def prepare(app, doctree):
+    """Pictures are links to themselves, for screens on which they are small. The length of a cell says how narrow its
+    column may be there."""
+    for picture in doctree.findall(nodes.image):
+        picture["width"] = "100%"
+    for cell in doctree.findall(nodes.entry):
+        length = len(cell.astext())
+        cell["classes"].append("short" if length <= 18 else "middle" if length <= 90 else "long")
 
 
 def add_formula_style(app, page, template, context, doctree):
@@ -72,6 +85,7 @@ def complete_theme(app, exception):
 
 
 def setup(app):
+    app.connect("doctree-read", prepare)
     app.connect("build-finished", complete_theme)
     app.add_html_math_renderer("katex", (visit_inline, None), (visit_block, None))
     app.connect("html-page-context", add_formula_style)

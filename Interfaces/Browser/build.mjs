@@ -46,15 +46,28 @@ async function library(moduleFolder, fluids, page) {
   fs.writeFileSync(path.join(page, "library.js"), `${code}${globals}\n`);
 }
 
+/** The licences of the packages that are in app.js: whoever passes the page on passes them on, too. */
+function licences(inputs, page) {
+  const names = inputs.map((file) => /node_modules\/((?:@[^/]+\/)?[^/]+)/.exec(file)?.[1]).filter((name) => name !== undefined);
+  const texts = [...new Set(names)].sort().map((name) => {
+    const folder = path.join(here, "node_modules", name);
+    const file = fs.readdirSync(folder).find((entry) => /^licen[cs]e/i.test(entry));
+    return `${name}\n\n${fs.readFileSync(path.join(folder, file), "utf8").trim()}\n`;
+  });
+  fs.writeFileSync(path.join(page, "licences.txt"), texts.join("\n\n"));
+}
+
 async function views(folder, page) {
-  await build({
+  const { metafile } = await build({
     ...common,
     entryPoints: [path.join(folder, "app.tsx"), path.join(folder, "style.css")],
     outdir: page,
     format: "iife",
     minify: true,
     legalComments: "eof",
+    metafile: true,
   });
+  licences(Object.keys(metafile.inputs), page);
   fs.copyFileSync(path.join(folder, "index.html"), path.join(page, "index.html"));
 }
 
