@@ -2,12 +2,12 @@
 # SPDX-License-Identifier: MIT
 """Puts the pages of the site together.
 
-    site_pages.py COMMAND SOURCES EXTRA [FLUID...]    COMMAND: the program ostrel
+    site_pages.py COMMAND CALCULATOR SOURCES EXTRA [FLUID...]    COMMAND: the program ostrel
 
 SOURCES receives the pages that stand in the repository, with the front page as index.md, and a page for each fluid
 (all of them, or FLUID...) which is made from the tables of Fluids/, from what the command says, and from the figures of
-Documentation/Accuracy.md and Catalogue.md. EXTRA receives the diagrams of the fluids, and the
-calculator if build/browser/page has it.
+Documentation/Accuracy.md and Catalogue.md. EXTRA receives the diagrams of the fluids, and
+what the folder CALCULATOR has, unless its name is empty.
 """
 import concurrent.futures
 import csv
@@ -233,12 +233,11 @@ def place(path):
     return "index.md" if path == "README.md" else path
 
 
-def stage(sources, extra):
-    """Copies the pages, and all files to which they link."""
+def stage(calculator, sources, extra):
+    """Copies the calculator, the pages, and all files to which they link."""
     pages = [*PAGES, *(str(file.relative_to(ROOT)) for file in sorted((ROOT / "Documentation").glob("*.md")))]
     contents = (ROOT / "Documentation/Site/contents.md").read_text(encoding="utf-8")
-    calculator = ROOT / "build/browser/page"
-    if (calculator / "index.html").exists():
+    if calculator:
         shutil.copytree(calculator, extra / "calculator")
         (sources / "Calculator.md").write_text(CALCULATOR, encoding="utf-8")
         contents = contents.replace("\nself\n", "\nself\nCalculator\n", 1)
@@ -276,13 +275,13 @@ def stage(sources, extra):
 
 
 def main():
-    command, sources, extra = Command(sys.argv[1]), *map(pathlib.Path, sys.argv[2:4])
+    command, calculator, sources, extra = Command(sys.argv[1]), sys.argv[2], *map(pathlib.Path, sys.argv[3:5])
     for folder in sources, extra:
         shutil.rmtree(folder, ignore_errors=True)
         (folder / CATALOGUE).mkdir(parents=True)
-    stage(sources, extra)
+    stage(calculator, sources, extra)
     catalogue = Catalogue(command)
-    names = sys.argv[4:] or list(catalogue.index)
+    names = sys.argv[5:] or list(catalogue.index)
     if unknown := set(names) - set(catalogue.index):
         raise SystemExit(f"Fluids/index.csv has no file {', '.join(sorted(unknown))}")
     (sources / CATALOGUE / "index.md").write_text(catalogue.list(names), encoding="utf-8")
