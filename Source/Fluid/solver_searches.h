@@ -502,8 +502,9 @@ solved solver<Model>::from_V_X(double V, double x) const {
         double difference_before = 0;
         for (int k = 0; k <= steps && line_.exists(); ++k) {
             const double sigma = 1.0 - static_cast<double>(k) / steps; // steps grow with the distance from T_c
-            const double upper = std::max(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line);
-            const on_isochore e = equilibrium<X>(std::min(upper, T_c * (1.0 - 1e-15)), V, r);
+            const double upper =
+                std::clamp(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line, T_c * (1.0 - 1e-15));
+            const on_isochore e = equilibrium<X>(upper, V, r);
             const double difference = e.there ? e.value - x : not_a_number;
             if (difference_before <= 0 && difference >= 0) {
                 const solved below = isochore_search<X>(V, x, lower, upper, 0.0);

@@ -725,23 +725,6 @@ TEST(states, an_isotherm_that_turns_within_one_step) {
     }
 }
 
-// Near their critical points these two surfaces have no liquid whose pressure and free energy are a vapor's.
-TEST(states, lines_that_end_below_the_critical_point) {
-    for (const char *const file : {"acn", "acetacid"}) {
-        handle fluid;
-        ASSERT_EQ(fluid.open_file(shipped(file), "model=mh").status, OSTREL_OK);
-        const double t_c = fluid.constant("t_crit");
-        EXPECT_EQ(status_of(fluid, "tq", t_c * (1 - 1e-3), 0.5), OSTREL_OK) << file;
-        for (const double below : {1e-5, 1e-7, 1e-9}) {
-            const double t = t_c * (1 - below);
-            int status = -1;
-            double p = 0;
-            EXPECT_EQ(status_of(fluid, "tq", t, 0.5), OSTREL_NO_SATURATION) << file << " " << below;
-            EXPECT_EQ(ostrel_fluid_saturation(fluid, "t", "p", 1, &t, &p, nullptr, &status), OSTREL_NO_SATURATION);
-        }
-    }
-}
-
 // Martin and Hou's helium has no saturation line, and isotherms whose densest state has a finite pressure.
 TEST(states, without_a_line_and_with_a_top) {
     handle fluid;
@@ -882,6 +865,56 @@ TEST(states, loops_above_the_critical_temperature) {
             }
         EXPECT_EQ(status_of(fluid, "vh", 0.5 * v_c, -1e12), OSTREL_NO_STATE);
         EXPECT_EQ(status_of(fluid, "ph", 3.0 * fluid.constant("p_crit"), -1e12), OSTREL_NO_STATE);
+    }
+}
+
+// Lines of Martin and Hou's equation whose ends are difficult: at the first five fluids the pressure falls to nearly 0
+// there, and at the others a short stable branch lies between the phases directly below the critical temperature. Both
+// phases have the same Gibbs energy all the same, the pressure rises with the temperature, and what lies between the
+// phases is a mixture.
+TEST(states, lines_with_difficult_ends) {
+    for (const char *const file : {"meamine", "allylalc", "mstearat", "r407c", "no", "acn", "acetacid", "acetald",
+                                   "acrylon", "dmf", "formald", "methylal", "nitromet", "propionn"}) {
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped(file), "model=mh").status, OSTREL_OK) << ostrel_last_message();
+        const double t_c = fluid.constant("t_crit");
+        const double lowest = fluid.constant("t_sat_min");
+        std::vector<double> temperatures;
+        for (const double distance : {0.0, 1e-13, 1e-10, 1e-6, 1e-4, 0.01, 0.1})
+            temperatures.push_back(lowest * (1 + distance));
+        for (const double distance : {0.01, 1e-3, 2e-4, 5e-5, 1e-5, 1e-6, 1e-9, 1e-11})
+            temperatures.push_back(t_c * (1 - distance));
+        double last = 0;
+        for (const double t : temperatures) {
+            SCOPED_TRACE(std::string(file) + " at " + std::to_string(t / t_c) + " Tc");
+            std::array<double, 5> liquid{}, vapor{};
+            ASSERT_EQ(ostrel_fluid_saturation(fluid, "t", "p,v,g,tsat,h", 1, &t, liquid.data(), vapor.data(), nullptr),
+                      OSTREL_OK);
+            EXPECT_NEAR(liquid[2], vapor[2], 1e-9 * (std::abs(liquid[2]) + std::abs(liquid[4])));
+            EXPECT_NEAR(liquid[3], t, 1e-11 * t);
+            EXPECT_GT(liquid[0], last);
+            EXPECT_LT(liquid[1], vapor[1]);
+            last = liquid[0];
+            EXPECT_EQ(ask(fluid, "tv", t, 0.5 * (liquid[1] + vapor[1]), "phase").value, 2.0);
+            if (t > 0.5 * t_c) {
+                EXPECT_EQ(ask(fluid, "pt", liquid[0] * (1 - 1e-6), t, "phase").value, 1.0);
+                EXPECT_EQ(ask(fluid, "pt", liquid[0] * (1 + 1e-6), t, "phase").value, 0.0);
+            }
+        }
+    }
+}
+
+// Some saturated liquids of Martin and Hou's equation shrink when they are heated. What has a little more volume is a
+// mixture there, too.
+TEST(states, liquids_that_shrink_when_heated) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(shipped("acn"), "model=mh").status, OSTREL_OK);
+    const double t_c = fluid.constant("t_crit");
+    EXPECT_LT(ask(fluid, "tq", 0.8 * t_c, 0.0, "v").value, ask(fluid, "tq", 0.7 * t_c, 0.0, "v").value);
+    for (double t = 0.4 * t_c; t < 0.99 * t_c; t += 0.004 * t_c) {
+        const double v = ask(fluid, "tq", t, 0.0, "v").value;
+        EXPECT_EQ(ask(fluid, "tv", t, v * (1 + 1e-9), "phase").value, 2.0) << t / t_c;
+        EXPECT_EQ(ask(fluid, "tv", t, v * (1 - 1e-9), "phase").value, 0.0) << t / t_c;
     }
 }
 
