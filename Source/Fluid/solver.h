@@ -372,7 +372,7 @@ public:
             T = surface_.T_c;
             return saturation_at_T(T, found);
         }
-        if (P < line_.lowest().P)
+        if (P < line_.lowest().P * (1.0 - 1e-15)) // the lowest pressure itself may be rounded
             return surface_.line_ends ? OSTREL_NO_SATURATION : OSTREL_OUT_OF_RANGE;
         if constexpr (surface_type::saturates)
             T = line_.temperature(P, found);

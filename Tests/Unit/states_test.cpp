@@ -543,6 +543,37 @@ TEST(states, beside_the_critical_point) {
         }
 }
 
+// In SI units a neighbour of a critical value is above or below it, whatever rounding does in the library's own units.
+TEST(states, neighbours_of_the_critical_point_are_on_their_side) {
+    for (const char *const file :
+         {"amestyre", "meamine", "mesh", "eglycol", "benzylal", "c6f14", "nbutane", "propano2"})
+        for (const char *const model : {"model=vdw", "model=srk", "model=pr", "model=cii"}) {
+            SCOPED_TRACE(std::string(file) + " " + model);
+            handle fluid;
+            ASSERT_EQ(fluid.open_file(shipped(file), model).status, OSTREL_OK);
+            const double t = fluid.constant("t_crit");
+            const double p = fluid.constant("p_crit");
+            const double hotter = std::nextafter(t, INFINITY);
+            const double higher = std::nextafter(p, INFINITY);
+            EXPECT_EQ(status_of(fluid, "tq", hotter, 0.5), OSTREL_NO_SATURATION);
+            EXPECT_EQ(status_of(fluid, "pq", higher, 0.5), OSTREL_NO_SATURATION);
+            EXPECT_EQ(bits(ask(fluid, "pt", p, hotter, "psat").value), bits_of_nan);
+            EXPECT_EQ(bits(ask(fluid, "pt", higher, t, "tsat").value), bits_of_nan);
+            const double colder = std::nextafter(t, 0.0);
+            const one_value saturated = ask(fluid, "tq", colder, 0.0, "p");
+            EXPECT_EQ(saturated.status, OSTREL_OK);
+            EXPECT_LE(saturated.value, p);
+            EXPECT_EQ(ask(fluid, "pt", saturated.value, colder, "q").value, 0.0);
+            EXPECT_LT(ask(fluid, "pq", std::nextafter(p, 0.0), 1.0, "t").value, t);
+            // t_sat_min is the lowest temperature of the line in every bit.
+            const double lowest = fluid.constant("t_sat_min");
+            const one_value at_end = ask(fluid, "tq", lowest, 0.0, "p");
+            EXPECT_EQ(at_end.status, OSTREL_OK);
+            EXPECT_NEAR(ask(fluid, "pq", at_end.value, 0.0, "t").value, lowest, 1e-15 * lowest);
+            EXPECT_NE(status_of(fluid, "tq", std::nextafter(lowest, 0.0), 0.0), OSTREL_OK);
+        }
+}
+
 // At the least volumes that a number can have above v_min, v - b is rounded, and may be negative.
 TEST(states, the_least_volumes) {
     handle fluid;
