@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <numeric>
 
 namespace {
@@ -1197,6 +1198,32 @@ TEST(states, ends_of_the_branches) {
         const one_value t = ask(fluid, "pq", p, 0.5, "t");
         EXPECT_EQ(t.status, OSTREL_OK);
         EXPECT_NEAR(t.value, fluid.constant("t_crit"), 1e-12 * t.value);
+    }
+}
+
+// A state of another fluid is a mistake of the host, which nothing tells. Its outputs mean nothing, but do no harm.
+TEST(states, of_another_fluid) {
+    std::vector<std::unique_ptr<handle>> fluids;
+    for (const char *const model : {"model=mh", "model=cii", "model=srk", "model=ig"})
+        for (const char *const file : {"water", "helium", "acn"}) {
+            fluids.push_back(std::make_unique<handle>());
+            ASSERT_EQ(fluids.back()->open_file(shipped(file), model).status, OSTREL_OK);
+        }
+    constexpr std::size_t count = 32;
+    for (const auto &of : fluids) {
+        std::array<double, count> t{}, q{};
+        for (std::size_t i = 0; i < count; ++i) {
+            t[i] = (0.4 + 0.02 * static_cast<double>(i)) * of->constant("t_crit");
+            q[i] = static_cast<double>(i) / (count - 1);
+        }
+        std::array<ostrel_state, count> states{};
+        ostrel_fluid_solve(*of, "tq", count, t.data(), q.data(), states.data());
+        for (const auto &other : fluids) {
+            std::array<double, 3 * count> values{};
+            std::array<int, count> status{};
+            EXPECT_LT(ostrel_fluid_outputs(*other, "h,cp,dp/dt|v", count, states.data(), values.data(), status.data()),
+                      OSTREL_BAD_ARGUMENT);
+        }
     }
 }
 
