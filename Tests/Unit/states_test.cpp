@@ -358,6 +358,39 @@ TEST(states, metastable_phases_are_those_of_the_surface) {
     }
 }
 
+// Metastable phases are found up to their spinodals, where a phase and an unstable state become one: from p and t as
+// well as rounding of p permits, and to nearly all digits from p and a caloric value.
+TEST(states, metastable_phases_beside_their_spinodals) {
+    for (const char *const model : {"model=srk", "model=pr", "model=rk", "model=vdw"})
+        for (const bool is_liquid : {false, true}) {
+            handle fluid;
+            const std::string options = std::string(model) + "; " + (is_liquid ? metastable_liquid : metastable_vapor);
+            ASSERT_EQ(fluid.open_file(shipped("acetacid"), options.c_str()).status, OSTREL_OK);
+            const double t_c = fluid.constant("t_crit");
+            for (const double t : {0.5 * t_c, 0.66 * t_c, 0.879 * t_c, 0.958 * t_c}) {
+                double here = is_liquid ? 1.01 * fluid.constant("v_min") : 1e4 * fluid.constant("v_crit");
+                double beyond = fluid.constant("v_crit");
+                for (int step = 0; step < 100; ++step) {
+                    const double middle = std::sqrt(here) * std::sqrt(beyond);
+                    (status_of(fluid, "tv", t, middle) == OSTREL_OK ? here : beyond) = middle;
+                }
+                for (const double distance : {1e-2, 1e-3, 1e-4, 1e-5, 1e-6, 1e-7, 1e-8, 1e-9, 1e-10}) {
+                    const double v = here * (is_liquid ? 1 - distance : 1 + distance);
+                    const quantities known = at(fluid, t, v);
+                    if (known['p'] <= 0)
+                        continue;
+                    for (const char *const pair : {"pt", "ph", "ps", "pu"}) {
+                        const one_value found = ask(fluid, pair, known['p'], known[pair[1]], "v");
+                        EXPECT_EQ(found.status, OSTREL_OK)
+                            << options << " " << pair << " " << t / t_c << " " << distance;
+                        EXPECT_NEAR(found.value, v, (pair[1] == 't' ? 3e-7 : 1e-9) * v)
+                            << options << " " << pair << " " << t / t_c << " " << distance;
+                    }
+                }
+            }
+        }
+}
+
 // Enthalpy and entropy have the values of the conventions at their states.
 TEST(states, zeros_of_the_conventions) {
     struct convention {
