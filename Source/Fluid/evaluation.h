@@ -416,7 +416,7 @@ private:
             return vapor;
         if constexpr (std::is_same_v<typename solver<Model>::surface_type, martin_hou_surface>) {
             // Both phases may be on the same side of the critical volume.
-            if (std::abs(r - r_c_) < 0.5 * r_c_)
+            if (wanted_.states == allowed_states::stable && std::abs(r - r_c_) < 0.5 * r_c_)
                 return solver_.surface().at(state.t * per_T_).beside_gas(r) ? vapor : liquid;
         }
         return r > r_c_ ? liquid : vapor;
