@@ -305,7 +305,8 @@ private:
         }
         keep_input<A>(state, first);
         keep_input<B>(state, second);
-        if (!(finite(state.p) && finite(state.v)))
+        // So dense that the volume is v_min in every bit, or beyond the largest number.
+        if (!(finite(state.p) && finite(state.v) && state.v > constants_.v_min))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
         state.phase = phase_of(state, found.r);
         if (!(state.q >= 0))

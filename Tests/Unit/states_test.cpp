@@ -263,6 +263,9 @@ TEST(states, statuses_at_the_ends) {
         {{"toluene", nullptr}, "ts", 0.8, 1e9, OSTREL_NO_STATE},
         {{"toluene", nullptr}, "th", 4.0, -1e9, OSTREL_NO_STATE},
         {{"toluene", nullptr}, "pt", 1e-20, 0.2, OSTREL_OK},
+        // So high a pressure that the volume is v_min in every bit.
+        {{"toluene", nullptr}, "pt", 1e25, 1.5, OSTREL_OUT_OF_RANGE},
+        {{"toluene", "model=pr"}, "pt", 1e25, 0.8, OSTREL_OUT_OF_RANGE},
         // A volume that overflows when it is reduced.
         {{"toluene", nullptr}, "dh", 1e-308, 0.0, OSTREL_OUT_OF_RANGE},
     };
