@@ -290,7 +290,7 @@ constexpr bool are_options(std::string_view text) {
         if (!has_value || row == std::size(options) || given[row] || !is_value(value, options[row].values))
             return false;
         given[row] = true;
-        metastable = metastable || value == "metastable";
+        metastable = metastable || (key == "states" && value == "metastable");
         if (last)
             break;
     }

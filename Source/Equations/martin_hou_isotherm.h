@@ -6,9 +6,10 @@
 //            s_2 vanish at the critical temperature
 // Given      reduced parameters and T; r [1/v_ref], P [P_ref]
 // Returned   the stable branches of an isotherm, r at a pressure, and both phases at saturation
-// Valid      the gas is the branch that begins at r = 0; below Tc the liquid is the first stable branch behind it. At
-//            high densities isotherms have further loops; nothing behind them is a state. A saturation line ends where
-//            the liquid's branch ends below the pressure of equal Gibbs energies
+// Valid      the gas is the branch that begins at r = 0; below Tc the liquid is the first stable branch behind it, or
+//            within 0.001 Tc of the critical point the second one if the first has no saturation. At high densities
+//            isotherms have further loops; nothing behind them is a state. A saturation line ends where the liquid's
+//            branch ends below the pressure of equal Gibbs energies
 // Accuracy   rounding
 #pragma once
 
@@ -41,6 +42,7 @@ public:
             s_[k] = around_critical(change, k) + (k > 2 ? around_critical(at_critical, k) : 0.0);
         slope_ = polynomial_roots::derivative(s_);
         below_critical_ = T < T_c;
+        close_below_ = below_critical_ && T > 0.999 * T_c;
         above_critical_ = T > T_c * (1.0 + 1e-13);
     }
 
@@ -235,6 +237,8 @@ private:
         double x = low == 0 ? std::min(given.P / c_[1], high / 2) : (low + high) / 2;
         for (int step = 0; step < 200; ++step) {
             const double y = above(x, given);
+            if (y == 0)
+                break;
             (y > 0 ? high : low) = x;
             double next = x - y / slope(x);
             if (!(next > low && next < high))
@@ -276,11 +280,19 @@ private:
         double gas = infinite;
         double liquid = infinite;
         double top = infinite;
+        double behind_top = infinite; ///< where the next stable branch begins
         bool known = false;
     };
     const branch_ends &ends() const {
-        if (!ends_.known)
+        if (!ends_.known) {
             ends_ = find_ends();
+            // Directly below the critical temperature a short stable branch may lie around the critical volume, at
+            // whose pressures the gas has less Gibbs energy. The liquid is the branch behind it then.
+            if (close_below_ && ends_.behind_top < infinite && !saturates()) {
+                ends_.liquid = ends_.behind_top;
+                ends_.top = infinite;
+            }
+        }
         return ends_;
     }
     branch_ends find_ends() const {
@@ -294,6 +306,8 @@ private:
             found.liquid = r_c_ + roots.root[1];
             if (roots.number > 2)
                 found.top = r_c_ + roots.root[2];
+            if (roots.number > 3)
+                found.behind_top = r_c_ + roots.root[3];
             return found;
         }
         // Some cold isotherms never rise again behind the gas.
@@ -323,6 +337,7 @@ private:
     std::array<double, 6> s_;
     std::array<double, 5> slope_;
     bool below_critical_ = false;
+    bool close_below_ = false;
     bool above_critical_ = false;
     mutable branch_ends ends_;
 };

@@ -156,6 +156,8 @@ private:
         double T = solver_.surface().T_line * gas_.T_ref;
         while (T * per_T_ < solver_.surface().T_line)
             T = std::nextafter(T, infinite);
+        while (std::nextafter(T, 0.0) * per_T_ >= solver_.surface().T_line)
+            T = std::nextafter(T, 0.0);
         return T;
     }
 
@@ -180,12 +182,30 @@ private:
             return true;
         }
     }
+    /// x in another unit, on the same side of the critical value as x, where rounding may have put it elsewhere.
+    static double on_its_side(double x, double critical, double converted, double converted_critical) {
+        if (x > critical)
+            return converted > converted_critical ? converted : std::nextafter(converted_critical, infinite);
+        if (x < critical)
+            return converted < converted_critical ? converted : std::nextafter(converted_critical, 0.0);
+        return x == critical ? converted_critical : converted;
+    }
+    double reduced_T(double t) const {
+        if constexpr (solver<Model>::surface_type::saturates)
+            return on_its_side(t, gas_.Tc, t * per_T_, solver_.T_c());
+        return t * per_T_;
+    }
+    double reduced_P(double p) const {
+        if constexpr (solver<Model>::surface_type::saturates)
+            return on_its_side(p, gas_.Pc, p * per_P_, 1.0);
+        return p * per_P_;
+    }
     template <letter what>
     OSTREL_INLINE double reduced(double x) const {
         if constexpr (what == letter::t)
-            return x * per_T_;
+            return reduced_T(x);
         else if constexpr (what == letter::p)
-            return x * per_P_;
+            return reduced_P(x);
         else if constexpr (what == letter::v)
             return x * per_v_;
         else if constexpr (what == letter::d)
@@ -269,8 +289,8 @@ private:
         }
         if (found.status != OSTREL_OK)
             return failed(found.status, inputs, given_first, given_second);
-        ostrel_state state = {found.T * gas_.T_ref,
-                              found.P * gas_.P_ref,
+        ostrel_state state = {t_of(found.T),
+                              p_of(found.P),
                               found.V * gas_.v_ref,
                               found.q,
                               given_first,
@@ -285,12 +305,21 @@ private:
         }
         keep_input<A>(state, first);
         keep_input<B>(state, second);
-        if (!(finite(state.p) && finite(state.v)))
+        // So dense that the volume is v_min in every bit, or beyond the largest number.
+        if (!(finite(state.p) && finite(state.v) && state.v > constants_.v_min))
             return failed(OSTREL_OUT_OF_RANGE, inputs, given_first, given_second);
         state.phase = phase_of(state, found.r);
         if (!(state.q >= 0))
             state.q = the_nan;
         return state;
+    }
+    double t_of(double T) const {
+        const double t = T * gas_.T_ref;
+        return solver<Model>::surface_type::saturates ? on_its_side(T, solver_.T_c(), t, gas_.Tc) : t;
+    }
+    double p_of(double P) const {
+        const double p = P * gas_.P_ref;
+        return solver<Model>::surface_type::saturates ? on_its_side(P, 1.0, p, gas_.Pc) : p;
     }
     template <letter what>
     static void keep_input(ostrel_state &state, double x) {
@@ -386,6 +415,11 @@ private:
             return liquid;
         if (wanted_.states == allowed_states::metastable_vapor)
             return vapor;
+        if constexpr (std::is_same_v<typename solver<Model>::surface_type, martin_hou_surface>) {
+            // Both phases may be on the same side of the critical volume.
+            if (wanted_.states == allowed_states::stable && std::abs(r - r_c_) < 0.5 * r_c_)
+                return solver_.surface().at(state.t * per_T_).beside_gas(r) ? vapor : liquid;
+        }
         return r > r_c_ ? liquid : vapor;
     }
 
@@ -584,11 +618,11 @@ private:
         phases line;
         if (p == gas_.Pc && solver_.line().exists())
             return gas_.Tc;
-        return solver_.saturation_at_P(p * per_P_, T, line) == OSTREL_OK ? T * gas_.T_ref : the_nan;
+        return solver_.saturation_at_P(reduced_P(p), T, line) == OSTREL_OK ? t_of(T) : the_nan;
     }
     double P_of_saturation(double t) const {
         phases line;
-        return solver_.saturation_at_T(t * per_T_, line) == OSTREL_OK ? line.P * gas_.P_ref : the_nan;
+        return solver_.saturation_at_T(reduced_T(t), line) == OSTREL_OK ? p_of(line.P) : the_nan;
     }
 
     struct conductors {
@@ -607,7 +641,7 @@ private:
             std::fill(values, values + wanted.size(), the_nan);
             return state.status;
         }
-        const double T = state.t * per_T_;
+        const double T = reduced_T(state.t);
         const double V = state.v * per_v_;
         const double r = solver_.r_of(V);
         const bool mixed = state.phase == two_phase;

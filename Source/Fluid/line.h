@@ -31,6 +31,8 @@ public:
             }
             if (of.T_line < of.T_c)
                 lowest_ = of.saturated(of.T_line);
+            for (int k = 0; k + 1 < cells; ++k)
+                liquid_expands_ = liquid_expands_ && node_at(k).r_l > node_at(k + 1).r_l;
         }
     }
 
@@ -43,7 +45,8 @@ public:
         const int k = cell_of_temperature(T);
         if (k < 0)
             return 0;
-        return P < node_at(k).P * below ? -1 : P > node_at(k + 1).P * above ? 1 : 0;
+        const double highest = k + 1 < cells ? node_at(k + 1).P : of_.P_c;
+        return P < node_at(k).P * below ? -1 : P > highest * above ? 1 : 0;
     }
     /// Whether r is of a gas (-1), of a liquid (1) or of both phases (2) at T without computing the phases; 0 not
     /// known.
@@ -53,6 +56,8 @@ public:
             return 0;
         if (r < node_at(k).r_g * below)
             return -1;
+        if (!liquid_expands_)
+            return 0;
         if (r > node_at(k).r_l * above)
             return 1;
         return r > node_at(k + 1).r_g * above && r < node_at(k + 1).r_l * below ? 2 : 0;
@@ -177,6 +182,7 @@ private:
     double inverse_step_ = 0;
     std::array<node, cells + 1> nodes_{};
     phases lowest_;
+    bool liquid_expands_ = true; ///< when it is heated, as not all liquids of Martin and Hou's equation do
 };
 
 } // namespace fluid

@@ -40,7 +40,8 @@ martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, doubl
     if (!pressure_enough(T_line)) // it underflows; what is below has no liquid that could be trusted either
         T_line = bisect(T_line, 0.999 * T_c, pressure_enough);
     // Where loops reach up to the critical temperature, the line ends there above the critical pressure.
-    P_c = std::max(1.0, martin_hou_isotherm(model_, T_c * (1.0 - 1e-9), T_c).saturation().P);
+    if (const double P = martin_hou_isotherm(model_, T_c * (1.0 - 1e-12), T_c).saturation().P; P > 1.0 + 1e-10)
+        P_c = P * (1.0 + 1e-10);
     constexpr int steps = 32;
     sigma_step_ = std::sqrt(1.0 - T_line / T_c) / steps;
     const double r_c = 1.0 / (1.0 - model_.b);
@@ -54,6 +55,8 @@ martin_hou_surface::martin_hou_surface(const equations::martin_hou &model, doubl
 }
 
 phases martin_hou_surface::saturated(double T) const {
+    if (starts_.empty() || !(T > 0)) // only of a state of another fluid
+        return {};
     const double sigma = std::sqrt(std::max((T_c - T) / T_c, 0.0));
     const double place = std::min(sigma / sigma_step_, static_cast<double>(starts_.size()) - 1.0 - 1e-9);
     // Cubic through the four nodes around; at the critical point the gas goes on where the liquid comes from.

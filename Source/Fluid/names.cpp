@@ -145,7 +145,8 @@ int refuse_output(std::string_view name) {
     for (const described &row : handle_outputs)
         known.emplace_back(row.name);
     std::string nearest;
-    if (const auto near = spelling::nearest(name, known); !near.empty() && !looks_like_derivative(name))
+    if (const auto near = spelling::nearest(name, known);
+        !near.empty() && !name.empty() && !looks_like_derivative(name))
         nearest = " (did you mean " + known[near.front()] + "?)";
     return report(OSTREL_BAD_ARGUMENT,
                   {"output ", in_quotes(name), ": ",

@@ -330,12 +330,12 @@ public:
             if (T >= surface_.T_c)
                 return below_top(result, i, i.single(P));
             if (states_ == allowed_states::metastable_vapor)
-                return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
+                return gas_reaches(i, P, T) ? single(result, gas_on(i, P)) : none(result);
             if (states_ == allowed_states::metastable_liquid)
-                return P >= i.P(i.liquid_end()) ? below_top(result, i, i.liquid(P)) : none(result);
+                return liquid_reaches(i, P, T) ? below_top(result, i, liquid_on(i, P)) : none(result);
             if (T < surface_.T_line) { // and everywhere if there is no line
                 if (surface_.line_ends)
-                    return gas_reaches(i, P) ? single(result, i.gas(P)) : none(result);
+                    return gas_reaches(i, P, T) ? single(result, gas_on(i, P)) : none(result);
                 return below_top(result, i, i.liquid(P));
             }
             int side = line_.side_of_pressure(T, P);
@@ -372,7 +372,7 @@ public:
             T = surface_.T_c;
             return saturation_at_T(T, found);
         }
-        if (P < line_.lowest().P)
+        if (P < line_.lowest().P * (1.0 - 1e-15)) // the lowest pressure itself may be rounded
             return surface_.line_ends ? OSTREL_NO_SATURATION : OSTREL_OUT_OF_RANGE;
         if constexpr (surface_type::saturates)
             T = line_.temperature(P, found);
@@ -445,14 +445,30 @@ private:
     solved below_top(const solved &result, const isotherm &i, double r) const {
         return r < i.top() || (r == i.top() && P_reaches(result.P, i)) ? single(result, r) : none(result);
     }
-    static bool gas_reaches(const isotherm &i, double P) {
+    /// Whether the gas reaches up to P, and the liquid down to it, but for rounding.
+    bool gas_reaches(const isotherm &i, double P, double T) const {
         if constexpr (!surface_type::saturates)
             return true;
         else {
             const double end = i.gas_end();
-            return end == infinite || P <= i.P(end);
+            return end == infinite || P <= i.P(end) + rounding_of_P(T, end);
         }
     }
+    bool liquid_reaches(const isotherm &i, double P, double T) const {
+        const double end = i.liquid_end();
+        return P >= i.P(end) - rounding_of_P(T, end);
+    }
+    double rounding_of_P(double T, double r) const {
+        return r < infinite ? 4.0 * std::numeric_limits<double>::epsilon() * model_.repulsion() * T * r : 0.0;
+    }
+    /// r at P on the branches, which end at their spinodals: there rounding may lead to the other root.
+    double gas_on(const isotherm &i, double P) const {
+        if constexpr (surface_type::saturates)
+            return std::min(i.gas(P), i.gas_end());
+        else
+            return i.gas(P);
+    }
+    double liquid_on(const isotherm &i, double P) const { return std::max(i.liquid(P), i.liquid_end()); }
     /// Whether P is that of the densest state, but for rounding.
     static bool P_reaches(double P, const isotherm &i) { return P <= i.P(i.top()) * (1.0 + 1e-14); }
     solved of_quality(double T, const phases &p, double q) const {

@@ -175,9 +175,9 @@ solved solver<Model>::isobar_search(double P, double x, branch below_critical, d
         if (!surface_type::saturates || T >= T_c)
             r = i.single(P);
         else if (below_critical == branch::gas)
-            r = gas_reaches(i, P) ? i.gas(P) : 0.0;
+            r = gas_reaches(i, P, T) ? gas_on(i, P) : 0.0;
         else
-            r = P >= i.P(i.liquid_end()) ? i.liquid(P) : 0.0;
+            r = liquid_reaches(i, P, T) ? liquid_on(i, P) : 0.0;
         return r < i.top() ? r : -1.0;
     };
     // Where a branch is not there, T is too low for a gas and too high for a liquid; where the liquid would be too
@@ -212,8 +212,13 @@ solved solver<Model>::isobar_search(double P, double x, branch below_critical, d
                 return failure;
         }
     }
-    const double T = bracketed(low, high, start, true, f);
-    const double r = r_there(T);
+    // Toward a spinodal the slope grows without bound, so that convergence shows nothing.
+    double T = bracketed(low, high, start, true, f, 1e-15, states_ == allowed_states::stable);
+    double r = r_there(T);
+    if (r == 0) {
+        T *= below_critical == branch::gas ? 1.0 + 2e-15 : 1.0 - 2e-15;
+        r = r_there(T);
+    }
     if (!(r > 0))
         return failure;
     // Near the critical point rounding of T leaves a difference, which Newton's method removes; where a branch ends
@@ -502,8 +507,9 @@ solved solver<Model>::from_V_X(double V, double x) const {
         double difference_before = 0;
         for (int k = 0; k <= steps && line_.exists(); ++k) {
             const double sigma = 1.0 - static_cast<double>(k) / steps; // steps grow with the distance from T_c
-            const double upper = std::max(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line);
-            const on_isochore e = equilibrium<X>(std::min(upper, T_c * (1.0 - 1e-15)), V, r);
+            const double upper =
+                std::clamp(T_c - (T_c - surface_.T_line) * sigma * sigma, surface_.T_line, T_c * (1.0 - 1e-15));
+            const on_isochore e = equilibrium<X>(upper, V, r);
             const double difference = e.there ? e.value - x : not_a_number;
             if (difference_before <= 0 && difference >= 0) {
                 const solved below = isochore_search<X>(V, x, lower, upper, 0.0);

@@ -117,6 +117,8 @@ TEST_F(names, unknown_outputs_are_refused_with_the_outputs) {
                 AllOf(StartsWith("output \"visc\""), HasSubstr("t, p, v"), HasSubstr("phase"), HasSubstr("dX/dY|Z")));
     EXPECT_EQ(status_of("tv", "lamda"), OSTREL_BAD_ARGUMENT);
     EXPECT_THAT(ostrel_last_message(), HasSubstr("did you mean lambda?"));
+    EXPECT_EQ(status_of("tv", " "), OSTREL_BAD_ARGUMENT);
+    EXPECT_THAT(ostrel_last_message(), StartsWith("output \"\": a name is empty; outputs are t, p"));
 }
 
 TEST_F(names, every_derivative) {

@@ -165,6 +165,8 @@ TEST(ostrel_hpp, the_compiler_accepts_what_the_library_accepts) {
             });
     EXPECT_TRUE(ostrel::names::are_options("folder=/some/place; model=pr"));
     EXPECT_FALSE(ostrel::names::are_options("folder= "));
+    EXPECT_TRUE(ostrel::names::are_options("folder=metastable"));
+    EXPECT_FALSE(ostrel::names::are_options("folder=metastable; phase=liquid"));
 }
 
 // ---- Opening, and lifetimes
