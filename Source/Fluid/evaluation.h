@@ -674,8 +674,10 @@ private:
         if (plan.transport && !mixed)
             conducts = conductors_at(state.t, state.v, T, cp);
         int status = OSTREL_OK;
-        const letter A = input_pairs[state.inputs & 0xff].first;
-        const letter B = input_pairs[state.inputs & 0xff].second;
+        // A host that has changed the state gets wrong numbers and no fault.
+        const std::size_t row = std::min<std::size_t>(state.inputs & 0xff, std::size(input_pairs) - 1);
+        const letter A = input_pairs[row].first;
+        const letter B = input_pairs[row].second;
         const bool swapped = (state.inputs & swapped_order) != 0;
         for (std::size_t k = 0; k < wanted.size(); ++k) {
             bool between = false;

@@ -1238,6 +1238,19 @@ TEST(states, ends_of_the_branches) {
 }
 
 // A state of another fluid is a mistake of the host, which nothing tells. Its outputs mean nothing, but do no harm.
+TEST(states, that_a_host_has_changed_do_no_harm) {
+    handle fluid;
+    ASSERT_EQ(fluid.open_file(shipped("water"), "").status, OSTREL_OK);
+    for (const std::uint32_t inputs : {0u, 20u, 21u, 255u, 0xffffffffu}) {
+        SCOPED_TRACE(inputs);
+        ostrel_state state{};
+        state.inputs = inputs;
+        std::array<double, 4> values{};
+        int status = 0;
+        EXPECT_LT(ostrel_fluid_outputs(fluid, "t,p,d,cp", 1, &state, values.data(), &status), OSTREL_BAD_ARGUMENT);
+    }
+}
+
 TEST(states, of_another_fluid) {
     std::vector<std::unique_ptr<handle>> fluids;
     for (const char *const model : {"model=mh", "model=cii", "model=srk", "model=ig"})
