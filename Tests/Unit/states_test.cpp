@@ -1238,6 +1238,24 @@ TEST(states, ends_of_the_branches) {
 }
 
 // A state of another fluid is a mistake of the host, which nothing tells. Its outputs mean nothing, but do no harm.
+TEST(states, nearly_empty_ones_are_those_of_the_ideal_gas) {
+    for (const char *const model :
+         {"model=ig", "model=vdw", "model=mh", "model=srk", "model=pr", "model=rk", "model=cii"})
+        for (const char *const file : {"water", "helium", "mdm"}) {
+            SCOPED_TRACE(std::string(model) + " " + file);
+            handle fluid, ideal;
+            ASSERT_EQ(fluid.open_file(shipped(file), model).status, OSTREL_OK);
+            ASSERT_EQ(ideal.open_file(shipped(file), "model=ig").status, OSTREL_OK);
+            for (const double p : {1e-90, 1e-60, 1e-30, 1e-10})
+                for (const char *const output : {"v", "cp", "c", "fundamental", "cp_cv", "isentropic_exponent",
+                                                 "kappa_t", "beta_p", "dp_dt", "dp_dv", "z"}) {
+                    const double expected = ostrel_fluid_value(ideal, "pt", p, 400, output, nullptr);
+                    EXPECT_NEAR(ostrel_fluid_value(fluid, "pt", p, 400, output, nullptr) / expected, 1, 1e-11)
+                        << output << " at " << p;
+                }
+        }
+}
+
 TEST(states, that_a_host_has_changed_do_no_harm) {
     handle fluid;
     ASSERT_EQ(fluid.open_file(shipped("water"), "").status, OSTREL_OK);
