@@ -111,9 +111,7 @@ inline double cubic_root(double a, double b, double c, bool largest) {
         const double u = std::cbrt(std::abs(q) + std::sqrt(discriminant));
         return (q > 0 ? p / u - u : u - p / u) - shift;
     }
-    const double size = std::sqrt(std::max(-p, 0.0));
-    if (size == 0)
-        return -shift;
+    const double size = std::sqrt(std::max(-p, 1e-200)); // above 0 for a triple root, too
     const double third = std::acos(std::clamp(-q / (size * size * size), -1.0, 1.0)) / 3.0;
     return 2.0 * size * std::cos(largest ? third : third + 2.0 * std::numbers::pi / 3.0) - shift;
 }

@@ -368,10 +368,6 @@ public:
     int saturation_at_P(double P, double &T, phases &found) const {
         if (!surface_type::saturates || P > surface_.P_c || !line_.exists())
             return OSTREL_NO_SATURATION;
-        if (P == 1.0) {
-            T = surface_.T_c;
-            return saturation_at_T(T, found);
-        }
         if (P < line_.lowest().P * (1.0 - 1e-15)) // the lowest pressure itself may be rounded
             return surface_.line_ends ? OSTREL_NO_SATURATION : OSTREL_OUT_OF_RANGE;
         if constexpr (surface_type::saturates)

@@ -1238,6 +1238,22 @@ TEST(states, ends_of_the_branches) {
 }
 
 // A state of another fluid is a mistake of the host, which nothing tells. Its outputs mean nothing, but do no harm.
+TEST(states, metastable_liquids_that_no_isotherm_has) {
+    // Nothing keeps water's liquid from shrinking where its covolume is negative; the liquid of the other one has no
+    // branch there.
+    for (const auto &[file, model, cold] :
+         {std::tuple("water", "model=cii", 0.3), std::tuple("pglycol", "model=mh", 0.5)}) {
+        const std::string options = std::string(model) + "; states=metastable; phase=liquid";
+        handle fluid;
+        ASSERT_EQ(fluid.open_file(shipped(file), options.c_str()).status, OSTREL_OK);
+        int status = OSTREL_OK;
+        const double t = cold * fluid.constant("t_crit");
+        EXPECT_EQ(bits(ostrel_fluid_value(fluid, "pt", fluid.constant("p_crit"), t, "d", &status)),
+                  support::bits_of_nan);
+        EXPECT_EQ(status, OSTREL_NO_STATE) << file;
+    }
+}
+
 TEST(states, nearly_empty_ones_are_those_of_the_ideal_gas) {
     for (const char *const model :
          {"model=ig", "model=vdw", "model=mh", "model=srk", "model=pr", "model=rk", "model=cii"})
@@ -1257,15 +1273,19 @@ TEST(states, nearly_empty_ones_are_those_of_the_ideal_gas) {
 }
 
 TEST(states, that_a_host_has_changed_do_no_harm) {
-    handle fluid;
+    handle fluid, mh;
     ASSERT_EQ(fluid.open_file(shipped("water"), "").status, OSTREL_OK);
+    ASSERT_EQ(mh.open_file(shipped("water"), "model=mh").status, OSTREL_OK);
     for (const std::uint32_t inputs : {0u, 20u, 21u, 255u, 0xffffffffu}) {
         SCOPED_TRACE(inputs);
         ostrel_state state{};
         state.inputs = inputs;
         std::array<double, 4> values{};
         int status = 0;
-        EXPECT_LT(ostrel_fluid_outputs(fluid, "t,p,d,cp", 1, &state, values.data(), &status), OSTREL_BAD_ARGUMENT);
+        for (state.phase = 0; state.phase < 5; ++state.phase)
+            for (const handle *const of : {&fluid, &mh})
+                EXPECT_LT(ostrel_fluid_outputs(*of, "t,p,d,dp/dt|v", 1, &state, values.data(), &status),
+                          OSTREL_BAD_ARGUMENT);
     }
 }
 
