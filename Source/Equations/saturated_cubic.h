@@ -52,12 +52,13 @@ struct saturated {
     double slope_g; ///< d ln(r_g)/d ln(tau)
 };
 
-/// The saturation line; lowest_tau <= tau < 1.
+/// The saturation line; lowest_tau <= tau < 1. Other tau, as of another fluid's state, do no harm.
 inline constexpr double lowest_tau = 0.00390625;
 inline saturated saturation(const family &f, double tau, double one_minus_tau) {
     int piece = 0;
     double x = 0;
     double dx_dtau = 0;
+    tau = std::max(lowest_tau, tau);
     if (tau >= 0.5) {
         const double sigma = std::sqrt(std::max(one_minus_tau, 0.0));
         const double place = sigma * (1.0 / sigma_step);

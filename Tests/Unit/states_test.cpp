@@ -1282,10 +1282,13 @@ TEST(states, that_a_host_has_changed_do_no_harm) {
         state.inputs = inputs;
         std::array<double, 4> values{};
         int status = 0;
-        for (state.phase = 0; state.phase < 5; ++state.phase)
-            for (const handle *const of : {&fluid, &mh})
-                EXPECT_LT(ostrel_fluid_outputs(*of, "t,p,d,dp/dt|v", 1, &state, values.data(), &status),
-                          OSTREL_BAD_ARGUMENT);
+        for (const double t : {0.0, -1.0, 1e-300, 1e300, HUGE_VAL, std::nan("")})
+            for (state.phase = 0; state.phase < 5; ++state.phase)
+                for (const handle *const of : {&fluid, &mh}) {
+                    state.t = t;
+                    EXPECT_LT(ostrel_fluid_outputs(*of, "t,p,d,dp/dt|v", 1, &state, values.data(), &status),
+                              OSTREL_BAD_ARGUMENT);
+                }
     }
 }
 
